@@ -1,0 +1,62 @@
+#pragma once
+
+#include <cstdint>
+#include <stdexcept>
+#include <string>
+
+namespace jet
+{
+
+/// Number of a 4096-byte page, counted from 0; its file offset is the number times 4096.
+using PageNo = std::uint32_t;
+
+/// The error numbers of DAO that the engine raises; other programs and the operators' manuals know
+/// failures by these numbers.
+enum class ErrorCode : int {
+    InvalidArgument = 3001,
+    InvalidName = 3125,
+    ObjectExists = 3010,
+    NoCurrentRecord = 3021,
+    DuplicateKey = 3022,
+    FileNotFound = 3024,
+    DiskFull = 3026,
+    Damaged = 3049,
+    CannotUpdateReadOnly = 3051,
+    NullNotAllowed = 3058,
+    NoSuchTable = 3078,
+    FileExists = 3204,
+    TableLocked = 3262,
+    NoSuchItem = 3265,
+    NotADatabase = 3343,
+    InUse = 3356,
+    ValueTooLong = 3163,
+    Overflow =
+        3421, ///< a value that the column's type cannot hold is reported as a conversion error
+    RecordTooLarge = 3047,
+    TooManyColumns = 3190,
+    NoUpdatePending = 3020,
+    PasswordNeeded = 3031,
+    DiskError = 3043,
+};
+
+/// What every failure of the engine throws. The file is then as it was before the failed statement.
+class Error : public std::runtime_error
+{
+public:
+    Error(ErrorCode code, const std::string &description, PageNo page = 0)
+        : std::runtime_error(description), m_code(code), m_page(page)
+    {
+    }
+
+    ErrorCode code() const { return m_code; }
+    /// The DAO error number, as it is shown to operators.
+    int number() const { return static_cast<int>(m_code); }
+    /// The page at which damage was found; 0 when no page is to blame.
+    PageNo page() const { return m_page; }
+
+private:
+    ErrorCode m_code;
+    PageNo m_page;
+};
+
+} // namespace jet
