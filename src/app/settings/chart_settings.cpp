@@ -1,0 +1,24 @@
+#include "app/settings/chart_settings.h"
+#include "app/settings/texts.h"
+#include "chart/chart_grid.h"
+
+void scrie_limite_grafic(const Diagrama &record)
+{
+    record.chart->setValueAxisMaximum(record.limita_maxima);
+    record.chart->setValueAxisMinimum(record.limita_minima);
+}
+
+void deseneaza_alarme(const Diagrama &record)
+{
+    const int columns = record.chart->columnCount();
+    record.chart->fillColumn(columns - 1, record.alarma_minim);
+    record.chart->fillColumn(columns, record.alarma_maxim);
+}
+
+void aplica_tab(const Diagrama &record, const QString &tab)
+{
+    if (tab == texts::tabGraphLimits())
+        scrie_limite_grafic(record);
+    else if (tab == texts::tabAlarms())
+        deseneaza_alarme(record);
+}

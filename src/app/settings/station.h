@@ -1,0 +1,44 @@
+#pragma once
+
+#include "app/settings/diagram.h"
+#include "app/settings/sensor.h"
+#include "platform/clock.h"
+
+#include <QLocale>
+#include <QString>
+#include <QStringList>
+#include <array>
+#include <vector>
+
+/// The state that all rooms share. One object is made in main and passed by reference; whoever
+/// changes it says so by a signal of its own.
+struct Station {
+    QString appFolder; ///< the folder that holds the program, without a slash at its end
+    QLocale locale;    ///< how numbers and dates look on the screen
+
+    std::vector<Diagrama> Diagrame;    ///< the live diagrams, sorted by name
+    std::vector<Sensor> sensors;       ///< in the order of the diagrams' series
+    std::array<QString, 4> NumeFisier; ///< storage file names; only the first is ever written
+
+    QStringList Chei;   ///< keys of the settings being read or written
+    QStringList Valori; ///< their values, by the same index
+
+    bool monitorActive = false;
+    QDateTime nextSampling = zeroDateTime();
+    bool TimeoutComunicare = false; ///< the recorder did not answer in time
+
+    bool diagramsOpen = false;   ///< Form1 is loaded
+    bool FormMdbDeschis = false; ///< the database browser is loaded
+    bool historyOpen = false;    ///< the history generator is loaded
+    qint16 currentRow = 1;       ///< chart row that the next sample writes
+
+    QString configPath() const { return appFolder + QStringLiteral("/config/config.ini"); }
+    QString storagePath(const QString &name) const
+    {
+        return appFolder + QStringLiteral("/mdb/") + name;
+    }
+    QString archiveFolder() const { return appFolder + QStringLiteral("/mdb/arhive/"); }
+    QString imageFolder() const { return appFolder + QStringLiteral("/img/"); }
+    QString helpPath() const { return appFolder + QStringLiteral("/Doc/help.doc"); }
+    QString warningIconPath() const { return appFolder + QStringLiteral("/res/Warning.ico"); }
+};

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <QDateTime>
+
+/// The moment now, as the station counts time: local wall-clock time without a zone. It is held in
+/// a QDateTime of the UTC spec, so that adding minutes, hours and days is plain calendar
+/// arithmetic, and a daylight-saving change is just a clock that was set.
+class Clock
+{
+public:
+    virtual ~Clock() = default;
+    virtual QDateTime now() const = 0;
+};
+
+/// The system's clock, to the millisecond.
+class SystemClock final : public Clock
+{
+public:
+    QDateTime now() const override;
+};
+
+/// A wall-clock moment in the form that Clock gives.
+QDateTime wallTime(QDate date, QTime time);
+
+/// Day zero of date-times in the databases, 1899-12-30 00:00: the moment that means "never".
+QDateTime zeroDateTime();

@@ -1,0 +1,119 @@
+#include "platform/qt_serial_line.h"
+#include "platform/runtime_error.h"
+
+#include <QSerialPort>
+
+namespace
+{
+
+// A dead line must not hold the window when the rest of a command is sent before closing.
+constexpr int kFlushLimitMs = 200;
+
+QSerialPort::Parity portParity(LineSettings::Parity parity)
+{
+    switch (parity) {
+    case LineSettings::Parity::None:
+        return QSerialPort::NoParity;
+    case LineSettings::Parity::Even:
+        return QSerialPort::EvenParity;
+    case LineSettings::Parity::Odd:
+        return QSerialPort::OddParity;
+    case LineSettings::Parity::Mark:
+        return QSerialPort::MarkParity;
+    case LineSettings::Parity::Space:
+        return QSerialPort::SpaceParity;
+    }
+    return QSerialPort::NoParity;
+}
+
+QSerialPort::StopBits portStopBits(LineSettings::StopBits stopBits)
+{
+    switch (stopBits) {
+    case LineSettings::StopBits::One:
+        return QSerialPort::OneStop;
+    case LineSettings::StopBits::OneAndHalf:
+        return QSerialPort::OneAndHalfStop;
+    case LineSettings::StopBits::Two:
+        return QSerialPort::TwoStop;
+    }
+    return QSerialPort::OneStop;
+}
+
+RuntimeError openError(const QSerialPort &port)
+{
+    switch (port.error()) {
+    case QSerialPort::DeviceNotFoundError:
+        return RuntimeError(RuntimeError::InvalidPortNumber);
+    case QSerialPort::PermissionError:
+        // The toolkit says the same for a port in use and for one this user may not open.
+        return RuntimeError(RuntimeError::PortAlreadyOpen);
+    case QSerialPort::UnsupportedOperationError:
+        return RuntimeError(RuntimeError::InvalidDevice);
+    default:
+        return RuntimeError(RuntimeError::InvalidDevice, port.errorString());
+    }
+}
+
+} // namespace
+
+QtSerialLine::QtSerialLine(const LineSettings &settings, QObject *parent)
+    : SerialLine(parent), m_port(new QSerialPort(this))
+{
+    m_port->setObjectName(QStringLiteral("ControlPlc"));
+    m_port->setPortName(systemPortName(settings.port));
+    m_port->setBaudRate(settings.baudRate);
+    m_port->setParity(portParity(settings.parity));
+    m_port->setDataBits(static_cast<QSerialPort::DataBits>(settings.dataBits));
+    m_port->setStopBits(portStopBits(settings.stopBits));
+    m_port->setFlowControl(QSerialPort::NoFlowControl);
+    connect(m_port, &QSerialPort::readyRead, this, &SerialLine::readyRead);
+    connect(m_port, &QSerialPort::errorOccurred, this, &QtSerialLine::onError);
+}
+
+bool QtSerialLine::isOpen() const
+{
+    return m_port->isOpen();
+}
+
+void QtSerialLine::open()
+{
+    if (!m_port->open(QIODevice::ReadWrite))
+        throw openError(*m_port);
+    m_port->clear();
+}
+
+void QtSerialLine::close()
+{
+    if (!m_port->isOpen())
+        return;
+    while (m_port->bytesToWrite() > 0 && m_port->waitForBytesWritten(kFlushLimitMs)) {
+    }
+    m_port->close();
+}
+
+void QtSerialLine::write(const QByteArray &bytes)
+{
+    if (!m_port->isOpen())
+        throw RuntimeError(RuntimeError::PortNotOpen);
+    m_port->write(bytes);
+}
+
+qint64 QtSerialLine::bytesAvailable() const
+{
+    return m_port->isOpen() ? m_port->bytesAvailable() : 0;
+}
+
+QByteArray QtSerialLine::readAll()
+{
+    return m_port->readAll();
+}
+
+void QtSerialLine::onError()
+{
+    // A port whose other side has gone floods the event loop with errors as long as it is open.
+    if (!m_port->isOpen() || m_port->error() == QSerialPort::NoError ||
+        m_port->error() == QSerialPort::TimeoutError)
+        return;
+    m_port->close();
+    emit lost();
+}

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <QByteArray>
+#include <QObject>
+
+/// The line to the recorder, as the exchange needs it. Bytes are raw; nothing is buffered beyond
+/// what the system holds and what has arrived since the last read.
+class SerialLine : public QObject
+{
+    Q_OBJECT
+public:
+    using QObject::QObject;
+
+    virtual bool isOpen() const = 0;
+    /// Opens the line and discards what was left in its buffers. Throws RuntimeError 8002 (no such
+    /// port), 8005 (in use), 8006 (not a serial port), 70 (no permission).
+    virtual void open() = 0;
+    /// Sends what is still unwritten, then closes. A line already closed stays closed.
+    virtual void close() = 0;
+    /// Throws RuntimeError 8018 when the line is not open.
+    virtual void write(const QByteArray &bytes) = 0;
+    /// Received bytes that wait to be read; 0 when the line is closed.
+    virtual qint64 bytesAvailable() const = 0;
+    virtual QByteArray readAll() = 0;
+
+signals:
+    /// More bytes wait than before.
+    void readyRead();
+    /// The other side or the port itself has gone; the line has closed itself.
+    void lost();
+};

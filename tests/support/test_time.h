@@ -1,0 +1,39 @@
+#pragma once
+
+#include "platform/clock.h"
+#include "platform/scheduler.h"
+
+#include <vector>
+
+/// A clock and its timers for tests: time passes only when a test says so, in no time at all.
+class TestTime final : public Clock, public Scheduler
+{
+public:
+    explicit TestTime(const QDateTime &start = wallTime(QDate(2026, 3, 7), QTime(9, 5, 0)));
+    ~TestTime() override;
+
+    QDateTime now() const override { return m_now; }
+    std::unique_ptr<Timer> createTimer(const QString &name, std::function<void()> tick) override;
+
+    /// Lets time pass and ticks every timer that falls due, in order, at its own moment.
+    void advance(std::chrono::milliseconds span);
+    /// advance() to a moment that lies ahead.
+    void advanceTo(const QDateTime &moment);
+    /// The clock is set, as an operator or a daylight-saving change does: timers do not notice.
+    void setClock(const QDateTime &moment) { m_now = moment; }
+    /// The wall clock goes on by itself, as while a blocking call runs: no timer ticks.
+    void passSilently(std::chrono::milliseconds span);
+    /// Whether a timer of that name is running.
+    bool isActive(const QString &name) const;
+    /// How many ticks there were: what the process was woken for.
+    int ticks() const { return m_ticks; }
+
+private:
+    class TestTimer;
+    TestTimer *nextDue(std::chrono::milliseconds limit) const;
+
+    QDateTime m_now;
+    std::chrono::milliseconds m_elapsed{0};
+    std::vector<TestTimer *> m_timers;
+    int m_ticks = 0;
+};
