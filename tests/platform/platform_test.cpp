@@ -1,0 +1,72 @@
+#include "platform/clock.h"
+#include "platform/date_text.h"
+#include "platform/line_settings.h"
+#include "platform/numeric_text.h"
+#include "platform/runtime_error.h"
+
+#include <gtest/gtest.h>
+
+TEST(NumericText, LeadingNumberReadsWhatCanContinueIt)
+{
+    const std::pair<const char *, double> cases[] = {
+        {"      23.5", 23.5}, {"          ", 0}, {"12.3A", 12.3}, {"1 2.5", 12.5}, {"\t-\n4", -4},
+        {"+.5", .5},          {"1e2", 100},      {"1e", 1},       {"1e+x", 1},     {"1,5", 1},
+        {"--1", 0},           {".", 0},          {"1E-999", 0},   {"0012", 12},    {"1.2.3", 1.2}};
+    for (const auto &[text, number] : cases)
+        EXPECT_EQ(leadingNumber(QString::fromLatin1(text)), number) << text;
+    EXPECT_THROW(leadingNumber(u"1e999"), RuntimeError);
+}
+
+TEST(NumericText, WholeTextIsNumericWithPointOrComma)
+{
+    for (const char *text : {"12,5", "12.5", " -3 ", "+1", ",5", "5,", "1e3"})
+        EXPECT_TRUE(isNumericText(QString::fromLatin1(text))) << text;
+    for (const char *text : {"", " ", "a", "1.234,5", "1 2", "-", "1e", "1-", "12x", "inf", "nan"})
+        EXPECT_FALSE(isNumericText(QString::fromLatin1(text))) << text;
+    EXPECT_EQ(numberFromText(u"12,5"), 12.5);
+}
+
+TEST(NumericText, SixteenBitsRoundHalfToEvenAndOverflow)
+{
+    EXPECT_EQ(toInt16(2.5), 2);
+    EXPECT_EQ(toInt16(3.5), 4);
+    EXPECT_EQ(toInt16(-32768.4), -32768);
+    for (const double number : {32767.5, -32769.0, 1e300})
+        EXPECT_THROW(toInt16(number), RuntimeError) << number;
+}
+
+TEST(NumericText, DefaultTextHasFifteenDigits)
+{
+    const QLocale romanian(QLocale::Romanian);
+    EXPECT_EQ(numberText(0.1 + 0.2, romanian), "0,3");
+    EXPECT_EQ(numberText(1234567.5, romanian), "1234567,5");
+    EXPECT_EQ(numberText(-0.0, romanian), "0");
+    EXPECT_EQ(fileNumberText(121.000000000000014), "121");
+    EXPECT_EQ(fileNumberText(1e15), "1E+15");
+}
+
+TEST(DateText, DefaultTextLeavesOutWhatIsZero)
+{
+    const QLocale romanian(QLocale::Romanian, QLocale::Romania);
+    const QDate day(2006, 3, 7);
+    EXPECT_EQ(dateTimeText(wallTime(day, QTime(9, 5, 1)), romanian), "07.03.2006 09:05:01");
+    EXPECT_EQ(dateTimeText(wallTime(day, QTime(0, 0)), romanian), "07.03.2006");
+    EXPECT_EQ(dateTimeText(zeroDateTime(), romanian), "00:00:00");
+}
+
+TEST(LineSettings, ShortFormIsTakenWholeOrNotAtAll)
+{
+    LineSettings settings;
+    parseLineSettings(QStringLiteral("19200, E, 7, 1.5"), settings);
+    EXPECT_EQ(settings.baudRate, 19200);
+    EXPECT_EQ(settings.parity, LineSettings::Parity::Even);
+    EXPECT_EQ(settings.dataBits, 7);
+    EXPECT_EQ(settings.stopBits, LineSettings::StopBits::OneAndHalf);
+    for (const char *text :
+         {"", "9600", "9600,n,8", "9600,x,8,1", "9600,n,9,1", "9600,n,8,3", "a,n,8,1"})
+        EXPECT_THROW(parseLineSettings(QString::fromLatin1(text), settings), RuntimeError) << text;
+    EXPECT_EQ(settings.baudRate, 19200);
+    EXPECT_EQ(systemPortName(QStringLiteral("/dev/ttyUSB0")), "/dev/ttyUSB0");
+    EXPECT_NE(systemPortName(QStringLiteral("1")), "1");
+    EXPECT_THROW(systemPortName(QStringLiteral("0")), RuntimeError);
+}
