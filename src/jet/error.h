@@ -14,29 +14,32 @@ using PageNo = std::uint32_t;
 /// failures by these numbers.
 enum class ErrorCode : int {
     InvalidArgument = 3001,
-    InvalidName = 3125,
     ObjectExists = 3010,
+    NoUpdatePending = 3020,
     NoCurrentRecord = 3021,
     DuplicateKey = 3022,
     FileNotFound = 3024,
     DiskFull = 3026,
+    PasswordNeeded = 3031,
+    NoTransaction = 3034,
+    DiskError = 3043,
+    RecordTooLarge = 3047,
     Damaged = 3049,
-    CannotUpdateReadOnly = 3051,
+    ReadOnly = 3051, ///< the system denies the access, or a write to a file opened for reading
     NullNotAllowed = 3058,
     NoSuchTable = 3078,
+    InvalidName = 3125,
+    ValueTooLong = 3163,
+    RecordDeleted = 3167,
+    TooManyColumns = 3190,
     FileExists = 3204,
+    NotSupported = 3251,
     TableLocked = 3262,
-    NoSuchItem = 3265,
+    NoSuchItem = 3265, ///< no column or index of that name
     NotADatabase = 3343,
     InUse = 3356,
-    ValueTooLong = 3163,
-    Overflow =
-        3421, ///< a value that the column's type cannot hold is reported as a conversion error
-    RecordTooLarge = 3047,
-    TooManyColumns = 3190,
-    NoUpdatePending = 3020,
-    PasswordNeeded = 3031,
-    DiskError = 3043,
+    DuplicateItem = 3367, ///< two columns or indexes of one name in a new table
+    TypeConversion = 3421, ///< also a value that the column's type cannot hold
 };
 
 /// What every failure of the engine throws. The file is then as it was before the failed statement.

@@ -1,0 +1,25 @@
+#pragma once
+
+#include "jet/value.h"
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace jet
+{
+
+/// Range of a stored date: 0100-01-01 to the end of 9999-12-31.
+inline constexpr double kMinDays = -657434;
+inline constexpr double kMaxDays = 2958466; ///< first day that is out of range
+
+/// "2026-11-21 13:30:00", without the time when it is midnight, without the date on day 0; rounded
+/// to the second. Locale-free.
+std::string toText(DateTime moment);
+
+/// A date, a time or both with a blank or "T" between: year-month-day, day.month.year or
+/// day/month/year (two-digit years are 1930 to 2029), hours:minutes with optional seconds. Nothing
+/// for any other text or a day that does not exist.
+std::optional<DateTime> parseDateTime(std::string_view text);
+
+} // namespace jet

@@ -1,0 +1,35 @@
+#pragma once
+
+#include "jet/value.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace jet
+{
+
+/// Digits that a Numeric can hold and the largest scale, as in the database program.
+inline constexpr std::uint8_t kMaxNumericPrecision = 28;
+
+/// Reads a decimal number exactly: sign, digits with "." or "," as the separator, exponent; blanks
+/// around it. Nothing for any other text or more than 28 digits before the point.
+std::optional<Numeric> parseNumeric(std::string_view text);
+
+/// The number with another scale, rounded half to even; nothing when it grows past 28 digits.
+std::optional<Numeric> withScale(const Numeric &number, std::uint8_t scale);
+
+/// Decimal digits of the magnitude; 1 for zero.
+std::size_t digitCount(const Numeric &number);
+
+/// Plain digits with ".", without trailing zeros after it.
+std::string toText(const Numeric &number);
+
+double toDouble(const Numeric &number);
+
+/// Money with exactly four digits after the point; nothing when out of range.
+std::optional<Currency> toCurrency(const Numeric &number);
+Numeric toNumeric(Currency amount);
+
+} // namespace jet

@@ -1,0 +1,323 @@
+#include "jet/row_codec.h"
+
+#include "jet/text_codec.h"
+
+#include <algorithm>
+#include <bit>
+#include <cassert>
+
+namespace jet
+{
+namespace
+{
+
+constexpr std::size_t kFixedStart = 2; ///< after the number of columns
+constexpr char16_t kPadding = u' ';    ///< of a Text column of fixed length
+
+std::size_t maskSize(std::size_t columns)
+{
+    return (columns + 7) / 8;
+}
+
+Numeric decodeNumeric(ByteView stored, std::uint8_t scale)
+{
+    Numeric number;
+    number.negative = readU8(stored, 0) != 0;
+    number.scale = scale;
+    // the most significant word comes first, each word by itself little-endian
+    for (std::size_t word = 0; word < 4; ++word)
+        number.magnitude[3 - word] = readU32(stored, 1 + 4 * word);
+    return number;
+}
+
+Bytes encodeNumeric(const Numeric &number)
+{
+    Bytes stored{static_cast<std::uint8_t>(number.negative ? 0x80 : 0)};
+    for (std::size_t word = 0; word < 4; ++word)
+        appendLittleEndian<4>(stored, number.magnitude[3 - word]);
+    return stored;
+}
+
+Guid decodeGuid(ByteView stored)
+{
+    Guid guid;
+    std::ranges::copy(slice(stored, 0, guid.bytes.size()), guid.bytes.begin());
+    return guid;
+}
+
+Value decodeValue(ByteView stored, const RowLayout::Column &column)
+{
+    switch (column.type) {
+    case ColumnType::Boolean:
+        break;
+    case ColumnType::Byte:
+        return readU8(stored, 0);
+    case ColumnType::Integer:
+        return static_cast<std::int16_t>(readU16(stored, 0));
+    case ColumnType::Long:
+        return static_cast<std::int32_t>(readU32(stored, 0));
+    case ColumnType::Currency:
+        return Currency{readI64(stored, 0)};
+    case ColumnType::Single:
+        return std::bit_cast<float>(readU32(stored, 0));
+    case ColumnType::Double:
+        return readF64(stored, 0);
+    case ColumnType::DateTime:
+        return DateTime{readF64(stored, 0)};
+    case ColumnType::Text:
+        return decodeText(stored);
+    case ColumnType::Binary:
+    case ColumnType::Ole:
+    case ColumnType::Memo:
+        return Bytes(stored.begin(), stored.end());
+    case ColumnType::Guid:
+        return decodeGuid(stored);
+    case ColumnType::Numeric:
+        return decodeNumeric(stored, column.scale);
+    }
+    throwDamaged("a column of unknown type");
+}
+
+/// The value as the alternative that the column's type has.
+template <typename Alternative>
+const Alternative &get(const Value &value)
+{
+    if (const auto *held = std::get_if<Alternative>(&value))
+        return *held;
+    throw Error(ErrorCode::TypeConversion, "Data type conversion error.");
+}
+
+Bytes checkedLength(Bytes stored, std::size_t valueLength, const RowLayout::Column &column)
+{
+    if (valueLength > column.length)
+        throw Error(ErrorCode::ValueTooLong, "The field is too small to accept the amount of data "
+                                             "you attempted to add.");
+    return stored;
+}
+
+Bytes encodeTextValue(Text text, const RowLayout::Column &column)
+{
+    if (!column.variable)
+        text.resize(std::max(text.size(), std::size_t{column.length} / 2), kPadding);
+    // the declared length counts characters, however few bytes the compressed form takes
+    return checkedLength(encodeText(text, column.compressible && column.variable), 2 * text.size(),
+                         column);
+}
+
+Bytes encodeBinaryValue(Bytes bytes, const RowLayout::Column &column)
+{
+    if (!column.variable)
+        bytes.resize(std::max(bytes.size(), std::size_t{column.length}));
+    const std::size_t length = bytes.size();
+    return checkedLength(std::move(bytes), length, column);
+}
+
+template <std::size_t Size>
+Bytes numberBytes(std::uint64_t number)
+{
+    Bytes bytes;
+    appendLittleEndian<Size>(bytes, number);
+    return bytes;
+}
+
+template <typename Signed>
+Bytes signedBytes(Signed number)
+{
+    return numberBytes<sizeof(Signed)>(static_cast<std::uint64_t>(number));
+}
+
+Bytes encodeValue(const Value &value, const RowLayout::Column &column)
+{
+    switch (column.type) {
+    case ColumnType::Boolean:
+        break;
+    case ColumnType::Byte:
+        return {get<std::uint8_t>(value)};
+    case ColumnType::Integer:
+        return signedBytes(get<std::int16_t>(value));
+    case ColumnType::Long:
+        return signedBytes(get<std::int32_t>(value));
+    case ColumnType::Currency:
+        return signedBytes(get<Currency>(value).tenThousandths);
+    case ColumnType::Single:
+        return numberBytes<4>(std::bit_cast<std::uint32_t>(get<float>(value)));
+    case ColumnType::Double:
+        return numberBytes<8>(std::bit_cast<std::uint64_t>(get<double>(value)));
+    case ColumnType::DateTime:
+        return numberBytes<8>(std::bit_cast<std::uint64_t>(get<DateTime>(value).days));
+    case ColumnType::Text:
+        return encodeTextValue(get<Text>(value), column);
+    case ColumnType::Binary:
+        return encodeBinaryValue(get<Bytes>(value), column);
+    case ColumnType::Ole:
+    case ColumnType::Memo:
+        return get<Bytes>(value);
+    case ColumnType::Guid: {
+        const Guid &guid = get<Guid>(value);
+        return {guid.bytes.begin(), guid.bytes.end()};
+    }
+    case ColumnType::Numeric:
+        return encodeNumeric(get<Numeric>(value));
+    }
+    throw Error(ErrorCode::TypeConversion, "Data type conversion error.");
+}
+
+/// Variable values behind the fixed area, then the table of their offsets, last one first.
+void appendVariableValues(Bytes &row, const std::vector<Bytes> &values)
+{
+    std::vector<std::size_t> starts;
+    for (const Bytes &value : values) {
+        starts.push_back(row.size());
+        appendBytes(row, value);
+    }
+    appendLittleEndian<2>(row, row.size());
+    for (std::size_t i = starts.size(); i-- > 0;)
+        appendLittleEndian<2>(row, starts[i]);
+    appendLittleEndian<2>(row, values.size());
+}
+
+void setMaskBit(Bytes &mask, std::uint16_t number)
+{
+    mask[number / 8u] = static_cast<std::uint8_t>(mask[number / 8u] | 1u << number % 8u);
+}
+
+} // namespace
+
+RowLayout makeRowLayout(const TableDefinition &table)
+{
+    RowLayout layout;
+    layout.columnCount = table.maxColumns;
+    layout.variableCount = table.variableColumns;
+    for (const ColumnDefinition &source : table.columns) {
+        const bool inFixedArea = source.isFixed() && source.type != ColumnType::Boolean;
+        RowLayout::Column column{
+            source.type,       source.number,
+            !source.isFixed(), source.isFixed() ? source.fixedOffset : source.variableIndex,
+            source.length,     source.compressible,
+            source.scale};
+        if (inFixedArea) {
+            const auto end = static_cast<std::uint16_t>(source.fixedOffset + source.length);
+            layout.fixedSize = std::max(layout.fixedSize, end);
+        } else if (source.type != ColumnType::Boolean) {
+            const auto needed = static_cast<std::uint16_t>(source.variableIndex + 1);
+            layout.variableCount = std::max(layout.variableCount, needed);
+            layout.firstVariableNumber = std::min(layout.firstVariableNumber, source.number);
+        }
+        layout.columns.push_back(column);
+    }
+    return layout;
+}
+
+RowView::RowView(ByteView row, const RowLayout &layout) : m_row(row), m_layout(&layout)
+{
+    m_columnCount = readU16(row, 0);
+    if (m_columnCount == 0 || m_columnCount > layout.columnCount)
+        throwDamaged("a row has an impossible number of columns");
+    const std::size_t mask = maskSize(m_columnCount);
+    if (row.size() < kFixedStart + mask)
+        throwDamaged("a row is shorter than its bookkeeping");
+    m_maskStart = row.size() - mask;
+    m_fixedEnd = m_maskStart;
+
+    // rows from before the table's first variable column have no offset table
+    if (layout.firstVariableNumber >= m_columnCount)
+        return;
+    if (m_maskStart < kFixedStart + 2)
+        throwDamaged("a row is shorter than its bookkeeping");
+    m_variableCount = readU16(row, m_maskStart - 2);
+    if (m_variableCount > kMaxColumns || m_maskStart < kFixedStart + 4 + 2 * m_variableCount)
+        throwDamaged("a row has an impossible number of variable values");
+    std::size_t end = kFixedStart;
+    for (std::size_t i = 0; i <= m_variableCount; ++i) {
+        const std::size_t offset = readU16(row, m_maskStart - 4 - 2 * i);
+        if (offset < end)
+            throwDamaged("the variable values of a row overlap");
+        end = offset;
+    }
+    if (end > m_maskStart - 4 - 2 * m_variableCount)
+        throwDamaged("the variable values of a row run into its bookkeeping");
+    m_fixedEnd = readU16(row, m_maskStart - 4);
+}
+
+bool RowView::maskBit(std::uint16_t number) const
+{
+    return number < m_columnCount && (m_row[m_maskStart + number / 8u] >> number % 8u & 1u) != 0;
+}
+
+bool RowView::isNull(std::size_t column) const
+{
+    const RowLayout::Column &layout = m_layout->columns[column];
+    if (layout.type == ColumnType::Boolean)
+        return false;
+    return !maskBit(layout.number) || (layout.variable && layout.place >= m_variableCount);
+}
+
+ByteView RowView::storedVariable(std::uint16_t index) const
+{
+    const std::size_t place = m_maskStart - 4 - std::size_t{2} * index;
+    const std::size_t start = readU16(m_row, place);
+    return slice(m_row, start, readU16(m_row, place - 2) - start);
+}
+
+ByteView RowView::stored(std::size_t column) const
+{
+    const RowLayout::Column &layout = m_layout->columns[column];
+    assert(!isNull(column));
+    if (layout.variable)
+        return storedVariable(layout.place);
+    return slice(m_row.first(m_fixedEnd), kFixedStart + layout.place, layout.length);
+}
+
+Value RowView::value(std::size_t column) const
+{
+    const RowLayout::Column &layout = m_layout->columns[column];
+    if (layout.type == ColumnType::Boolean)
+        return maskBit(layout.number);
+    if (isNull(column))
+        return Null{};
+    return decodeValue(stored(column), layout);
+}
+
+std::vector<Value> decodeRow(ByteView row, const RowLayout &layout)
+{
+    const RowView view(row, layout);
+    std::vector<Value> values;
+    values.reserve(layout.columns.size());
+    for (std::size_t i = 0; i < layout.columns.size(); ++i)
+        values.push_back(view.value(i));
+    return values;
+}
+
+Bytes encodeRow(std::span<const Value> values, const RowLayout &layout)
+{
+    assert(values.size() == layout.columns.size());
+    Bytes row(kFixedStart + layout.fixedSize);
+    writeU16(row, 0, layout.columnCount);
+    Bytes mask(maskSize(layout.columnCount));
+    std::vector<Bytes> variable(layout.variableCount);
+
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        const RowLayout::Column &column = layout.columns[i];
+        if (isNull(values[i]))
+            continue;
+        if (column.type == ColumnType::Boolean) {
+            if (get<bool>(values[i]))
+                setMaskBit(mask, column.number);
+            continue;
+        }
+        Bytes stored = encodeValue(values[i], column);
+        if (column.variable)
+            variable[column.place] = std::move(stored);
+        else
+            writeBytes(row, kFixedStart + column.place, stored);
+        setMaskBit(mask, column.number);
+    }
+    if (layout.variableCount > 0)
+        appendVariableValues(row, variable);
+    appendBytes(row, mask);
+    if (row.size() > kMaxRowSize)
+        throw Error(ErrorCode::RecordTooLarge, "Record is too large.");
+    return row;
+}
+
+} // namespace jet
