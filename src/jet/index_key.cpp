@@ -1,5 +1,8 @@
 #include "jet/index_key.h"
 
+#include "jet/guid.h"
+#include "jet/value_access.h"
+
 #include <bit>
 #include <cassert>
 
@@ -12,14 +15,6 @@ constexpr std::uint8_t kNotNull = 0x7F;
 constexpr std::uint8_t kNull = 0x00;
 constexpr std::size_t kBinaryGroup = 8;
 constexpr std::uint8_t kGroupFollows = 9;
-
-template <typename Alternative>
-const Alternative &get(const Value &value)
-{
-    if (const auto *held = std::get_if<Alternative>(&value))
-        return *held;
-    throw Error(ErrorCode::TypeConversion, "Data type conversion error.");
-}
 
 void complement(Bytes &key, std::size_t from)
 {
@@ -60,15 +55,6 @@ void appendBinary(Bytes &key, ByteView bytes, bool ascending)
     }
 }
 
-/// The first three fields are stored little-endian but sort by their digits as written.
-Bytes inWrittenOrder(const Guid &guid)
-{
-    const auto &b = guid.bytes;
-    Bytes bytes{b[3], b[2], b[1], b[0], b[5], b[4], b[7], b[6]};
-    appendBytes(bytes, ByteView(b).subspan(8));
-    return bytes;
-}
-
 void appendNumeric(Bytes &key, const Numeric &number)
 {
     key.push_back(number.negative ? 0x00 : 0xFF);
@@ -91,30 +77,30 @@ void appendValue(Bytes &key, const Value &value, const KeyColumn &column)
 {
     switch (column.type) {
     case ColumnType::Boolean:
-        key.push_back(get<bool>(value) ? 0x00 : 0xFF);
+        key.push_back(valueAs<bool>(value) ? 0x00 : 0xFF);
         return;
     case ColumnType::Byte:
-        key.push_back(get<std::uint8_t>(value));
+        key.push_back(valueAs<std::uint8_t>(value));
         return;
     case ColumnType::Integer:
-        return appendSigned(key, get<std::int16_t>(value));
+        return appendSigned(key, valueAs<std::int16_t>(value));
     case ColumnType::Long:
-        return appendSigned(key, get<std::int32_t>(value));
+        return appendSigned(key, valueAs<std::int32_t>(value));
     case ColumnType::Currency:
-        return appendSigned(key, get<Currency>(value).tenThousandths);
+        return appendSigned(key, valueAs<Currency>(value).tenThousandths);
     case ColumnType::Single:
-        return appendFloating(key, std::bit_cast<std::uint32_t>(get<float>(value)));
+        return appendFloating(key, std::bit_cast<std::uint32_t>(valueAs<float>(value)));
     case ColumnType::Double:
-        return appendFloating(key, std::bit_cast<std::uint64_t>(get<double>(value)));
+        return appendFloating(key, std::bit_cast<std::uint64_t>(valueAs<double>(value)));
     case ColumnType::DateTime:
-        return appendFloating(key, std::bit_cast<std::uint64_t>(get<DateTime>(value).days));
+        return appendFloating(key, std::bit_cast<std::uint64_t>(valueAs<DateTime>(value).days));
     case ColumnType::Text:
     case ColumnType::Memo:
-        return appendText(key, get<Text>(value), column);
+        return appendText(key, valueAs<Text>(value), column);
     case ColumnType::Numeric:
         if (!column.ascending)
             break; // known to differ between versions of the database program
-        return appendNumeric(key, get<Numeric>(value));
+        return appendNumeric(key, valueAs<Numeric>(value));
     case ColumnType::Binary:
     case ColumnType::Guid:
     case ColumnType::Ole:
@@ -130,9 +116,10 @@ void appendColumn(Bytes &key, const Value &value, const KeyColumn &column)
     if (column.type == ColumnType::Binary || column.type == ColumnType::Guid) {
         if (!column.ascending)
             complement(key, start);
-        const Bytes bytes = column.type == ColumnType::Binary ? get<Bytes>(value)
-                                                              : inWrittenOrder(get<Guid>(value));
-        appendBinary(key, bytes, column.ascending);
+        if (column.type == ColumnType::Guid)
+            appendBinary(key, inWrittenOrder(valueAs<Guid>(value)), column.ascending);
+        else
+            appendBinary(key, valueAs<Bytes>(value), column.ascending);
         return;
     }
     appendValue(key, value, column);

@@ -1,6 +1,7 @@
 #include "jet/row_codec.h"
 
 #include "jet/text_codec.h"
+#include "jet/value_access.h"
 
 #include <algorithm>
 #include <bit>
@@ -78,20 +79,10 @@ Value decodeValue(ByteView stored, const RowLayout::Column &column)
     throwDamaged("a column of unknown type");
 }
 
-/// The value as the alternative that the column's type has.
-template <typename Alternative>
-const Alternative &get(const Value &value)
-{
-    if (const auto *held = std::get_if<Alternative>(&value))
-        return *held;
-    throw Error(ErrorCode::TypeConversion, "Data type conversion error.");
-}
-
 Bytes checkedLength(Bytes stored, std::size_t valueLength, const RowLayout::Column &column)
 {
     if (valueLength > column.length)
-        throw Error(ErrorCode::ValueTooLong, "The field is too small to accept the amount of data "
-                                             "you attempted to add.");
+        throwValueTooLong();
     return stored;
 }
 
@@ -132,34 +123,34 @@ Bytes encodeValue(const Value &value, const RowLayout::Column &column)
     case ColumnType::Boolean:
         break;
     case ColumnType::Byte:
-        return {get<std::uint8_t>(value)};
+        return {valueAs<std::uint8_t>(value)};
     case ColumnType::Integer:
-        return signedBytes(get<std::int16_t>(value));
+        return signedBytes(valueAs<std::int16_t>(value));
     case ColumnType::Long:
-        return signedBytes(get<std::int32_t>(value));
+        return signedBytes(valueAs<std::int32_t>(value));
     case ColumnType::Currency:
-        return signedBytes(get<Currency>(value).tenThousandths);
+        return signedBytes(valueAs<Currency>(value).tenThousandths);
     case ColumnType::Single:
-        return numberBytes<4>(std::bit_cast<std::uint32_t>(get<float>(value)));
+        return numberBytes<4>(std::bit_cast<std::uint32_t>(valueAs<float>(value)));
     case ColumnType::Double:
-        return numberBytes<8>(std::bit_cast<std::uint64_t>(get<double>(value)));
+        return numberBytes<8>(std::bit_cast<std::uint64_t>(valueAs<double>(value)));
     case ColumnType::DateTime:
-        return numberBytes<8>(std::bit_cast<std::uint64_t>(get<DateTime>(value).days));
+        return numberBytes<8>(std::bit_cast<std::uint64_t>(valueAs<DateTime>(value).days));
     case ColumnType::Text:
-        return encodeTextValue(get<Text>(value), column);
+        return encodeTextValue(valueAs<Text>(value), column);
     case ColumnType::Binary:
-        return encodeBinaryValue(get<Bytes>(value), column);
+        return encodeBinaryValue(valueAs<Bytes>(value), column);
     case ColumnType::Ole:
     case ColumnType::Memo:
-        return get<Bytes>(value);
+        return valueAs<Bytes>(value);
     case ColumnType::Guid: {
-        const Guid &guid = get<Guid>(value);
+        const Guid &guid = valueAs<Guid>(value);
         return {guid.bytes.begin(), guid.bytes.end()};
     }
     case ColumnType::Numeric:
-        return encodeNumeric(get<Numeric>(value));
+        return encodeNumeric(valueAs<Numeric>(value));
     }
-    throw Error(ErrorCode::TypeConversion, "Data type conversion error.");
+    throwTypeConversion();
 }
 
 /// Variable values behind the fixed area, then the table of their offsets, last one first.
@@ -301,7 +292,7 @@ Bytes encodeRow(std::span<const Value> values, const RowLayout &layout)
         if (isNull(values[i]))
             continue;
         if (column.type == ColumnType::Boolean) {
-            if (get<bool>(values[i]))
+            if (valueAs<bool>(values[i]))
                 setMaskBit(mask, column.number);
             continue;
         }

@@ -1,8 +1,11 @@
 #include "jet/value_conversion.h"
 
 #include "jet/date_text.h"
+#include "jet/guid.h"
+#include "jet/hex_text.h"
 #include "jet/numeric.h"
 #include "jet/text_codec.h"
+#include "jet/value_access.h"
 
 #include <algorithm>
 #include <charconv>
@@ -19,16 +22,11 @@ namespace
 constexpr int kDoubleDigits = 15;
 constexpr int kSingleDigits = 7;
 
-[[noreturn]] void throwConversion()
-{
-    throw Error(ErrorCode::TypeConversion, "Data type conversion error.");
-}
-
 template <typename Result>
 Result valueOrThrow(const std::optional<Result> &result)
 {
     if (!result)
-        throwConversion();
+        throwTypeConversion();
     return *result;
 }
 
@@ -67,58 +65,6 @@ std::string numberText(double number, int significantDigits)
     return result;
 }
 
-std::string hexText(ByteView bytes)
-{
-    constexpr std::string_view kDigits = "0123456789ABCDEF";
-    std::string text;
-    for (const std::uint8_t byte : bytes) {
-        text.push_back(kDigits[byte >> 4]);
-        text.push_back(kDigits[byte & 15]);
-    }
-    return text;
-}
-
-/// Places of the 16 bytes in the written form, most significant digit first.
-constexpr std::size_t kGuidOrder[] = {3, 2, 1, 0, 5, 4, 7, 6, 8, 9, 10, 11, 12, 13, 14, 15};
-constexpr std::string_view kGuidPattern = "{xxxxxxxx-xxxx-xxxx-xxxx-xxxxxxxxxxxx}";
-
-std::string guidText(const Guid &guid)
-{
-    Bytes written;
-    for (const std::size_t place : kGuidOrder)
-        written.push_back(guid.bytes[place]);
-    const std::string digits = hexText(written);
-    std::string text(kGuidPattern);
-    std::size_t next = 0;
-    for (char &c : text) {
-        if (c == 'x')
-            c = digits[next++];
-    }
-    return text;
-}
-
-std::optional<Guid> parseGuid(const Text &text)
-{
-    const std::string written = trimmedLower(text);
-    if (written.size() != kGuidPattern.size())
-        return std::nullopt;
-    std::string digits;
-    for (std::size_t i = 0; i < written.size(); ++i) {
-        if (kGuidPattern[i] == 'x')
-            digits.push_back(written[i]);
-        else if (written[i] != kGuidPattern[i])
-            return std::nullopt;
-    }
-    Guid guid;
-    for (std::size_t i = 0; i < guid.bytes.size(); ++i) {
-        const char *const at = digits.data() + 2 * i;
-        const auto [end, error] = std::from_chars(at, at + 2, guid.bytes[kGuidOrder[i]], 16);
-        if (error != std::errc{} || end != at + 2)
-            return std::nullopt;
-    }
-    return guid;
-}
-
 /// The number a value stands for; nothing when it stands for none.
 struct AsNumber {
     std::optional<double> operator()(bool truth) const { return truth ? -1.0 : 0.0; }
@@ -148,7 +94,7 @@ double toNumber(const Value &value)
 {
     const double number = valueOrThrow(std::visit(AsNumber{}, value));
     if (!std::isfinite(number))
-        throwConversion();
+        throwTypeConversion();
     return number;
 }
 
@@ -170,7 +116,7 @@ Value toWhole(const Value &value)
     const double rounded = std::nearbyint(toNumber(value));
     if (rounded < static_cast<double>(std::numeric_limits<Whole>::min()) ||
         rounded > static_cast<double>(std::numeric_limits<Whole>::max()))
-        throwConversion();
+        throwTypeConversion();
     return static_cast<Whole>(rounded);
 }
 
@@ -178,7 +124,7 @@ Value toSingle(const Value &value)
 {
     const double number = toNumber(value);
     if (std::abs(number) > static_cast<double>(std::numeric_limits<float>::max()))
-        throwConversion();
+        throwTypeConversion();
     return static_cast<float>(number);
 }
 
@@ -198,7 +144,7 @@ Value toNumericColumn(const Value &value, const ColumnDefinition &column)
 {
     const Numeric number = valueOrThrow(withScale(toDecimal(value), column.scale));
     if (digitCount(number) > column.precision)
-        throwConversion();
+        throwTypeConversion();
     return number;
 }
 
@@ -210,19 +156,18 @@ Value toDateTime(const Value &value)
     if (!moment)
         moment = DateTime{toNumber(value)};
     if (moment->days < kMinDays || moment->days >= kMaxDays)
-        throwConversion();
+        throwTypeConversion();
     return *moment;
 }
 
 Value toTextColumn(const Value &value, const ColumnDefinition &column)
 {
     if (std::holds_alternative<Bytes>(value))
-        throwConversion();
+        throwTypeConversion();
     Text text =
         std::holds_alternative<Text>(value) ? std::get<Text>(value) : fromUtf8(defaultText(value));
     if (column.type == ColumnType::Text && 2 * text.size() > column.length)
-        throw Error(ErrorCode::ValueTooLong, "The field is too small to accept the amount of data "
-                                             "you attempted to add.");
+        throwValueTooLong();
     return text;
 }
 
@@ -230,10 +175,9 @@ Value toBinary(const Value &value, const ColumnDefinition &column)
 {
     const auto *bytes = std::get_if<Bytes>(&value);
     if (bytes == nullptr)
-        throwConversion();
+        throwTypeConversion();
     if (column.type == ColumnType::Binary && bytes->size() > column.length)
-        throw Error(ErrorCode::ValueTooLong, "The field is too small to accept the amount of data "
-                                             "you attempted to add.");
+        throwValueTooLong();
     return *bytes;
 }
 
@@ -242,7 +186,7 @@ Value toGuid(const Value &value)
     if (std::holds_alternative<Guid>(value))
         return value;
     const auto *text = std::get_if<Text>(&value);
-    return valueOrThrow(text != nullptr ? parseGuid(*text) : std::nullopt);
+    return valueOrThrow(text != nullptr ? parseGuid(trimmedLower(*text)) : std::nullopt);
 }
 
 struct AsText {
@@ -259,7 +203,7 @@ struct AsText {
     std::string operator()(DateTime moment) const { return toText(moment); }
     std::string operator()(const Text &text) const { return toUtf8(text); }
     std::string operator()(const Bytes &bytes) const { return hexText(bytes); }
-    std::string operator()(const Guid &guid) const { return guidText(guid); }
+    std::string operator()(const Guid &guid) const { return toText(guid); }
 };
 
 } // namespace
@@ -296,7 +240,7 @@ Value convertValue(const Value &value, const ColumnDefinition &column)
     case ColumnType::Numeric:
         return toNumericColumn(value, column);
     }
-    throwConversion();
+    throwTypeConversion();
 }
 
 std::string defaultText(const Value &value)

@@ -1,0 +1,170 @@
+#include "jet/long_value.h"
+#include "jet/row_codec.h"
+#include "jet/text_codec.h"
+#include "tests/jet/jet_testing.h"
+
+#include <gtest/gtest.h>
+
+#include <random>
+
+namespace jet
+{
+namespace
+{
+
+/// One column of every type, the variable ones between the fixed ones.
+TableDefinition everyType()
+{
+    TableDefinition table;
+    table.columns = {column(u"t", ColumnType::Text, 40),     column(u"bool", ColumnType::Boolean),
+                     column(u"byte", ColumnType::Byte),      column(u"int", ColumnType::Integer),
+                     column(u"memo", ColumnType::Memo),      column(u"long", ColumnType::Long),
+                     column(u"cur", ColumnType::Currency),   column(u"f", ColumnType::Single),
+                     column(u"d", ColumnType::Double),       column(u"date", ColumnType::DateTime),
+                     column(u"bin", ColumnType::Binary, 20), column(u"ole", ColumnType::Ole),
+                     column(u"guid", ColumnType::Guid),      column(u"num", ColumnType::Numeric)};
+    table.columns[0].compressible = true;
+    table.columns[13].scale = 2;
+    layOutColumns(table);
+    return table;
+}
+
+std::vector<Value> everyValue()
+{
+    LongValueRef memo{LongValueForm::Inline, 4, {}, {0x41, 0, 0x42, 0}};
+    const LongValueRef ole{LongValueForm::Chain, 5000, {77, 3}, {}};
+    Guid guid;
+    for (std::uint8_t i = 0; i < 16; ++i)
+        guid.bytes[i] = static_cast<std::uint8_t>(0xF0 + i);
+    return {Text(u"Zăpadă și €"),
+            true,
+            std::uint8_t{255},
+            std::int16_t{-2},
+            encodeLongValueRef(memo),
+            std::int32_t{-70000},
+            Currency{-12345},
+            1.5f,
+            -0.1,
+            DateTime{46347.5625},
+            Bytes{1, 0, 0xFF},
+            encodeLongValueRef(ole),
+            guid,
+            Numeric{true, {1, 2, 3, 4}, 2}};
+}
+
+} // namespace
+
+TEST(RowCodec, WritesTheDumpOfARealRow)
+{
+    const RowLayout layout = makeRowLayout(tabelDefinition());
+    const std::vector<Value> values{
+        std::int32_t{2},   121.5,           20.0, -1.5, 0.0, Null{}, 100.0, Text(u"Yes"),
+        DateTime{46347.0}, DateTime{0.5625}};
+    const Bytes row = hex("0A 00 02 00 00 00 00 00 00 00 00 60 5E 40 00 00 00 00 00 00 34 40"
+                          " 00 00 00 00 00 00 F8 BF 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00"
+                          " 00 00 00 00 00 00 59 40 00 00 00 00 60 A1 E6 40 00 00 00 00 00 00 E2 3F"
+                          " 59 00 65 00 73 00 4C 00 46 00 01 00 DF 03");
+    EXPECT_EQ(encodeRow(values, layout), row);
+    EXPECT_EQ(decodeRow(row, layout), values);
+}
+
+TEST(RowCodec, EveryTypeComesBack)
+{
+    const RowLayout layout = makeRowLayout(everyType());
+    const std::vector<Value> values = everyValue();
+    EXPECT_EQ(decodeRow(encodeRow(values, layout), layout), values);
+
+    std::vector<Value> nulls(values.size());
+    const Bytes row = encodeRow(nulls, layout);
+    nulls[1] = false; // a Boolean has no null
+    EXPECT_EQ(decodeRow(row, layout), nulls);
+
+    const LongValueRef chain = decodeLongValueRef(std::get<Bytes>(values[11]));
+    EXPECT_EQ(chain, (LongValueRef{LongValueForm::Chain, 5000, {77, 3}, {}}));
+}
+
+TEST(RowCodec, ColumnsAddedLaterAreNullInOldRows)
+{
+    TableDefinition then;
+    then.columns = {column(u"a", ColumnType::Long), column(u"b", ColumnType::Byte)};
+    layOutColumns(then);
+    const Bytes oldRow = encodeRow(std::vector<Value>{7, std::uint8_t{9}}, makeRowLayout(then));
+
+    TableDefinition now = then;
+    now.columns.push_back(column(u"c", ColumnType::Text, 20));
+    now.columns.push_back(column(u"d", ColumnType::Boolean));
+    layOutColumns(now);
+    EXPECT_EQ(decodeRow(oldRow, makeRowLayout(now)),
+              (std::vector<Value>{7, std::uint8_t{9}, Null{}, false}));
+}
+
+TEST(RowCodec, RefusesValuesThatDoNotFit)
+{
+    TableDefinition table;
+    table.columns.assign(9, column(u"t", ColumnType::Text, 510));
+    table.columns.push_back(column(u"n", ColumnType::Long));
+    layOutColumns(table);
+    const RowLayout layout = makeRowLayout(table);
+    std::vector<Value> values(10);
+    values[0] = Text(256, u'x');
+    EXPECT_EQ(errorOf([&] { encodeRow(values, layout); }), ErrorCode::ValueTooLong);
+    values.assign(10, Text(255, u'x'));
+    values[9] = 1;
+    EXPECT_EQ(errorOf([&] { encodeRow(values, layout); }), ErrorCode::RecordTooLarge);
+    values.assign(10, Null{});
+    values[9] = 1.0;
+    EXPECT_EQ(errorOf([&] { encodeRow(values, layout); }), ErrorCode::TypeConversion);
+}
+
+TEST(RowCodec, DamagedRowsAreReportedNeverRead)
+{
+    const RowLayout layout = makeRowLayout(everyType());
+    const Bytes row = encodeRow(everyValue(), layout);
+    std::mt19937 random(1);
+    int refused = 0;
+    for (int i = 0; i < 20000; ++i) {
+        Bytes damaged = row;
+        for (int n = 0; n < 2; ++n)
+            damaged[random() % damaged.size()] = static_cast<std::uint8_t>(random());
+        if (i % 2 == 0)
+            damaged.resize(random() % damaged.size());
+        const auto error = errorOf([&] { decodeRow(damaged, layout); });
+        EXPECT_TRUE(!error || *error == ErrorCode::Damaged);
+        refused += error ? 1 : 0;
+    }
+    EXPECT_GT(refused, 1000);
+}
+
+TEST(TextCodec, StoredForms)
+{
+    struct Case {
+        Text text;
+        bool compressible;
+        const char *stored;
+    };
+    for (const Case &test : {
+             Case{u"Yes", true, "FF FE 59 65 73"},
+             Case{u"Yes", false, "59 00 65 00 73 00"},
+             Case{u"No", true, "4E 00 6F 00"},
+             Case{u"ab\u0103", true, "61 00 62 00 03 01"},
+             Case{u"", true, ""},
+         }) {
+        EXPECT_EQ(encodeText(test.text, test.compressible), hex(test.stored));
+        EXPECT_EQ(decodeText(hex(test.stored)), test.text);
+    }
+    EXPECT_EQ(decodeText(hex("FF FE 41 00 03 01 41 00 00 42")), u"A\u0103AB") << "switches forms";
+    EXPECT_EQ(decodeText(encodeText(u"\uFEFFab", false)), u"ab") << "never taken for compressed";
+    for (const char *cut : {"41", "FF FE 41 00 03", "41 00 42"})
+        EXPECT_EQ(errorOf([&] { decodeText(hex(cut)); }), ErrorCode::Damaged) << cut;
+}
+
+TEST(TextCodec, Utf8)
+{
+    const std::string utf8 = "a\u00B0\u0219\u20AC\U0001F321";
+    EXPECT_EQ(toUtf8(fromUtf8(utf8)), utf8);
+    EXPECT_EQ(fromUtf8("\U0001F321"), u"\xD83C\xDF21");
+    EXPECT_EQ(toUtf8(u"x\xD83C"), "x\uFFFD") << "half a character";
+    EXPECT_EQ(fromUtf8("\xC0\x80-\xE2\x82"), u"\uFFFD\uFFFD-\uFFFD\uFFFD") << "malformed";
+}
+
+} // namespace jet

@@ -1,0 +1,127 @@
+#include "jet/header_page.h"
+#include "jet/system_tables.h"
+#include "jet/table_definition_codec.h"
+#include "tests/jet/jet_testing.h"
+
+#include <gtest/gtest.h>
+
+namespace jet
+{
+namespace
+{
+
+std::size_t freeField(const Bytes &definition)
+{
+    return readU16(splitDefinition(definition, std::array<PageNo, 1>{1}).front(), 2);
+}
+
+} // namespace
+
+TEST(TableDefinitionCodec, WritesTheDumpOfARealTable)
+{
+    TableDefinition table = tabelDefinition();
+    table.rowCount = 2;
+    table.realIndexes[0].uniqueEntries = 2;
+    const Bytes definition = encodeTableDefinition(table);
+    const Bytes page = splitDefinition(definition, std::array<PageNo, 1>{16}).front();
+    struct Line {
+        std::size_t offset;
+        const char *dump;
+    };
+    for (const Line &line : {
+             Line{0x000, "02 01 C3 0D 00 00 00 00 35 02 00 00 59 06 00 00"},
+             Line{0x010, "02 00 00 00 00 00 00 00 01 00 00 00 00 00 00 00"},
+             Line{0x020, "00 00 00 00 00 00 00 00 4E 0A 00 01 00 0A 00 01"},
+             Line{0x030, "00 00 00 01 00 00 00 00 11 00 00 01 11 00 00 00"},
+             Line{0x040, "00 00 00 02 00 00 00 00 00 00 00 04 59 06 00 00"},
+             Line{0x050, "00 00 00 00 00 00 09 04 00 00 03 00 00 00 00 00"},
+             Line{0x060, "00 00 04 00 07 59 06 00 00 01 00 00 00 01 00 09"},
+             Line{0x0F0, "03 00 00 00 00 00 2C 00 08 00 0A 59 06 00 00 07"},
+             Line{0x100, "00 00 00 07 00 09 04 00 00 02 00 00 00 00 00 00"},
+             Line{0x110, "00 14 00 08 59 06 00 00 08 00 01 00 08 00 09 04"},
+             Line{0x120, "00 00 03 00 00 00 00 00 34 00 08 00 08 59 06 00"},
+             Line{0x140, "00 3C 00 08 00 04 00 49 00 64 00 0E 00 53 00 65"},
+             Line{0x1C0, "00 61 00 06 00 4F 00 72 00 61 00 83 07 00 00 00"},
+             Line{0x1D0, "00 01 FF FF 00 FF FF 00 FF FF 00 FF FF 00 FF FF"},
+             Line{0x1E0, "00 FF FF 00 FF FF 00 FF FF 00 FF FF 00 02 11 00"},
+             Line{0x1F0, "00 12 00 00 00 00 00 00 00 89 00 00 00 00 00 59"},
+             Line{0x200, "06 00 00 00 00 00 00 00 00 00 00 00 FF FF FF FF"},
+             Line{0x210, "00 00 00 00 04 04 01 00 00 00 00 16 00 49 00 6E"},
+             Line{0x230, "00 72 00 FF FF"},
+         }) {
+        const Bytes expected = hex(line.dump);
+        const ByteView actual = slice(page, line.offset, expected.size());
+        EXPECT_EQ(Bytes(actual.begin(), actual.end()), expected) << line.dump;
+    }
+    EXPECT_EQ(encodeTableDefinition(parseTableDefinition(definition)), definition);
+}
+
+TEST(TableDefinitionCodec, SystemTablesHaveTheSizesOfRealOnes)
+{
+    constexpr std::size_t lengths[] = {1050, 335, 525, 813};
+    constexpr std::size_t freeFields[] = {3038, 3753, 3563, 3275};
+    for (const SystemTable which : kSystemTables) {
+        const auto i = static_cast<std::size_t>(which);
+        const Bytes definition = encodeTableDefinition(systemTableDefinition(which));
+        EXPECT_EQ(definition.size(), lengths[i]);
+        EXPECT_EQ(freeField(definition), freeFields[i]);
+        EXPECT_EQ(encodeTableDefinition(parseTableDefinition(definition)), definition);
+    }
+}
+
+TEST(TableDefinitionCodec, CrossesPagesAndComesBack)
+{
+    TableDefinition table;
+    for (int i = 0; i < 200; ++i)
+        table.columns.push_back(column(u"Coloana" + Text(20, u'x'), ColumnType::Integer));
+    layOutColumns(table);
+    const Bytes definition = encodeTableDefinition(table);
+    ASSERT_EQ(definitionPageCount(definition.size()), 4u);
+    const std::array<PageNo, 4> pages{20, 31, 22, 40};
+    const std::vector<Bytes> images = splitDefinition(definition, pages);
+
+    Bytes joined;
+    std::size_t i = 0;
+    for (PageNo next = pages[0]; next != 0; ++i) {
+        ASSERT_EQ(next, pages.at(i));
+        next = appendDefinitionPage(joined, PageBytes(images[i]));
+    }
+    const TableDefinition read = parseTableDefinition(joined);
+    ASSERT_EQ(read.columns.size(), 200u);
+    EXPECT_EQ(read.columns[199].fixedOffset, 398);
+    EXPECT_EQ(read.columns[199].name, table.columns[199].name);
+
+    // a chain that leads back to itself ends as damage, not as a loop
+    EXPECT_EQ(errorOf([&] {
+                  for (;;)
+                      appendDefinitionPage(joined, PageBytes(images[1]));
+              }),
+              ErrorCode::Damaged);
+}
+
+TEST(TableDefinitionCodec, RefusesInconsistentDefinitions)
+{
+    struct Case {
+        const char *what;
+        std::size_t offset;
+        std::uint8_t byte;
+    };
+    const Bytes good = encodeTableDefinition(tabelDefinition());
+    for (const Case &test :
+         {Case{"length", 9, 0x7F}, Case{"kind", 40, 'X'}, Case{"max columns", 41, 9},
+          Case{"max columns high", 42, 1}, Case{"column count", 45, 11},
+          Case{"logical indexes", 50, 0x7F}, Case{"real indexes", 54, 0x7F},
+          Case{"column type", 0x4B, 13}, Case{"number taken", 0x50, 1},
+          Case{"length of a Long", 0x62, 8}, Case{"fixed offset", 0x7A, 0xFF},
+          Case{"odd name", 0x145, 3}, Case{"index column", 0x1CF, 0x20}, Case{"root", 0x1F1, 0},
+          Case{"real index of the logical one", 0x207, 1}, Case{"end mark", 0x233, 0}}) {
+        Bytes bad = good;
+        bad.at(test.offset) = test.byte;
+        EXPECT_EQ(errorOf([&] { parseTableDefinition(bad); }), ErrorCode::Damaged) << test.what;
+    }
+    TableDefinition wide;
+    wide.columns.assign(256, column(u"x", ColumnType::Byte));
+    EXPECT_EQ(errorOf([&] { layOutColumns(wide); }), ErrorCode::TooManyColumns);
+}
+
+} // namespace jet
