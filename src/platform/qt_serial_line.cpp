@@ -79,7 +79,6 @@ void QtSerialLine::open()
 {
     if (!m_port->open(QIODevice::ReadWrite))
         throw openError(*m_port);
-    m_port->clear();
 }
 
 void QtSerialLine::close()
@@ -106,6 +105,11 @@ qint64 QtSerialLine::bytesAvailable() const
 QByteArray QtSerialLine::readAll()
 {
     return m_port->readAll();
+}
+
+void QtSerialLine::discardInput()
+{
+    m_port->clear(QSerialPort::Input);
 }
 
 void QtSerialLine::onError()

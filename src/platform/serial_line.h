@@ -12,8 +12,8 @@ public:
     using QObject::QObject;
 
     virtual bool isOpen() const = 0;
-    /// Opens the line and discards what was left in its buffers. Throws RuntimeError 8002 (no such
-    /// port), 8005 (in use), 8006 (not a serial port), 70 (no permission).
+    /// Opens the line. Bytes that arrived before may wait in it: see discardInput(). Throws
+    /// RuntimeError 8002 (no such port), 8005 (in use, or no permission), 8006 (not a serial port).
     virtual void open() = 0;
     /// Sends what is still unwritten, then closes. A line already closed stays closed.
     virtual void close() = 0;
@@ -22,6 +22,8 @@ public:
     /// Received bytes that wait to be read; 0 when the line is closed.
     virtual qint64 bytesAvailable() const = 0;
     virtual QByteArray readAll() = 0;
+    /// Throws away what has arrived, also what the system still holds. The line is open.
+    virtual void discardInput() = 0;
 
 signals:
     /// More bytes wait than before.

@@ -18,6 +18,7 @@ public:
     void start(milliseconds after) override
     {
         m_due = m_time.m_elapsed + std::max(after, milliseconds(0));
+        m_turn = ++m_time.m_starts;
         m_active = true;
     }
     void stop() override { m_active = false; }
@@ -25,6 +26,10 @@ public:
 
     const QString &name() const { return m_name; }
     milliseconds due() const { return m_due; }
+    bool isBefore(const TestTimer &other) const
+    {
+        return m_due != other.m_due ? m_due < other.m_due : m_turn < other.m_turn;
+    }
     void fire()
     {
         m_active = false;
@@ -37,6 +42,7 @@ private:
     QString m_name;
     std::function<void()> m_tick;
     milliseconds m_due{0};
+    int m_turn = 0; // timers due at the same moment tick in the order of their starts
     bool m_active = false;
 };
 
@@ -53,7 +59,7 @@ TestTime::TestTimer *TestTime::nextDue(milliseconds limit) const
 {
     TestTimer *next = nullptr;
     for (TestTimer *timer : m_timers)
-        if (timer->isActive() && timer->due() <= limit && (!next || timer->due() < next->due()))
+        if (timer->isActive() && timer->due() <= limit && (!next || timer->isBefore(*next)))
             next = timer;
     return next;
 }

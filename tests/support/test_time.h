@@ -36,4 +36,5 @@ private:
     std::chrono::milliseconds m_elapsed{0};
     std::vector<TestTimer *> m_timers;
     int m_ticks = 0;
+    int m_starts = 0;
 };
