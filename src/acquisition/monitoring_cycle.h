@@ -1,0 +1,70 @@
+#pragma once
+
+#include <QObject>
+#include <memory>
+
+class Clock;
+class DiagramFeed;
+class Exchange;
+class SampleStore;
+class Scheduler;
+class Timer;
+struct Station;
+
+/// The monitoring cycle: decides when the recorder is read, completes each sample, draws and stores
+/// it, and starts the archive at 23:59:50.
+///
+/// One pass looks at the clock and does what its moment asks for; between passes the process
+/// sleeps until the next moment that can matter, at most a second at a time, so that a clock that
+/// was set is noticed. Start and stop may come at any moment, also from behind a message box of the
+/// pass under way; there is never more than one pass, nor more than one exchange on the line.
+///
+/// An exception that leaves start() or a timer's tick has ended monitoring.
+class MonitoringCycle : public QObject
+{
+    Q_OBJECT
+public:
+    /// All must outlive this object.
+    MonitoringCycle(Station &station, Exchange &exchange, DiagramFeed &diagrams, SampleStore &store,
+                    const Clock &clock, Scheduler &scheduler, QObject *parent = nullptr);
+    ~MonitoringCycle() override;
+
+    /// Monitoring begins and the next sampling moment is now; while it runs already the schedule
+    /// begins anew. An exchange under way goes on and gives that first sample. Throws RuntimeError
+    /// when the line cannot be opened or the sampling interval has no unit.
+    void start();
+
+    /// No further exchange begins. One under way ends unread.
+    void stop();
+
+    /// Stops, and brings the diagrams' window up empty.
+    void restartDiagrams();
+
+signals:
+    /// Station::monitorActive may have changed.
+    void stateChanged();
+
+private:
+    enum class Phase { Stopped, Sleeping, Passing, Exchanging };
+
+    void ciclu_monitorizare();
+    void pass();
+    void archiveAtEndOfDay();
+    void correctSchedule();
+    void sleepUntilNextMoment();
+    void onExchangeFinished(bool failed);
+    void takeSample();
+    QString storageName() const;
+    void end();
+    template <typename Step>
+    void endOnFailure(Step step);
+
+    Station &m_station;
+    Exchange &m_exchange;
+    DiagramFeed &m_diagrams;
+    SampleStore &m_store;
+    const Clock &m_clock;
+    std::unique_ptr<Timer> m_wakeUp;
+    Phase m_phase = Phase::Stopped;
+    bool m_archivedToday = false;
+};
