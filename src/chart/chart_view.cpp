@@ -1,0 +1,214 @@
+#include "chart/chart_view.h"
+#include "chart/chart_grid.h"
+#include "chart/movable_legend.h"
+#include "chart/plot_style.h"
+
+#include <QApplication>
+#include <QMouseEvent>
+#include <QSignalBlocker>
+
+namespace
+{
+
+/// A plot keeps every mouse event; the right button belongs to the window around it.
+class Plot final : public QCustomPlot
+{
+public:
+    using QCustomPlot::QCustomPlot;
+
+protected:
+    void mousePressEvent(QMouseEvent *event) override
+    {
+        if (event->button() == Qt::RightButton)
+            event->ignore();
+        else
+            QCustomPlot::mousePressEvent(event);
+    }
+    void mouseReleaseEvent(QMouseEvent *event) override
+    {
+        if (event->button() == Qt::RightButton)
+            event->ignore();
+        else
+            QCustomPlot::mouseReleaseEvent(event);
+    }
+};
+
+} // namespace
+
+ChartView::ChartView(ChartGrid &grid, QWidget *parent)
+    : QWidget(parent), m_grid(grid), m_plot(new Plot(this)), m_legend(new MovableLegend(*m_plot))
+{
+    // The plot would otherwise paint a transparent backdrop black.
+    m_plot->setAttribute(Qt::WA_OpaquePaintEvent, false);
+    m_plot->setInteractions(QCP::iRangeDrag | QCP::iRangeZoom);
+    m_plot->setNoAntialiasingOnDrag(true);
+    applyStyle(*m_plot);
+    createSeries();
+    connectGrid();
+    connectMouse();
+}
+
+void ChartView::createSeries()
+{
+    for (int series = 0; series < m_grid.columnCount(); ++series)
+        m_plot->addGraph()->setSelectable(QCP::stNone);
+}
+
+void ChartView::connectGrid()
+{
+    const auto replotLater = [this](bool &stale) {
+        stale = true;
+        m_plot->replot(QCustomPlot::rpQueuedReplot);
+    };
+    connect(&m_grid, &ChartGrid::dataChanged, this,
+            [this, replotLater] { replotLater(m_dataStale); });
+    connect(&m_grid, &ChartGrid::layoutChanged, this, [this, replotLater] {
+        m_dataStale = true; // the row count may have changed
+        replotLater(m_layoutStale);
+    });
+    connect(m_plot, &QCustomPlot::beforeReplot, this, &ChartView::followGrid);
+}
+
+void ChartView::connectMouse()
+{
+    connect(m_plot->xAxis, qOverload<const QCPRange &>(&QCPAxis::rangeChanged), this,
+            &ChartView::keepRowsInSight);
+    connect(m_plot, &QCustomPlot::mousePress, this,
+            [this](QMouseEvent *event) { m_pressPosition = event->pos(); });
+    connect(m_plot, &QCustomPlot::mouseRelease, this, [this](QMouseEvent *event) {
+        const int way = (event->pos() - m_pressPosition).manhattanLength();
+        if (event->button() == Qt::LeftButton && way < QApplication::startDragDistance())
+            pick(event->pos());
+    });
+    connect(m_plot, &QCustomPlot::mouseDoubleClick, this, [this](QMouseEvent *event) {
+        if (m_legend->contains(event->pos()))
+            restoreLegend();
+        else
+            restoreLayout();
+    });
+}
+
+void ChartView::followGrid()
+{
+    if (m_dataStale)
+        copyData();
+    if (m_layoutStale)
+        copyLayout();
+    m_dataStale = false;
+    m_layoutStale = false;
+}
+
+void ChartView::copyData()
+{
+    for (int series = 0; series < m_grid.columnCount(); ++series) {
+        const std::span<const double> values = m_grid.columnData(series + 1);
+        QVector<QCPGraphData> points;
+        points.reserve(static_cast<qsizetype>(values.size()));
+        double row = 1;
+        for (const double value : values)
+            points.append({row++, value});
+        m_plot->graph(series)->data()->set(points, true);
+    }
+}
+
+void ChartView::copyLayout()
+{
+    const PlotScale scale(size());
+    applyScale(*m_plot, scale);
+    const QFontMetrics metrics(m_plot->legend->font());
+    const bool dense = m_grid.rowCount() > width();
+    for (int series = 0; series < m_grid.columnCount(); ++series) {
+        QCPGraph &graph = *m_plot->graph(series);
+        graph.setName(
+            metrics.elidedText(m_grid.columnLabelOf(series + 1), Qt::ElideRight, scale.legendText));
+        graph.setPen(seriesPen(series, m_grid.columnCount(), dense));
+    }
+    m_plot->xAxis->setTickLabels(m_grid.rowLabelsShown());
+    const bool opaque = m_grid.backdrop() == ChartGrid::Backdrop::White;
+    m_plot->setBackground(opaque ? QBrush(Qt::white) : QBrush(Qt::NoBrush));
+    followLimits();
+}
+
+/// New limits or rows show at once, even in a zoomed plot; anything else leaves the zoom alone.
+void ChartView::followLimits()
+{
+    const QRectF area(1, m_grid.valueAxisMinimum(), std::max(1, m_grid.rowCount() - 1),
+                      m_grid.valueAxisMaximum() - m_grid.valueAxisMinimum());
+    if (area == m_shownArea)
+        return;
+    m_shownArea = area;
+    showAll();
+}
+
+void ChartView::showAll()
+{
+    const QSignalBlocker rowsBlocker(m_plot->xAxis);
+    const QSignalBlocker valuesBlocker(m_plot->yAxis);
+    m_plot->xAxis->setRange(m_shownArea.left(), m_shownArea.right());
+    m_plot->yAxis->setRange(m_shownArea.top(), m_shownArea.bottom());
+}
+
+/// Dragging stops at the first and the last row, so the diagram cannot get lost.
+void ChartView::keepRowsInSight()
+{
+    m_plot->xAxis->setRange(
+        m_plot->xAxis->range().bounded(m_shownArea.left(), m_shownArea.right()));
+}
+
+void ChartView::pick(QPoint position)
+{
+    if (m_legend->contains(position))
+        return;
+    int nearestSeries = -1;
+    int nearestRow = 0;
+    double nearest = m_plot->selectionTolerance();
+    for (int series = 0; series < m_plot->graphCount(); ++series) {
+        QVariant details;
+        const double distance = m_plot->graph(series)->selectTest(position, false, &details);
+        if (distance < 0 || distance >= nearest)
+            continue;
+        nearest = distance;
+        nearestSeries = series;
+        nearestRow = details.value<QCPDataSelection>().dataRange().begin();
+    }
+    if (nearestSeries >= 0)
+        emit pointPicked(nearestSeries + 1, nearestRow + 1);
+}
+
+QImage ChartView::image(const QColor &behind)
+{
+    followGrid();
+    QImage picture(size(), QImage::Format_RGB32);
+    picture.fill(behind);
+    QCPPainter painter(&picture);
+    m_plot->toPainter(&painter, width(), height());
+    return picture;
+}
+
+void ChartView::restoreLegend()
+{
+    m_legend->restore();
+    m_plot->replot(QCustomPlot::rpQueuedReplot);
+}
+
+void ChartView::restoreLayout()
+{
+    showAll();
+    m_plot->replot(QCustomPlot::rpQueuedReplot);
+}
+
+void ChartView::resizeEvent(QResizeEvent *event)
+{
+    QWidget::resizeEvent(event);
+    m_layoutStale = true;
+    m_plot->setGeometry(rect());
+}
+
+void ChartView::changeEvent(QEvent *event)
+{
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::LocaleChange || event->type() == QEvent::FontChange) {
+        m_layoutStale = true;
+        m_plot->replot(QCustomPlot::rpQueuedReplot);
+    }
+}

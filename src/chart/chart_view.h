@@ -1,0 +1,58 @@
+#pragma once
+
+#include <QWidget>
+
+class ChartGrid;
+class MovableLegend;
+class QCustomPlot;
+
+/// Draws a ChartGrid: a line per series, the last two as alarm limits, the legend at the right, row
+/// labels below, the value axis with the grid's limits. Many changes of the grid become one
+/// repaint.
+///
+/// The mouse wheel zooms and the left button drags the plot or the legend. A double-click on the
+/// legend puts it back to the right, one on the plot shows all rows and the grid's limits again.
+/// Keys and the right mouse button are left to the parent.
+class ChartView : public QWidget
+{
+    Q_OBJECT
+public:
+    /// The grid must outlive the view and never change its column count.
+    explicit ChartView(ChartGrid &grid, QWidget *parent = nullptr);
+
+    ChartGrid &grid() const { return m_grid; }
+
+    /// The chart as it is now, in its own size; a transparent backdrop shows `behind`.
+    QImage image(const QColor &behind);
+
+    void restoreLegend();
+    void restoreLayout();
+
+signals:
+    /// A left click near a line: the series and its nearest point, both from 1.
+    void pointPicked(int series, int point);
+
+protected:
+    void resizeEvent(QResizeEvent *event) override;
+    void changeEvent(QEvent *event) override;
+
+private:
+    void createSeries();
+    void connectGrid();
+    void connectMouse();
+    void followGrid();
+    void copyData();
+    void copyLayout();
+    void followLimits();
+    void showAll();
+    void keepRowsInSight();
+    void pick(QPoint position);
+
+    ChartGrid &m_grid;
+    QCustomPlot *m_plot;
+    MovableLegend *m_legend;
+    bool m_dataStale = true;
+    bool m_layoutStale = true;
+    QRectF m_shownArea; ///< all rows between the grid's limits
+    QPoint m_pressPosition;
+};

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <QObject>
+#include <QPoint>
+
+class QCPLayoutGrid;
+class QCustomPlot;
+class QMouseEvent;
+
+/// The legend of a plot: at the right of the plot area, from where the operator can drag it over
+/// the plot. While it is dragged the plot area stands still.
+class MovableLegend : public QObject
+{
+    Q_OBJECT
+public:
+    /// Belongs to `plot` and places its legend.
+    explicit MovableLegend(QCustomPlot &plot);
+
+    bool contains(QPoint position) const;
+    bool isDragged() const { return m_dragging; }
+    /// Back to the right of the plot area.
+    void restore();
+
+private:
+    void press(const QMouseEvent &event);
+    void move(const QMouseEvent &event);
+    void release();
+    void takeOut();
+    void place(QPoint topLeft);
+
+    QCustomPlot &m_plot;
+    QCPLayoutGrid *m_column; ///< the legend's place at the right, empty while it floats
+    bool m_docked = false;
+    bool m_pressed = false;
+    bool m_dragging = false;
+    QPoint m_pressPosition;
+    QPoint m_grip; ///< from the legend's top left corner to the mouse
+};

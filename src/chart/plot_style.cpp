@@ -1,0 +1,129 @@
+#include "chart/plot_style.h"
+#include "chart/chart_grid.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+namespace
+{
+
+constexpr int kAlarmSeries = 2;
+constexpr QRgb kVermilion = 0xFFD55E00;
+constexpr std::array<QRgb, 6> kReadingColours{
+    0xFF0072B2, // blue
+    0xFFE69F00, // orange
+    0xFF009E73, // bluish green
+    0xFFCC79A7, // reddish purple
+    0xFF56B4E9, // sky blue
+    0xFF000000, // black
+};
+
+constexpr QRgb kInk = 0xFF303030;
+constexpr QRgb kGridLine = 0xFFDADADA;
+constexpr QRgb kFrame = 0xFF909090;
+
+constexpr int kSmallestFont = 9;
+constexpr int kLargestFont = 13;
+
+const std::array<QCPAxis::AxisType, 4> kSides{QCPAxis::atLeft, QCPAxis::atRight, QCPAxis::atTop,
+                                              QCPAxis::atBottom};
+
+} // namespace
+
+QPen seriesPen(int series, int seriesCount, bool dense)
+{
+    if (series >= seriesCount - kAlarmSeries) {
+        QPen pen(QColor::fromRgb(kVermilion), 1.2);
+        pen.setDashPattern({6, 4});
+        return pen;
+    }
+    QPen pen(QColor::fromRgb(kReadingColours[std::size_t(series) % kReadingColours.size()]),
+             dense ? 1.0 : 2.0);
+    pen.setJoinStyle(Qt::RoundJoin);
+    return pen;
+}
+
+PlotScale::PlotScale(QSize chart)
+    : fontPixels(std::clamp(7 + chart.height() / 50, kSmallestFont, kLargestFont)),
+      rowTicks(std::max(2, chart.width() / (8 * fontPixels))),
+      valueTicks(std::clamp(chart.height() / 40, 2, 8)),
+      legendText(std::max(4 * fontPixels, chart.width() / 6)),
+      legendIcon(2 * fontPixels, fontPixels - 1)
+{
+}
+
+void applyScale(QCustomPlot &plot, const PlotScale &scale)
+{
+    QFont font = plot.font();
+    font.setPixelSize(scale.fontPixels);
+    const int pad = scale.fontPixels / 2;
+
+    QCPAxisRect &rect = *plot.axisRect();
+    for (QCPAxis *axis : rect.axes())
+        axis->setTickLabelFont(font);
+    plot.xAxis->ticker()->setTickCount(scale.rowTicks);
+    plot.yAxis->ticker()->setTickCount(scale.valueTicks);
+    // The same left margin for all usual limits keeps charts that stand one above the other in
+    // line.
+    rect.setMinimumMargins(QMargins(4 * scale.fontPixels, pad + 1, pad, 0));
+
+    QCPLegend &legend = *plot.legend;
+    legend.setFont(font);
+    for (int i = 0; i < legend.itemCount(); ++i)
+        legend.item(i)->setFont(font);
+    legend.setIconSize(scale.legendIcon);
+    legend.setIconTextPadding(pad);
+    legend.setRowSpacing(std::max(0, pad - 3));
+    legend.setMargins(QMargins(pad, pad / 2, pad, pad / 2));
+}
+
+void applyStyle(QCustomPlot &plot)
+{
+    const QPen frame(QColor::fromRgb(kFrame), 1);
+    QCPAxisRect &rect = *plot.axisRect();
+    rect.setupFullAxesBox();
+    rect.setBackground(QBrush(Qt::white));
+    for (const QCPAxis::AxisType side : kSides) {
+        QCPAxis &axis = *rect.axis(side);
+        axis.setBasePen(frame);
+        axis.setTickPen(frame);
+        axis.setSubTickPen(frame);
+        axis.setTickLabelColor(QColor::fromRgb(kInk));
+        axis.setTicks(side == QCPAxis::atLeft || side == QCPAxis::atBottom);
+        axis.setSubTicks(side == QCPAxis::atBottom);
+        axis.setTickLength(0, 4);
+        axis.setSubTickLength(0, 2);
+        axis.grid()->setPen(QPen(QColor::fromRgb(kGridLine), 1));
+        axis.grid()->setZeroLinePen(Qt::NoPen);
+    }
+    plot.xAxis->setTicker(QSharedPointer<RowTicker>::create());
+    plot.yAxis->setNumberFormat(QStringLiteral("g"));
+    plot.legend->setTextColor(QColor::fromRgb(kInk));
+    plot.legend->setBorderPen(Qt::NoPen);
+    plot.legend->setBrush(Qt::NoBrush);
+    plot.legend->setVisible(true);
+}
+
+double RowTicker::getTickStep(const QCPRange &range)
+{
+    const double wanted = range.size() / tickCount();
+    const double magnitude = std::pow(10.0, std::floor(std::log10(std::max(wanted, 1.0))));
+    for (const double mantissa : {1.0, 2.0, 5.0})
+        if (mantissa * magnitude >= wanted)
+            return mantissa * magnitude;
+    return 10 * magnitude;
+}
+
+int RowTicker::getSubTickCount(double tickStep)
+{
+    if (tickStep < 2)
+        return 0;
+    const int mantissa = static_cast<int>(cleanMantissa(tickStep));
+    return mantissa == 2 ? 1 : 4;
+}
+
+QString RowTicker::getTickLabel(double tick, const QLocale &, QChar, int)
+{
+    return ChartGrid::rowLabel(static_cast<int>(std::lround(tick)));
+}

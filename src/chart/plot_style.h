@@ -1,0 +1,37 @@
+#pragma once
+
+#include <qcustomplot.h>
+
+/// How charts look: colours, line widths, fonts and ticks that suit a chart's size.
+
+/// Pen of one series. Readings take the colours of Okabe and Ito, which operators with any colour
+/// vision tell apart; the last two series of a chart are alarm limits: thin, dashed, vermilion.
+/// `dense`: more points than the chart has pixels, where a wide line would only blur.
+QPen seriesPen(int series, int seriesCount, bool dense);
+
+/// Sizes that follow from a chart's height and width in pixels.
+struct PlotScale {
+    explicit PlotScale(QSize chart);
+
+    int fontPixels;
+    int rowTicks;   ///< most labels that fit along the row axis
+    int valueTicks; ///< labels wanted along the value axis
+    int legendText; ///< widest series name, longer ones are shortened
+    QSize legendIcon;
+};
+
+/// Fonts, margins and tick counts of all parts of the plot.
+void applyScale(QCustomPlot &plot, const PlotScale &scale);
+
+/// Colours and lines that never change.
+void applyStyle(QCustomPlot &plot);
+
+/// Ticks of the row axis: whole rows at 1, 2 or 5 times a power of ten, labelled "R10", "R20", ...
+class RowTicker final : public QCPAxisTicker
+{
+protected:
+    double getTickStep(const QCPRange &range) override;
+    int getSubTickCount(double tickStep) override;
+    QString getTickLabel(double tick, const QLocale &locale, QChar formatChar,
+                         int precision) override;
+};

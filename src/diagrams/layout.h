@@ -1,0 +1,44 @@
+#pragma once
+
+/// Where the parts of the live diagrams window go. All lengths are twips.
+
+struct TwipsSize {
+    double width = 0;
+    double height = 0;
+};
+
+struct TwipsRect {
+    double left = 0;
+    double top = 0;
+    double width = 0;
+    double height = 0;
+};
+
+/// What the layout depends on besides the main window: sizes that the window system decides.
+struct DiagramsMeasures {
+    TwipsSize outer;   ///< Form1 with its frame
+    double innerWidth; ///< Form1 without its frame
+    TwipsSize label1;
+    TwipsSize label2;
+    TwipsSize button;
+};
+
+struct DiagramsLayout {
+    TwipsRect chart1;
+    TwipsRect label1;
+    TwipsRect chart2;
+    TwipsRect label2;
+    TwipsRect button;
+    double dateLabel1Top; ///< both date labels stand at the left edge
+    double dateLabel2Top;
+};
+
+/// The outer size that Form1 takes for an inner size of the main window; never below zero.
+TwipsSize form1Size(TwipsSize mainInner);
+
+/// Places the parts. The upper chart follows an eighth of the main window's height, the lower one
+/// starts at half of it, each is a third of Form1 high: the proportions of the design.
+DiagramsLayout diagramsLayout(TwipsSize mainInner, const DiagramsMeasures &measures);
+
+/// Room above the upper chart, which its title has to fit into.
+double titleRoom(TwipsSize mainInner);
