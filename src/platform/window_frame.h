@@ -1,0 +1,26 @@
+#pragma once
+
+#include <QSize>
+
+class QWidget;
+
+/// Forms stand in sub windows of the main window; what moves, closes or is disabled is the sub
+/// window, not the form inside.
+
+/// The sub window that holds the form, or the form's own window when it stands alone.
+QWidget *frameOf(QWidget &form);
+
+/// Where a form's frame stood, kept while the form itself comes and goes; twips from the upper left
+/// corner of what the frame stands in.
+struct WindowPosition {
+    int left = 0;
+    int top = 0;
+
+    /// A maximised or minimised frame leaves the position as it was.
+    void save(QWidget &form);
+    void restore(QWidget &form) const;
+};
+
+/// Moves the form's frame to the middle of a screen of the given size in twips, as far as what the
+/// frame stands in can show it there.
+void centreOnScreen(QWidget &form, QSize screenTwips);
