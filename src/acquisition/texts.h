@@ -8,4 +8,32 @@ inline QString communicationError()
 {
     return QStringLiteral("Eroare de comunicare ! Verificati setarile aparatului si conexiunile.");
 }
+inline QString controlCentre()
+{
+    return QStringLiteral("Centru Control");
+}
+inline QString initDiagrams()
+{
+    return QStringLiteral("Initializare diagrame");
+}
+inline QString startMonitoring()
+{
+    return QStringLiteral("Start Monitorizare");
+}
+inline QString stopMonitoring()
+{
+    return QStringLiteral("Stop Monitorizare");
+}
+inline QString monitorActive()
+{
+    return QStringLiteral("Monitor activ!");
+}
+inline QString monitorStopped()
+{
+    return QStringLiteral("Monitor oprit.");
+}
+inline QString ok()
+{
+    return QStringLiteral("OK");
+}
 } // namespace texts
