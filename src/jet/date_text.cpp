@@ -1,6 +1,7 @@
 #include "jet/date_text.h"
 
 #include <array>
+#include <cassert>
 #include <charconv>
 #include <chrono>
 #include <cmath>
@@ -91,6 +92,7 @@ std::optional<double> parseTime(std::string_view text)
 
 std::string toText(DateTime moment)
 {
+    assert(isInRange(moment));
     // the fraction counts forward from the day's midnight even before day 0
     double wholeDays = std::trunc(moment.days);
     auto seconds = std::llround(std::abs(moment.days - wholeDays) * kSecondsPerDay);

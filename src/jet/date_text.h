@@ -13,8 +13,14 @@ namespace jet
 inline constexpr double kMinDays = -657434;
 inline constexpr double kMaxDays = 2958466; ///< first day that is out of range
 
+/// False for numbers of days no date has; a damaged or foreign file may hold them.
+inline bool isInRange(DateTime moment)
+{
+    return moment.days >= kMinDays && moment.days < kMaxDays;
+}
+
 /// "2026-11-21 13:30:00", without the time when it is midnight, without the date on day 0; rounded
-/// to the second. Locale-free.
+/// to the second. Locale-free. The moment must be in range.
 std::string toText(DateTime moment);
 
 /// A date, a time or both with a blank or "T" between: year-month-day, day.month.year or

@@ -155,7 +155,7 @@ Value toDateTime(const Value &value)
         moment = parseDateTime(trimmedLower(*text));
     if (!moment)
         moment = DateTime{toNumber(value)};
-    if (moment->days < kMinDays || moment->days >= kMaxDays)
+    if (!isInRange(*moment))
         throwTypeConversion();
     return *moment;
 }
@@ -200,7 +200,10 @@ struct AsText {
     std::string operator()(double number) const { return numberText(number, kDoubleDigits); }
     std::string operator()(Currency amount) const { return toText(toNumeric(amount)); }
     std::string operator()(const Numeric &number) const { return toText(number); }
-    std::string operator()(DateTime moment) const { return toText(moment); }
+    std::string operator()(DateTime moment) const
+    {
+        return isInRange(moment) ? toText(moment) : (*this)(moment.days);
+    }
     std::string operator()(const Text &text) const { return toUtf8(text); }
     std::string operator()(const Bytes &bytes) const { return hexText(bytes); }
     std::string operator()(const Guid &guid) const { return toText(guid); }

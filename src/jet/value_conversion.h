@@ -23,7 +23,8 @@ namespace jet
 Value convertValue(const Value &value, const ColumnDefinition &column);
 
 /// Locale-free text of a value: numbers with "." and 15 significant digits (Single 7), true as
-/// "-1", dates as "2026-11-21 13:30:00" without the part that is zero. Null is empty; bytes are
+/// "-1", dates as "2026-11-21 13:30:00" without the part that is zero (as numbers of days when no
+/// date has that number). Null is empty; bytes are
 /// hexadecimal digits.
 std::string defaultText(const Value &value);
 

@@ -70,6 +70,7 @@ TEST(ValueConversion, AssignsAsDaoDoes)
              {Date{46347}, ColumnType::Text, text("2026-11-21")},
              {Date{0.5625}, ColumnType::Text, text("13:30:00")},
              {Date{46347.5625}, Memo, text("2026-11-21 13:30:00")},
+             {Date{1e300}, Memo, text("1E+300")},
              {Date{-1.25}, Memo, text("1899-12-29 06:00:00")},
              {text("2026-11-21"), ColumnType::DateTime, Date{46347}},
              {text("21.11.2026 13:30"), ColumnType::DateTime, Date{46347.5625}},
