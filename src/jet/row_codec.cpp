@@ -31,12 +31,11 @@ Numeric decodeNumeric(ByteView stored, std::uint8_t scale)
     return number;
 }
 
-Bytes encodeNumeric(const Numeric &number)
+void appendNumeric(Bytes &out, const Numeric &number)
 {
-    Bytes stored{static_cast<std::uint8_t>(number.negative ? 0x80 : 0)};
+    out.push_back(number.negative ? 0x80 : 0);
     for (std::size_t word = 0; word < 4; ++word)
-        appendLittleEndian<4>(stored, number.magnitude[3 - word]);
-    return stored;
+        appendLittleEndian<4>(out, number.magnitude[3 - word]);
 }
 
 Guid decodeGuid(ByteView stored)
@@ -79,97 +78,108 @@ Value decodeValue(ByteView stored, const RowLayout::Column &column)
     throwDamaged("a column of unknown type");
 }
 
-Bytes checkedLength(Bytes stored, std::size_t valueLength, const RowLayout::Column &column)
+void appendText(Bytes &out, const Text &text, const RowLayout::Column &column)
 {
-    if (valueLength > column.length)
-        throwValueTooLong();
-    return stored;
-}
-
-Bytes encodeTextValue(Text text, const RowLayout::Column &column)
-{
-    if (!column.variable)
-        text.resize(std::max(text.size(), std::size_t{column.length} / 2), kPadding);
     // the declared length counts characters, however few bytes the compressed form takes
-    return checkedLength(encodeText(text, column.compressible && column.variable), 2 * text.size(),
-                         column);
+    if (2 * text.size() > column.length)
+        throwValueTooLong();
+    appendBytes(out, encodeText(text, column.compressible && column.variable));
+    for (std::size_t size = 2 * text.size(); !column.variable && size < column.length; size += 2)
+        appendLittleEndian<2>(out, kPadding);
 }
 
-Bytes encodeBinaryValue(Bytes bytes, const RowLayout::Column &column)
+void appendBinary(Bytes &out, const Bytes &bytes, const RowLayout::Column &column)
 {
+    if (bytes.size() > column.length)
+        throwValueTooLong();
+    appendBytes(out, bytes);
     if (!column.variable)
-        bytes.resize(std::max(bytes.size(), std::size_t{column.length}));
-    const std::size_t length = bytes.size();
-    return checkedLength(std::move(bytes), length, column);
-}
-
-template <std::size_t Size>
-Bytes numberBytes(std::uint64_t number)
-{
-    Bytes bytes;
-    appendLittleEndian<Size>(bytes, number);
-    return bytes;
+        out.insert(out.end(), column.length - bytes.size(), 0);
 }
 
 template <typename Signed>
-Bytes signedBytes(Signed number)
+void appendSigned(Bytes &out, Signed number)
 {
-    return numberBytes<sizeof(Signed)>(static_cast<std::uint64_t>(number));
+    appendLittleEndian<sizeof(Signed)>(out, static_cast<std::uint64_t>(number));
 }
 
-Bytes encodeValue(const Value &value, const RowLayout::Column &column)
+void appendValue(Bytes &out, const Value &value, const RowLayout::Column &column)
 {
     switch (column.type) {
     case ColumnType::Boolean:
         break;
     case ColumnType::Byte:
-        return {valueAs<std::uint8_t>(value)};
+        return out.push_back(valueAs<std::uint8_t>(value));
     case ColumnType::Integer:
-        return signedBytes(valueAs<std::int16_t>(value));
+        return appendSigned(out, valueAs<std::int16_t>(value));
     case ColumnType::Long:
-        return signedBytes(valueAs<std::int32_t>(value));
+        return appendSigned(out, valueAs<std::int32_t>(value));
     case ColumnType::Currency:
-        return signedBytes(valueAs<Currency>(value).tenThousandths);
+        return appendSigned(out, valueAs<Currency>(value).tenThousandths);
     case ColumnType::Single:
-        return numberBytes<4>(std::bit_cast<std::uint32_t>(valueAs<float>(value)));
+        return appendLittleEndian<4>(out, std::bit_cast<std::uint32_t>(valueAs<float>(value)));
     case ColumnType::Double:
-        return numberBytes<8>(std::bit_cast<std::uint64_t>(valueAs<double>(value)));
+        return appendLittleEndian<8>(out, std::bit_cast<std::uint64_t>(valueAs<double>(value)));
     case ColumnType::DateTime:
-        return numberBytes<8>(std::bit_cast<std::uint64_t>(valueAs<DateTime>(value).days));
+        return appendLittleEndian<8>(out,
+                                     std::bit_cast<std::uint64_t>(valueAs<DateTime>(value).days));
     case ColumnType::Text:
-        return encodeTextValue(valueAs<Text>(value), column);
+        return appendText(out, valueAs<Text>(value), column);
     case ColumnType::Binary:
-        return encodeBinaryValue(valueAs<Bytes>(value), column);
+        return appendBinary(out, valueAs<Bytes>(value), column);
     case ColumnType::Ole:
     case ColumnType::Memo:
-        return valueAs<Bytes>(value);
-    case ColumnType::Guid: {
-        const Guid &guid = valueAs<Guid>(value);
-        return {guid.bytes.begin(), guid.bytes.end()};
-    }
+        return appendBytes(out, valueAs<Bytes>(value));
+    case ColumnType::Guid:
+        return appendBytes(out, valueAs<Guid>(value).bytes);
     case ColumnType::Numeric:
-        return encodeNumeric(valueAs<Numeric>(value));
+        return appendNumeric(out, valueAs<Numeric>(value));
     }
     throwTypeConversion();
 }
 
+/// Values of the fixed columns into their places; a null leaves zeros there.
+void writeFixedArea(Bytes &row, std::span<const Value> values, const RowLayout &layout)
+{
+    Bytes stored;
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        const RowLayout::Column &column = layout.columns[i];
+        if (column.variable || column.type == ColumnType::Boolean || isNull(values[i]))
+            continue;
+        stored.clear();
+        appendValue(stored, values[i], column);
+        writeBytes(row, kFixedStart + column.place, stored);
+    }
+}
+
 /// Variable values behind the fixed area, then the table of their offsets, last one first.
-void appendVariableValues(Bytes &row, const std::vector<Bytes> &values)
+void appendVariableValues(Bytes &row, std::span<const Value> values, const RowLayout &layout)
 {
     std::vector<std::size_t> starts;
-    for (const Bytes &value : values) {
+    for (const std::size_t i : layout.variableColumns) {
         starts.push_back(row.size());
-        appendBytes(row, value);
+        if (i != RowLayout::kNoColumn && !isNull(values[i]))
+            appendValue(row, values[i], layout.columns[i]);
     }
     appendLittleEndian<2>(row, row.size());
     for (std::size_t i = starts.size(); i-- > 0;)
         appendLittleEndian<2>(row, starts[i]);
-    appendLittleEndian<2>(row, values.size());
+    appendLittleEndian<2>(row, starts.size());
 }
 
-void setMaskBit(Bytes &mask, std::uint16_t number)
+void appendNullMask(Bytes &row, std::span<const Value> values, const RowLayout &layout)
 {
-    mask[number / 8u] = static_cast<std::uint8_t>(mask[number / 8u] | 1u << number % 8u);
+    const std::size_t start = row.size();
+    row.resize(start + maskSize(layout.columnCount));
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        const RowLayout::Column &column = layout.columns[i];
+        const bool set =
+            !isNull(values[i]) && (column.type != ColumnType::Boolean || valueAs<bool>(values[i]));
+        if (set) {
+            std::uint8_t &byte = row[start + column.number / 8u];
+            byte = static_cast<std::uint8_t>(byte | 1u << column.number % 8u);
+        }
+    }
 }
 
 } // namespace
@@ -178,21 +188,22 @@ RowLayout makeRowLayout(const TableDefinition &table)
 {
     RowLayout layout;
     layout.columnCount = table.maxColumns;
-    layout.variableCount = table.variableColumns;
+    layout.variableColumns.assign(table.variableColumns, RowLayout::kNoColumn);
     for (const ColumnDefinition &source : table.columns) {
-        const bool inFixedArea = source.isFixed() && source.type != ColumnType::Boolean;
-        RowLayout::Column column{
-            source.type,       source.number,
-            !source.isFixed(), source.isFixed() ? source.fixedOffset : source.variableIndex,
-            source.length,     source.compressible,
-            source.scale};
-        if (inFixedArea) {
-            const auto end = static_cast<std::uint16_t>(source.fixedOffset + source.length);
+        RowLayout::Column column{source.type, source.number};
+        column.variable = !source.isFixed();
+        column.place = column.variable ? source.variableIndex : source.fixedOffset;
+        column.length = source.length;
+        column.compressible = source.compressible;
+        column.scale = source.scale;
+        if (column.variable) {
+            if (column.place >= layout.variableColumns.size())
+                layout.variableColumns.resize(column.place + 1u, RowLayout::kNoColumn);
+            layout.variableColumns[column.place] = layout.columns.size();
+            layout.firstVariableNumber = std::min(layout.firstVariableNumber, column.number);
+        } else if (column.type != ColumnType::Boolean) {
+            const auto end = static_cast<std::uint16_t>(column.place + column.length);
             layout.fixedSize = std::max(layout.fixedSize, end);
-        } else if (source.type != ColumnType::Boolean) {
-            const auto needed = static_cast<std::uint16_t>(source.variableIndex + 1);
-            layout.variableCount = std::max(layout.variableCount, needed);
-            layout.firstVariableNumber = std::min(layout.firstVariableNumber, source.number);
         }
         layout.columns.push_back(column);
     }
@@ -284,28 +295,10 @@ Bytes encodeRow(std::span<const Value> values, const RowLayout &layout)
     assert(values.size() == layout.columns.size());
     Bytes row(kFixedStart + layout.fixedSize);
     writeU16(row, 0, layout.columnCount);
-    Bytes mask(maskSize(layout.columnCount));
-    std::vector<Bytes> variable(layout.variableCount);
-
-    for (std::size_t i = 0; i < values.size(); ++i) {
-        const RowLayout::Column &column = layout.columns[i];
-        if (isNull(values[i]))
-            continue;
-        if (column.type == ColumnType::Boolean) {
-            if (valueAs<bool>(values[i]))
-                setMaskBit(mask, column.number);
-            continue;
-        }
-        Bytes stored = encodeValue(values[i], column);
-        if (column.variable)
-            variable[column.place] = std::move(stored);
-        else
-            writeBytes(row, kFixedStart + column.place, stored);
-        setMaskBit(mask, column.number);
-    }
-    if (layout.variableCount > 0)
-        appendVariableValues(row, variable);
-    appendBytes(row, mask);
+    writeFixedArea(row, values, layout);
+    if (!layout.variableColumns.empty())
+        appendVariableValues(row, values, layout);
+    appendNullMask(row, values, layout);
     if (row.size() > kMaxRowSize)
         throw Error(ErrorCode::RecordTooLarge, "Record is too large.");
     return row;

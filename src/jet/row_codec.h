@@ -25,15 +25,17 @@ struct RowLayout {
         ColumnType type = ColumnType::Long;
         std::uint16_t number = 0;
         bool variable = false;
-        std::uint16_t place = 0;  ///< index of a variable column, offset of a fixed one
+        std::uint16_t place = 0; ///< index of a variable column, offset of a fixed one (Boolean: 0)
         std::uint16_t length = 0; ///< as in ColumnDefinition
         bool compressible = false;
         std::uint8_t scale = 0; ///< Numeric only
     };
 
-    std::vector<Column> columns; ///< same order as TableDefinition::columns
+    static constexpr std::size_t kNoColumn = SIZE_MAX; ///< of a column deleted since
+
+    std::vector<Column> columns;              ///< same order as TableDefinition::columns
+    std::vector<std::size_t> variableColumns; ///< place in `columns` by variable index
     std::uint16_t columnCount = 0;
-    std::uint16_t variableCount = 0;
     std::uint16_t fixedSize = 0;
     std::uint16_t firstVariableNumber = 0xFFFF; ///< lowest number of a variable column
 };

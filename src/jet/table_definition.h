@@ -43,7 +43,11 @@ struct ColumnDefinition {
     std::uint8_t precision = 0;                  ///< Numeric only: decimal digits
     std::uint8_t scale = 0;                      ///< Numeric only: digits after the point
 
-    bool isFixed() const { return (flags & ColumnFlag::FixedLength) != 0; }
+    /// Its value stands in the fixed area of a row, or in the null mask (Boolean).
+    bool isFixed() const
+    {
+        return (flags & ColumnFlag::FixedLength) != 0 || type == ColumnType::Boolean;
+    }
     bool isAutonumber() const { return (flags & ColumnFlag::Autonumber) != 0; }
     bool isLongValue() const { return type == ColumnType::Memo || type == ColumnType::Ole; }
 };

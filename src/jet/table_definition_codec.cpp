@@ -78,7 +78,8 @@ void checkColumn(const ColumnDefinition &column, std::uint16_t maxColumns)
         throwDamaged("a column's length does not fit its type");
     if (size == 0 && column.length > kMaxTextBytes)
         throwDamaged("a column is too long");
-    if (column.isFixed() && column.fixedOffset + std::size_t{column.length} > kMaxRowSize)
+    const bool inFixedArea = column.isFixed() && column.type != ColumnType::Boolean;
+    if (inFixedArea && column.fixedOffset + std::size_t{column.length} > kMaxRowSize)
         throwDamaged("a column lies outside its row");
     if (column.isFixed() && column.isLongValue())
         throwDamaged("a long value cannot have a fixed length");
@@ -207,12 +208,16 @@ void parseColumns(Reader &reader, std::size_t count, TableDefinition &table)
 {
     if (count > table.maxColumns)
         throwDamaged("a table has more columns than column numbers");
-    std::vector<bool> used(table.maxColumns);
+    std::vector<bool> usedNumbers(kMaxColumns);
+    std::vector<bool> usedPlaces(kMaxColumns);
     for (std::size_t i = 0; i < count; ++i) {
-        table.columns.push_back(parseColumn(reader.take(kColumnSize), table.maxColumns));
-        if (used[table.columns.back().number])
-            throwDamaged("two columns have the same number");
-        used[table.columns.back().number] = true;
+        const ColumnDefinition column = parseColumn(reader.take(kColumnSize), table.maxColumns);
+        if (usedNumbers[column.number] || (!column.isFixed() && usedPlaces[column.variableIndex]))
+            throwDamaged("two columns have the same number or place");
+        usedNumbers[column.number] = true;
+        if (!column.isFixed())
+            usedPlaces[column.variableIndex] = true;
+        table.columns.push_back(column);
     }
     for (ColumnDefinition &column : table.columns)
         column.name = reader.takeName();
