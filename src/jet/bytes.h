@@ -3,6 +3,7 @@
 #include "jet/error.h"
 #include "jet/value.h"
 
+#include <array>
 #include <bit>
 #include <cstddef>
 #include <cstdint>
@@ -82,16 +83,20 @@ void writeLittleEndian(MutableBytes bytes, std::size_t offset, std::uint64_t num
 template <std::size_t Size>
 void appendLittleEndian(Bytes &bytes, std::uint64_t number)
 {
+    std::array<std::uint8_t, Size> part;
     for (std::size_t i = 0; i < Size; ++i)
-        bytes.push_back(static_cast<std::uint8_t>(number >> (8 * i)));
+        part[i] = static_cast<std::uint8_t>(number >> (8 * i));
+    bytes.insert(bytes.end(), part.begin(), part.end());
 }
 
 /// Most significant byte first, as numbers stand inside index entries.
 template <std::size_t Size>
 void appendBigEndian(Bytes &bytes, std::uint64_t number)
 {
-    for (std::size_t i = Size; i-- > 0;)
-        bytes.push_back(static_cast<std::uint8_t>(number >> (8 * i)));
+    std::array<std::uint8_t, Size> part;
+    for (std::size_t i = 0; i < Size; ++i)
+        part[i] = static_cast<std::uint8_t>(number >> (8 * (Size - 1 - i)));
+    bytes.insert(bytes.end(), part.begin(), part.end());
 }
 
 inline std::uint8_t readU8(ByteView bytes, std::size_t offset)
