@@ -67,9 +67,10 @@ void appendNumeric(Bytes &key, const Numeric &number)
 
 void appendText(Bytes &key, const Text &text, const KeyColumn &column)
 {
-    if (column.sortOrder != kGeneralSortOrder || column.sortVersion != 0)
+    const bool isGeneral = column.sortOrder == kGeneralSortOrder && column.sortVersion == 0;
+    if (!isGeneral && !column.inMemory)
         throw Error(ErrorCode::NotSupported, "The sort order of the text is not known.");
-    appendBytes(key, generalSortKey(text));
+    appendBytes(key, generalSortKey(text, column.inMemory));
 }
 
 /// The flag and the value in the ascending form, binary values already in their direction.
@@ -98,7 +99,7 @@ void appendValue(Bytes &key, const Value &value, const KeyColumn &column)
     case ColumnType::Memo:
         return appendText(key, valueAs<Text>(value), column);
     case ColumnType::Numeric:
-        if (!column.ascending)
+        if (!column.ascending && !column.inMemory)
             break; // known to differ between versions of the database program
         return appendNumeric(key, valueAs<Numeric>(value));
     case ColumnType::Binary:
@@ -109,17 +110,23 @@ void appendValue(Bytes &key, const Value &value, const KeyColumn &column)
     throw Error(ErrorCode::NotSupported, "The engine cannot order an index of this type.");
 }
 
+Bytes sortedBytes(const Value &value)
+{
+    if (!std::holds_alternative<Guid>(value))
+        return valueAs<Bytes>(value);
+    const auto written = inWrittenOrder(std::get<Guid>(value));
+    return {written.begin(), written.end()};
+}
+
 void appendColumn(Bytes &key, const Value &value, const KeyColumn &column)
 {
     const std::size_t start = key.size();
     key.push_back(kNotNull);
-    if (column.type == ColumnType::Binary || column.type == ColumnType::Guid) {
+    const bool isOle = column.type == ColumnType::Ole && column.inMemory;
+    if (column.type == ColumnType::Binary || column.type == ColumnType::Guid || isOle) {
         if (!column.ascending)
             complement(key, start);
-        if (column.type == ColumnType::Guid)
-            appendBinary(key, inWrittenOrder(valueAs<Guid>(value)), column.ascending);
-        else
-            appendBinary(key, valueAs<Bytes>(value), column.ascending);
+        appendBinary(key, sortedBytes(value), column.ascending);
         return;
     }
     appendValue(key, value, column);

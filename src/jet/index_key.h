@@ -21,6 +21,9 @@ struct KeyColumn {
     /// Text and Memo: the sort order of the column.
     std::uint16_t sortOrder = kGeneralSortOrder;
     std::uint8_t sortVersion = 0;
+    /// For sorting in memory only: nothing is refused, what has no known place in an index gets
+    /// one of its own (unknown characters after all others, OLE as Binary).
+    bool inMemory = false;
 };
 
 /// The columns of a real index in key order. Throws Error(Damaged) for an unknown column number.
@@ -40,7 +43,8 @@ IndexKey encodeIndexKey(std::span<const Value> values, std::span<const KeyColumn
 
 /// The sort bytes of a text in the General order, without flag byte: characters, 01, accents and
 /// specials when there are any, 00. Upper and lower case are equal, trailing spaces do not count,
-/// nor do characters after the 255th. Throws Error(NotSupported).
-Bytes generalSortKey(std::u16string_view text);
+/// nor do characters after the 255th. A character that is not known throws Error(NotSupported), or
+/// with `sortUnknown` comes after all others.
+Bytes generalSortKey(std::u16string_view text, bool sortUnknown = false);
 
 } // namespace jet

@@ -13,10 +13,11 @@ constexpr std::size_t kMaxKeyCharacters = 255;
 constexpr std::uint8_t kEndOfSection = 0x01;
 constexpr std::uint8_t kEndOfText = 0x00;
 constexpr std::uint8_t kNoAccent = 0x02;
+constexpr std::uint32_t kAfterAllLetters = 0x790000;
 
 /// What one character adds to the three sections of a key.
 struct CharacterKey {
-    std::uint16_t letter = 0; ///< one byte, or two when above FF; 0 = nothing
+    std::uint32_t letter = 0; ///< one to three bytes without leading zeros; 0 = nothing
     std::uint8_t accent = 0;  ///< 0 = none
     std::uint8_t special = 0; ///< sorts only among texts that are otherwise equal; 0 = none
 };
@@ -68,7 +69,7 @@ std::optional<CharacterKey> controlKey(char16_t unit)
     if (unit >= 0x01 && unit <= 0x08)
         return CharacterKey{.special = static_cast<std::uint8_t>(code + 2)};
     if (unit >= 0x09 && unit <= 0x0D)
-        return CharacterKey{.letter = static_cast<std::uint16_t>(0x0800 | (code - 6))};
+        return CharacterKey{.letter = 0x0800u | (code - 6u)};
     if (unit >= 0x0E && unit <= 0x1F)
         return CharacterKey{.special = static_cast<std::uint8_t>(code - 3)};
     if (unit == 0x7F)
@@ -76,7 +77,7 @@ std::optional<CharacterKey> controlKey(char16_t unit)
     return std::nullopt;
 }
 
-CharacterKey characterKey(char16_t unit)
+CharacterKey characterKey(char16_t unit, bool sortUnknown)
 {
     if (unit == u'\'')
         return {.special = 0x80};
@@ -92,6 +93,8 @@ CharacterKey characterKey(char16_t unit)
         if (unit == letter.upper || unit == letter.lower)
             return {.letter = asciiLetter(letter.base), .accent = letter.accent};
     }
+    if (sortUnknown)
+        return {.letter = kAfterAllLetters | unit};
     throw Error(ErrorCode::NotSupported,
                 "The text has a character whose place in the sort order is not known.");
 }
@@ -104,6 +107,15 @@ std::u16string_view keyCharacters(std::u16string_view text)
     return text;
 }
 
+void appendLetter(Bytes &key, std::uint32_t letter)
+{
+    if (letter > 0xFFFF)
+        key.push_back(static_cast<std::uint8_t>(letter >> 16));
+    if (letter > 0xFF)
+        key.push_back(static_cast<std::uint8_t>(letter >> 8));
+    key.push_back(static_cast<std::uint8_t>(letter));
+}
+
 void appendSpecial(Bytes &specials, std::size_t lettersBefore, std::uint8_t code)
 {
     appendBigEndian<2>(specials, 0x8000 | (7 + 4 * lettersBefore));
@@ -113,20 +125,18 @@ void appendSpecial(Bytes &specials, std::size_t lettersBefore, std::uint8_t code
 
 } // namespace
 
-Bytes generalSortKey(std::u16string_view text)
+Bytes generalSortKey(std::u16string_view text, bool sortUnknown)
 {
     Bytes key;
     Bytes accents;
     Bytes specials;
     for (const char16_t unit : keyCharacters(text)) {
-        const CharacterKey character = characterKey(unit);
+        const CharacterKey character = characterKey(unit, sortUnknown);
         if (character.special != 0)
             appendSpecial(specials, accents.size(), character.special);
         if (character.letter == 0)
             continue;
-        if (character.letter > 0xFF)
-            key.push_back(static_cast<std::uint8_t>(character.letter >> 8));
-        key.push_back(static_cast<std::uint8_t>(character.letter));
+        appendLetter(key, character.letter);
         accents.push_back(character.accent == 0 ? kNoAccent : character.accent);
     }
     while (!accents.empty() && accents.back() == kNoAccent)

@@ -113,6 +113,11 @@ TEST(IndexKey, WhatCannotBeOrderedIsRefused)
     EXPECT_EQ(errorOf([] { keyOf(Bytes{1}, ColumnType::Ole); }), ErrorCode::NotSupported);
     EXPECT_EQ(errorOf([] { keyOf(Numeric{}, ColumnType::Numeric, false); }),
               ErrorCode::NotSupported);
+    const KeyColumn sorted{.type = ColumnType::Text, .sortOrder = 0x0418, .inMemory = true};
+    const Value last = Text(u"zz");
+    EXPECT_GT(encodeIndexKey(std::span(&text, 1), std::span(&sorted, 1)).bytes,
+              encodeIndexKey(std::span(&last, 1), std::span(&sorted, 1)).bytes)
+        << "sorting in memory refuses nothing";
     const Value ascii = Text(u"a");
     const KeyColumn romanian{.type = ColumnType::Text, .sortOrder = 0x0418};
     EXPECT_EQ(errorOf([&] { encodeIndexKey(std::span(&ascii, 1), std::span(&romanian, 1)); }),
