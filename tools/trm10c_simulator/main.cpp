@@ -1,0 +1,114 @@
+#include "platform/scheduler.h"
+#include "tools/trm10c_simulator/recorder_simulation.h"
+
+#include <QCommandLineParser>
+#include <QCoreApplication>
+#include <QMap>
+#include <cstdio>
+#include <exception>
+#include <stdexcept>
+
+namespace
+{
+
+constexpr int kUsageError = 2;
+
+struct UsageError : std::runtime_error {
+    using std::runtime_error::runtime_error;
+};
+
+const QMap<QString, Fault> &faults()
+{
+    static const QMap<QString, Fault> kFaults{
+        {"none", Fault::None}, {"silent", Fault::Silent},   {"short", Fault::Short},
+        {"long", Fault::Long}, {"garbled", Fault::Garbled}, {"slow", Fault::Slow},
+        {"late", Fault::Late}, {"vanish", Fault::Vanish}};
+    return kFaults;
+}
+
+void describeOptions(QCommandLineParser &parser)
+{
+    parser.setApplicationDescription(
+        "Plays a TOHO TRM-10C recorder on a pseudo-terminal. The port to open is printed on "
+        "standard\n"
+        "output as one line; what is received and answered is told on standard error. Ends with\n"
+        "Ctrl+C, or when the line has vanished.");
+    parser.addHelpOption();
+    parser.addOptions({
+        {"link", "Symbolic link to make to the port; an old link is replaced.", "name"},
+        {"seed", "Seed of the readings' noise: the same seed gives the same readings.", "number",
+         "1"},
+        {"plateau", "Sterilisation temperature in degrees Celsius, 105 to 140.", "degrees", "121"},
+        {"speed", "Seconds of the sterilisation per second, above 0.", "factor", "1"},
+        {"fault", "What goes wrong: " + QStringList(faults().keys()).join(", ") + ".", "kind",
+         "none"},
+        {"fault-at", "Only that exchange goes wrong, counted from 1; 0 means every one.", "n", "0"},
+    });
+}
+
+double numberIn(const QCommandLineParser &parser, const QString &option, double least, double most)
+{
+    bool isNumber = false;
+    const double number = parser.value(option).toDouble(&isNumber);
+    if (!isNumber || !(number >= least && number <= most))
+        throw UsageError(QStringLiteral("--%1 wants a number from %2 to %3, not \"%4\"")
+                             .arg(option)
+                             .arg(least)
+                             .arg(most)
+                             .arg(parser.value(option))
+                             .toStdString());
+    return number;
+}
+
+RecorderSettings settingsFrom(const QCommandLineParser &parser)
+{
+    const QStringList extra = parser.positionalArguments();
+    if (!extra.isEmpty())
+        throw UsageError("does not know what to do with " + extra.first().toStdString());
+    const QString fault = parser.value("fault");
+    if (!faults().contains(fault))
+        throw UsageError("--fault wants one of " +
+                         QStringList(faults().keys()).join(", ").toStdString() + ", not \"" +
+                         fault.toStdString() + "\"");
+    RecorderSettings settings;
+    settings.seed = static_cast<unsigned>(numberIn(parser, "seed", 0, 4294967295.0));
+    settings.plateau = numberIn(parser, "plateau", 105, 140);
+    settings.speed = numberIn(parser, "speed", 0.001, 100'000);
+    settings.fault = faults().value(fault);
+    settings.faultAt = static_cast<int>(numberIn(parser, "fault-at", 0, 1'000'000'000));
+    return settings;
+}
+
+int run(const QCommandLineParser &parser)
+{
+    const SystemClock clock;
+    QtScheduler scheduler(*QCoreApplication::instance());
+    RecorderSimulation recorder(settingsFrom(parser), clock, scheduler, parser.value("link"));
+    QObject::connect(&recorder, &RecorderSimulation::reported, [](const QString &line) {
+        std::fprintf(stderr, "%s\n", line.toLocal8Bit().constData());
+    });
+    QObject::connect(&recorder, &RecorderSimulation::vanished, qApp, &QCoreApplication::quit);
+    std::printf("%s\n", recorder.portName().toLocal8Bit().constData());
+    std::fflush(stdout);
+    return QCoreApplication::exec();
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    QCoreApplication application(argc, argv);
+    QCoreApplication::setApplicationName("trm10c_simulator");
+    QCommandLineParser parser;
+    describeOptions(parser);
+    parser.process(application);
+    try {
+        return run(parser);
+    } catch (const UsageError &error) {
+        std::fprintf(stderr, "trm10c_simulator: %s\nTry --help.\n", error.what());
+        return kUsageError;
+    } catch (const std::exception &error) {
+        std::fprintf(stderr, "trm10c_simulator: %s\n", error.what());
+        return EXIT_FAILURE;
+    }
+}
