@@ -15,7 +15,7 @@ namespace
 class Line : public ::testing::Test
 {
 public:
-    void plug(Fault fault, int faultAt)
+    void plug(Fault fault, unsigned faultAt)
     {
         recorder = std::make_unique<RecorderSimulation>(
             RecorderSettings{.fault = fault, .faultAt = faultAt}, time, time);

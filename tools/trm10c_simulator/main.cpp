@@ -4,8 +4,11 @@
 #include <QCommandLineParser>
 #include <QCoreApplication>
 #include <QMap>
+#include <cmath>
 #include <cstdio>
+#include <cstdlib>
 #include <exception>
+#include <limits>
 #include <stdexcept>
 
 namespace
@@ -53,11 +56,19 @@ double numberIn(const QCommandLineParser &parser, const QString &option, double 
     if (!isNumber || !(number >= least && number <= most))
         throw UsageError(QStringLiteral("--%1 wants a number from %2 to %3, not \"%4\"")
                              .arg(option)
-                             .arg(least)
-                             .arg(most)
+                             .arg(least, 0, 'g', 12)
+                             .arg(most, 0, 'g', 12)
                              .arg(parser.value(option))
                              .toStdString());
     return number;
+}
+
+unsigned wholeNumber(const QCommandLineParser &parser, const QString &option)
+{
+    const double number = numberIn(parser, option, 0, std::numeric_limits<unsigned>::max());
+    if (number != std::floor(number))
+        throw UsageError("--" + option.toStdString() + " wants a whole number");
+    return static_cast<unsigned>(number);
 }
 
 RecorderSettings settingsFrom(const QCommandLineParser &parser)
@@ -71,11 +82,11 @@ RecorderSettings settingsFrom(const QCommandLineParser &parser)
                          QStringList(faults().keys()).join(", ").toStdString() + ", not \"" +
                          fault.toStdString() + "\"");
     RecorderSettings settings;
-    settings.seed = static_cast<unsigned>(numberIn(parser, "seed", 0, 4294967295.0));
+    settings.seed = wholeNumber(parser, "seed");
     settings.plateau = numberIn(parser, "plateau", 105, 140);
     settings.speed = numberIn(parser, "speed", 0.001, 100'000);
     settings.fault = faults().value(fault);
-    settings.faultAt = static_cast<int>(numberIn(parser, "fault-at", 0, 1'000'000'000));
+    settings.faultAt = wholeNumber(parser, "fault-at");
     return settings;
 }
 

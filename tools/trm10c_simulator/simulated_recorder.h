@@ -23,7 +23,7 @@ struct RecorderSettings {
     double speed = 1;     ///< seconds of the sterilisation per second
     unsigned seed = 1;
     Fault fault = Fault::None;
-    int faultAt = 0; ///< the exchange, from 1, that goes wrong; 0: every one
+    unsigned faultAt = 0; ///< the exchange, from 1, that goes wrong; 0: every one
 };
 
 /// The recorder's side of the dialogue, on bytes. Every command must come in its turn and exactly,
@@ -57,5 +57,5 @@ private:
     std::mt19937 m_random;
     QByteArray m_unfinishedLine;
     qsizetype m_turn = 0; ///< index of the command that comes next
-    int m_exchange = 0;
+    unsigned m_exchange = 0;
 };
