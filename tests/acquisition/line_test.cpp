@@ -101,6 +101,7 @@ TEST_F(Line, AWrongRecorderFailsOnceAndNeverSpoilsTheNextExchange)
 
         begin();
         ASSERT_TRUE(hears(QStringLiteral("exchange 2: received FM0,01,06 CR LF")));
+        EXPECT_FALSE(failed.has_value()) << "took the late answer to the exchange before";
         time.advance(milliseconds(0));
         expectReading();
         EXPECT_TRUE(heard.filter("exchange 1: received ESC C").isEmpty());

@@ -113,7 +113,8 @@ TEST_F(CicluMonitorizare, ASecondThatNoPassSeesIsNotMadeUpFor)
 
     whenArchived = [this] { time.passSilently(milliseconds(2500)); }; // 51 goes by unseen
     time.advanceTo(midnight.addDays(1));
-    EXPECT_EQ(archives.size(), 1u);
+    ASSERT_EQ(archives.size(), 1u);
+    EXPECT_EQ(archives[0].time(), QTime(23, 59, 50)) << "awake as its second begins";
     time.advanceTo(midnight.addDays(2));
     EXPECT_EQ(archives.size(), 1u) << "armed again only at 23:59:51";
     time.advanceTo(midnight.addDays(3));
