@@ -1,0 +1,23 @@
+#include "jet/file.h"
+
+#include <thread>
+
+namespace jet
+{
+
+bool LockFile::lock(Part part, Mode mode, std::chrono::milliseconds timeout)
+{
+    // Holders need milliseconds, so the first tries come close together.
+    using namespace std::chrono_literals;
+    const auto end = std::chrono::steady_clock::now() + timeout;
+    auto pause = 1ms;
+    while (!tryLock(part, mode)) {
+        if (std::chrono::steady_clock::now() >= end)
+            return false;
+        std::this_thread::sleep_for(pause);
+        pause = std::min(2 * pause, 16ms);
+    }
+    return true;
+}
+
+} // namespace jet

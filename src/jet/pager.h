@@ -1,0 +1,134 @@
+#pragma once
+
+#include "jet/file.h"
+#include "jet/open_options.h"
+#include "jet/page.h"
+
+#include <filesystem>
+#include <list>
+#include <map>
+#include <memory>
+#include <unordered_map>
+#include <vector>
+
+namespace jet
+{
+
+// The pages of one database file: a bounded cache, transactions, and the agreement with other
+// openers. A transaction collects the new content of pages in memory; commit() writes them through
+// the journal (see journal.h), so the file goes from one consistent state to the next in one step
+// for every other opener and across every kind of stop.
+class Pager
+{
+public:
+    /// Opens the file and, when an interrupted statement left a journal, finishes or drops it; a
+    /// read-only opener only sees the file as it will be then. Throws Error(FileNotFound),
+    /// Error(ReadOnly), Error(InUse), Error(NotADatabase) for a file of less than one page.
+    Pager(std::unique_ptr<FileSystem> files, std::filesystem::path path, OpenOptions options);
+    ~Pager();
+    Pager(const Pager &) = delete;
+    Pager &operator=(const Pager &) = delete;
+
+    /// Pages of the file, with those a running transaction has added.
+    PageNo pageCount() const { return m_pageCount; }
+
+    /// The content of a page. Throws Error(Damaged) for a page behind the end of the file.
+    PageRef read(PageNo page);
+
+    /// The page for changing; the reference stays valid until the transaction ends.
+    PageBuffer &edit(PageNo page);
+    /// A page of zeros behind the last one.
+    PageNo extend();
+
+    /// Starts a transaction. Throws Error(ReadOnly), Error(InUse) when another opener writes.
+    void begin();
+    /// Writes the transaction. On failure the file is put back and the transaction rolled back.
+    void commit();
+    void rollback();
+    bool inTransaction() const { return m_inTransaction; }
+
+    /// While one lives, no other opener changes the file; pages and versions read under it belong
+    /// together. May be nested. Throws Error(InUse).
+    class ReadScope
+    {
+    public:
+        explicit ReadScope(Pager &pager) : m_pager(pager) { m_pager.beginRead(); }
+        ~ReadScope() { m_pager.endRead(); }
+        ReadScope(const ReadScope &) = delete;
+        ReadScope &operator=(const ReadScope &) = delete;
+
+    private:
+        Pager &m_pager;
+    };
+
+    /// Changes with every change of any page, by this opener or another: what was worked out from
+    /// pages under another version has to be worked out again.
+    std::uint64_t version() const { return m_version; }
+    /// Changes when definitions may have changed: after a rollback or a change by another opener.
+    std::uint64_t foreignVersion() const { return m_foreignVersion; }
+
+    /// Keeps every other opener out until unlockOpeners(). Throws Error(TableLocked).
+    void lockOpeners();
+    void unlockOpeners();
+
+    bool isReadOnly() const { return m_options.readOnly; }
+    const std::filesystem::path &path() const { return m_path; }
+
+private:
+    struct CachedPage {
+        std::shared_ptr<PageBuffer> content;
+        std::list<PageNo>::iterator use;
+    };
+    struct ChangedPage {
+        PageRef before; ///< null for a new page
+        std::shared_ptr<PageBuffer> after;
+    };
+    using Lock = LockFile::Part;
+
+    void beginRead();
+    void endRead();
+    void lock(Lock part, LockFile::Mode mode, const char *who);
+    void lockWriter();
+    void unlockWriter();
+    void releasePages();
+    void noticeOthers();
+    void recover();
+    void loadOverlay();
+    void finishJournal();
+    void applyChanges();
+    void undoChanges();
+    bool journalIsEmpty();
+    std::unique_ptr<File> openJournal();
+    void syncIfWanted(File &file);
+    void endTransaction();
+    std::shared_ptr<PageBuffer> load(PageNo page);
+    void keep(PageNo page, std::shared_ptr<PageBuffer> content);
+    void forgetPages();
+    void refreshPageCount();
+
+    std::unique_ptr<FileSystem> m_files;
+    std::filesystem::path m_path;
+    std::filesystem::path m_journalPath;
+    OpenOptions m_options;
+    std::unique_ptr<LockFile> m_lock;
+    std::unique_ptr<File> m_file;
+
+    PageNo m_pageCount = 0;
+    PageNo m_pageCountBefore = 0; ///< when the transaction began
+    std::uint64_t m_version = 1;
+    std::uint64_t m_foreignVersion = 1;
+    std::uint64_t m_stamp = 0;
+    int m_readDepth = 0;
+    bool m_inTransaction = false;
+    bool m_holdsWriter = false;
+    bool m_usedJournal = false;
+    bool m_mustLook = false; ///< what is in memory may not be what is in the file
+
+    std::unordered_map<PageNo, CachedPage> m_cache;
+    std::list<PageNo> m_uses; ///< most recent first
+    std::map<PageNo, PageRef>
+        m_overlay; ///< pages of a journal that a read-only opener may not apply
+    std::unordered_map<PageNo, ChangedPage> m_changes;
+};
+
+} // namespace jet
