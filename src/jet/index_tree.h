@@ -1,0 +1,102 @@
+#pragma once
+
+#include "jet/index_page.h"
+#include "jet/pager.h"
+#include "jet/table_definition.h"
+
+#include <optional>
+#include <vector>
+
+namespace jet
+{
+
+/// The tree of one index. An entry is the key's bytes followed by the row id of its row.
+class IndexTree
+{
+public:
+    /// `owner` is the definition page of the table.
+    IndexTree(Pager &pager, PageNo owner, const RealIndex &index)
+        : m_pager(pager), m_owner(owner), m_root(index.root), m_map(index.usageMap)
+    {
+    }
+
+    bool hasKey(ByteView key) const;
+    /// Throws Error(RecordTooLarge) for an entry no page could take.
+    void insert(ByteView entry);
+    /// Throws Error(Damaged) when the entry is missing.
+    void erase(ByteView entry);
+    /// Makes the tree empty; the result are its former pages but the root, not yet released.
+    [[nodiscard]] std::vector<PageNo> clear();
+
+    /// All pages, found by walking the tree; the root first.
+    std::vector<PageNo> pages() const;
+    PageNo root() const { return m_root; }
+    PageNo owner() const { return m_owner; }
+    Pager &pager() const { return m_pager; }
+
+    IndexPage page(PageNo page) const { return {m_pager.read(page), page, m_owner}; }
+    /// The leaf where an entry is or would be.
+    PageNo leafFor(ByteView entry) const;
+    /// The first or the last leaf.
+    PageNo edgeLeaf(bool last) const;
+
+private:
+    /// One page on the way down and, on nodes, the place of the child taken.
+    struct Step {
+        PageNo page;
+        std::size_t child;
+        bool isTail; ///< also on the leaf
+    };
+    using Path = std::vector<Step>;
+
+    Path descend(ByteView entry) const;
+    void checkDepth(std::size_t depth, PageNo page) const;
+    void storeLeaf(const Path &path, std::vector<Bytes> entries, bool appended);
+    void storeNode(const Path &path, std::size_t level, std::vector<IndexChild> children);
+    void removeChild(const Path &path, std::size_t level);
+    void fixCopies(const Bytes &greatest);
+    std::vector<PageNo> addPages(PageNo after, std::size_t count);
+    void unlink(PageNo page);
+    void addToMap(PageNo page);
+    Bytes greatestBelow(PageNo page) const;
+
+    Pager &m_pager;
+    PageNo m_owner;
+    PageNo m_root;
+    RowPointer m_map;
+};
+
+/// A place between or on the entries of an index, kept through changes of the tree.
+class IndexCursor
+{
+public:
+    explicit IndexCursor(const IndexTree &tree) : m_tree(tree) {}
+
+    bool moveFirst() { return moveToEdge(false); }
+    bool moveLast() { return moveToEdge(true); }
+    /// To the first entry not less than the given bytes.
+    bool seek(ByteView entry);
+    bool next() { return step(true); }
+    bool previous() { return step(false); }
+
+    /// False before the first move and after a move that found no entry.
+    bool isValid() const { return m_valid; }
+    RowPointer row() const;
+    const Bytes &entry() const { return m_entry; }
+
+private:
+    bool moveToEdge(bool last);
+    bool step(bool forward);
+    void load(PageNo page);
+    bool settle(bool forward);
+
+    IndexTree m_tree;
+    std::optional<IndexPage> m_leaf;
+    std::size_t m_index = 0; ///< may be one past the end while settling
+    std::uint64_t m_version = 0;
+    Bytes m_entry;
+    Bytes m_before; ///< the entry before the last step
+    bool m_valid = false;
+};
+
+} // namespace jet
