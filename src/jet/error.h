@@ -38,7 +38,7 @@ enum class ErrorCode : int {
     NoSuchItem = 3265, ///< no column or index of that name
     NotADatabase = 3343,
     InUse = 3356,
-    DuplicateItem = 3367, ///< two columns or indexes of one name in a new table
+    DuplicateItem = 3367,  ///< two columns or indexes of one name in a new table
     TypeConversion = 3421, ///< also a value that the column's type cannot hold
 };
 

@@ -64,6 +64,9 @@ using Bytes = std::vector<std::uint8_t>;
 using Value = std::variant<Null, bool, std::uint8_t, std::int16_t, std::int32_t, Currency, float,
                            double, DateTime, Text, Bytes, Guid, Numeric>;
 
+/// The values of a record, in the order of its table's columns.
+using Row = std::vector<Value>;
+
 inline bool isNull(const Value &value)
 {
     return std::holds_alternative<Null>(value);

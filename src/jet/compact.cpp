@@ -1,0 +1,75 @@
+#include "jet/compact.h"
+
+#include "jet/file.h"
+#include "jet/header_page.h"
+#include "jet/new_database.h"
+#include "jet/session.h"
+#include "jet/table_builder.h"
+#include "jet/table_design.h"
+#include "jet/text_codec.h"
+
+namespace jet
+{
+namespace
+{
+
+/// Enough rows per transaction to make the syncs cheap, few enough to stay in memory.
+constexpr std::uint32_t kRowsAtOnce = 20000;
+
+void copyRows(const TableStore &from, Session &target, const Text &name)
+{
+    std::uint32_t copied = 0;
+    for (auto row = from.rows().next({}); row; row = from.rows().next(behind(*row))) {
+        if (copied % kRowsAtOnce == 0 && copied > 0) {
+            target.commit();
+            target.begin();
+        }
+        target.table(name)->insert(from.read(*row));
+        ++copied;
+    }
+}
+
+void copyTable(Session &source, const Catalog::Entry &entry, Session &target, DateTime now)
+{
+    const auto from = source.tableAt(entry.definition);
+    TableDefinition definition = makeDefinition(designOf(entry.name, from->definition()));
+    target.begin();
+    target.catalog().add(entry.name, buildTable(target.pager(), std::move(definition)), now);
+    copyRows(*from, target, entry.name);
+    target.table(entry.name)->continueAutonumber(from->lastAutonumber());
+    target.commit();
+}
+
+} // namespace
+
+void compactDatabase(const std::filesystem::path &path, DateTime now)
+{
+    const auto files = makeSystemFiles();
+    std::filesystem::path draft = path;
+    draft += ".compact";
+    files->remove(draft);
+    Session source(makeSystemFiles(), path, {});
+    source.lockForReplacing();
+    const Pager::ReadScope scope(source.pager());
+    source.catalog().refuseOtherObjects();
+    try {
+        makeNewDatabase(draft, now);
+        {
+            OpenOptions options;
+            options.durability = Durability::Unsynced; // synced once, as a whole
+            Session target(makeSystemFiles(), draft, options);
+            for (const Catalog::Entry &entry : source.catalog().tables()) {
+                if (!entry.isSystem)
+                    copyTable(source, entry, target, now);
+            }
+        }
+        files->open(draft, FileSystem::Access::Write)->sync();
+        files->replace(draft, path);
+        files->syncFolder(path.parent_path());
+    } catch (...) {
+        files->remove(draft);
+        throw;
+    }
+}
+
+} // namespace jet

@@ -1,0 +1,16 @@
+#pragma once
+
+#include "jet/value.h"
+
+#include <filesystem>
+
+namespace jet
+{
+
+/// Writes every table of a database into a new file, without lost space, and puts it in place of
+/// the old one in one step. Nobody else may have the file open. Relationships, queries and other
+/// objects of the database program are not carried over, so a file that has any is refused with
+/// Error(NotSupported). Throws Error(InUse), Error(DiskFull); the old file then is as it was.
+void compactDatabase(const std::filesystem::path &path, DateTime now);
+
+} // namespace jet

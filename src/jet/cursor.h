@@ -1,0 +1,83 @@
+#pragma once
+
+#include "jet/bytes.h"
+#include "jet/value.h"
+
+#include <cstdint>
+#include <memory>
+#include <set>
+#include <span>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace jet
+{
+
+class RowWalk;
+class Session;
+class TableStore;
+
+/// Values for columns named in any order.
+using Assignments = std::vector<std::pair<Text, Value>>;
+
+enum class Order { Ascending, Descending };
+
+/// Goes through the records of a table, in both directions, while the table may be changed: a
+/// record deleted ahead is not met, one added ahead is, unless the cursor is sorted by a column
+/// without index. Functions that need a current record throw Error(NoCurrentRecord), or
+/// Error(RecordDeleted) when it has been deleted.
+class Cursor
+{
+public:
+    Cursor(Cursor &&) noexcept;
+    Cursor &operator=(Cursor &&) noexcept;
+    ~Cursor();
+
+    /// Each returns false, and leaves no current record, when there is none that way. A new cursor
+    /// stands before the first record.
+    bool first();
+    bool last();
+    bool next();
+    bool previous();
+    bool hasCurrent() const { return m_place == Place::On; }
+
+    /// Only on a cursor of an index: to the first record, in the cursor's order, that does not come
+    /// before a key. The key may give fewer columns than the index has; its values are converted.
+    /// Throws Error(InvalidArgument) on other cursors.
+    bool seek(std::span<const Value> key);
+
+    /// Where the current record is stored; valid until it is deleted or changed.
+    RowPointer bookmark() const;
+
+    Value value(std::size_t column) const;
+    Value value(std::u16string_view column) const;
+    Row row() const;
+    /// Reads into a row that is used again, which is faster for many.
+    void read(Row &row) const;
+
+    /// Changes the assigned columns of the current record; throws as Table::append() does.
+    void update(const Assignments &assignments);
+    /// Deletes the current record; next() goes to the one after it.
+    void erase();
+
+private:
+    friend class Table;
+    enum class Place { Before, On, After };
+
+    Cursor(std::shared_ptr<Session> session, Text table, std::unique_ptr<RowWalk> walk);
+
+    TableStore &store() const;
+    RowPointer current() const;
+
+    std::shared_ptr<Session> m_session;
+    Text m_table;
+    std::unique_ptr<RowWalk> m_walk;
+    Place m_place = Place::Before;
+    /// Rows that an update moved ahead; they were met already.
+    std::set<RowPointer> m_moved;
+    mutable std::shared_ptr<TableStore> m_store;
+    mutable std::uint64_t m_structure = 0;
+};
+
+} // namespace jet

@@ -1,0 +1,108 @@
+#pragma once
+
+#include "jet/finding.h"
+#include "jet/open_options.h"
+#include "jet/table.h"
+#include "jet/table_design.h"
+
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace jet
+{
+
+class FileSystem;
+class Session;
+
+/// An open database file (Jet 4, .mdb). Several may be open on one file at a time, in one process
+/// or many: each statement sees the file before or after another one's, never between. All calls
+/// on one Database and what comes from it belong to one thread.
+///
+/// Every function throws jet::Error; the file is then as it was before the call.
+class Database
+{
+public:
+    /// Opens a file; when a program was stopped in the middle of a statement, that statement is
+    /// finished or dropped first. Throws Error(FileNotFound), Error(ReadOnly) when the system
+    /// denies the access, Error(NotADatabase), Error(PasswordNeeded), Error(NotSupported) for an
+    /// encoded file, Error(InUse), Error(Damaged).
+    static Database open(const std::filesystem::path &path, const OpenOptions &options = {});
+    /// The same on other files than the system's, for tests.
+    static Database open(const std::filesystem::path &path, const OpenOptions &options,
+                         std::unique_ptr<FileSystem> files);
+
+    /// Makes an empty database and opens it; `now` is noted as the date of its system tables. The
+    /// file appears complete or not at all. Throws Error(FileExists).
+    static Database create(const std::filesystem::path &path, DateTime now,
+                           const OpenOptions &options = {});
+
+    Database(Database &&) noexcept;
+    Database &operator=(Database &&) noexcept;
+    /// Rolls a running transaction back and gives up all locks.
+    ~Database();
+
+    const std::filesystem::path &path() const;
+
+    /// Names of the user's tables in the order they were made.
+    std::vector<Text> tables() const;
+    bool hasTable(const Text &name) const;
+    /// Names are compared without regard to case. Throws Error(NoSuchTable).
+    Table table(const Text &name) const;
+
+    /// Throws Error(ObjectExists) and what makeDefinition() throws.
+    Table createTable(const TableDesign &design, DateTime now);
+    /// Throws Error(NoSuchTable), Error(TableLocked) while anybody else has the database open.
+    void dropTable(const Text &name);
+    /// Throws as dropTable() does, Error(ObjectExists), Error(InvalidName).
+    void renameTable(const Text &name, const Text &newName, DateTime now);
+
+    /// Walks every page, map, row and index; empty when all of them fit together.
+    std::vector<Finding> check() const;
+
+private:
+    friend class Transaction;
+    friend class Snapshot;
+    explicit Database(std::shared_ptr<Session> session);
+
+    std::shared_ptr<Session> m_session;
+};
+
+/// Makes several statements one: all of them are stored by commit(), or none. One at a time.
+class Transaction
+{
+public:
+    /// Throws Error(ReadOnly), Error(InUse) while another opener has one.
+    explicit Transaction(Database &database);
+    /// Rolls back what was not committed.
+    ~Transaction();
+    Transaction(const Transaction &) = delete;
+    Transaction &operator=(const Transaction &) = delete;
+
+    /// Throws Error(DiskError), Error(DiskFull); nothing is stored then.
+    void commit();
+    void rollback();
+
+private:
+    std::shared_ptr<Session> m_session;
+    bool m_running = true;
+};
+
+/// While one lives, everything read from the database belongs to one moment: others may not
+/// change it and get Error(InUse) when they cannot wait that long. Reading many rows is also faster
+/// inside one.
+class Snapshot
+{
+public:
+    explicit Snapshot(const Database &database);
+    ~Snapshot();
+    Snapshot(const Snapshot &) = delete;
+    Snapshot &operator=(const Snapshot &) = delete;
+
+private:
+    struct Scope;
+    std::unique_ptr<Scope> m_scope;
+};
+
+} // namespace jet

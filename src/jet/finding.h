@@ -1,0 +1,16 @@
+#pragma once
+
+#include "jet/error.h"
+
+#include <string>
+
+namespace jet
+{
+
+/// A place in the file where something is wrong.
+struct Finding {
+    PageNo page = 0;
+    std::string reason;
+};
+
+} // namespace jet

@@ -1,0 +1,14 @@
+#pragma once
+
+#include "jet/value.h"
+
+#include <filesystem>
+
+namespace jet
+{
+
+/// Makes the file of an empty database with its four system tables. It is built under another name
+/// and appears complete. Throws Error(FileExists) when there is a file of that name.
+void makeNewDatabase(const std::filesystem::path &path, DateTime now);
+
+} // namespace jet

@@ -1,0 +1,195 @@
+#include "jet/row_walk.h"
+
+#include "jet/usage_map.h"
+#include "jet/value_conversion.h"
+
+#include <algorithm>
+#include <string>
+
+namespace jet
+{
+namespace
+{
+
+class TableWalk final : public RowWalk
+{
+public:
+    bool first(const TableStore &table) override { return settle(table.rows().next({})); }
+    bool last(const TableStore &table) override
+    {
+        return settle(table.rows().previous({0xFFFFFF, 0xFF}));
+    }
+    bool next(const TableStore &table) override { return settle(table.rows().next(behind(m_row))); }
+    bool previous(const TableStore &table) override
+    {
+        if (m_row.row == 0)
+            return m_row.page > 0 && settle(table.rows().previous({m_row.page - 1, 0xFF}));
+        return settle(
+            table.rows().previous({m_row.page, static_cast<std::uint8_t>(m_row.row - 1)}));
+    }
+    RowPointer row() const override { return m_row; }
+    void moved(const TableStore &, RowPointer) override {}
+
+private:
+    bool settle(std::optional<RowPointer> found)
+    {
+        m_row = found.value_or(m_row);
+        return found.has_value();
+    }
+
+    RowPointer m_row;
+};
+
+/// The smallest bytes greater than everything that begins with `prefix`; empty when there are none.
+Bytes behindPrefix(Bytes prefix)
+{
+    while (!prefix.empty() && prefix.back() == 0xFF)
+        prefix.pop_back();
+    if (!prefix.empty())
+        ++prefix.back();
+    return prefix;
+}
+
+class IndexWalk final : public RowWalk
+{
+public:
+    IndexWalk(const TableStore &table, std::size_t realIndex, bool backward)
+        : m_index(realIndex), m_backward(backward), m_cursor(table.tree(realIndex))
+    {
+    }
+
+    bool first(const TableStore &) override
+    {
+        return m_backward ? m_cursor.moveLast() : m_cursor.moveFirst();
+    }
+    bool last(const TableStore &) override
+    {
+        return m_backward ? m_cursor.moveFirst() : m_cursor.moveLast();
+    }
+    bool next(const TableStore &) override
+    {
+        return m_backward ? m_cursor.previous() : m_cursor.next();
+    }
+    bool previous(const TableStore &) override
+    {
+        return m_backward ? m_cursor.next() : m_cursor.previous();
+    }
+    RowPointer row() const override { return m_cursor.row(); }
+
+    void moved(const TableStore &table, RowPointer place) override
+    {
+        const auto key = table.keyOf(m_index, table.read(place));
+        if (key)
+            m_cursor.seek(indexEntry(key->bytes, place));
+    }
+
+    bool seek(const TableStore &table, std::span<const Value> key) override
+    {
+        const auto &columns = table.keyColumnsOf(m_index);
+        if (key.empty() || key.size() > columns.size())
+            throw Error(ErrorCode::InvalidArgument, "The key has too few or too many values.");
+        Row values;
+        for (std::size_t i = 0; i < key.size(); ++i)
+            values.push_back(
+                convertValue(key[i], table.definition().columns[table.keyPlaces(m_index)[i]]));
+        const Bytes bytes = encodeIndexKey(values, std::span(columns).first(key.size())).bytes;
+        if (!m_backward)
+            return m_cursor.seek(bytes);
+        const Bytes behind = behindPrefix(bytes);
+        if (behind.empty() || !m_cursor.seek(behind))
+            return m_cursor.moveLast();
+        return m_cursor.previous();
+    }
+
+private:
+    std::size_t m_index;
+    bool m_backward;
+    IndexCursor m_cursor;
+};
+
+class SortedWalk final : public RowWalk
+{
+public:
+    explicit SortedWalk(std::vector<RowPointer> rows) : m_rows(std::move(rows)) {}
+
+    bool first(const TableStore &table) override { return forwardFrom(table, 0); }
+    bool last(const TableStore &table) override { return backwardFrom(table, m_rows.size()); }
+    bool next(const TableStore &table) override { return forwardFrom(table, m_place + 1); }
+    bool previous(const TableStore &table) override { return backwardFrom(table, m_place); }
+    RowPointer row() const override { return m_rows[m_place]; }
+    void moved(const TableStore &, RowPointer place) override { m_rows[m_place] = place; }
+
+private:
+    bool forwardFrom(const TableStore &table, std::size_t place)
+    {
+        while (place < m_rows.size() && !table.rows().contains(m_rows[place]))
+            ++place;
+        const bool found = place < m_rows.size();
+        if (found)
+            m_place = place;
+        return found;
+    }
+    bool backwardFrom(const TableStore &table, std::size_t behindPlace)
+    {
+        while (behindPlace > 0 && !table.rows().contains(m_rows[behindPlace - 1]))
+            --behindPlace;
+        const bool found = behindPlace > 0;
+        if (found)
+            m_place = behindPlace - 1;
+        return found;
+    }
+
+    std::vector<RowPointer> m_rows;
+    std::size_t m_place = 0;
+};
+
+} // namespace
+
+bool RowWalk::seek(const TableStore &, std::span<const Value>)
+{
+    throw Error(ErrorCode::InvalidArgument, "Only a cursor of an index can look for a key.");
+}
+
+std::unique_ptr<RowWalk> makeTableWalk()
+{
+    return std::make_unique<TableWalk>();
+}
+
+std::unique_ptr<RowWalk> makeIndexWalk(const TableStore &table, std::size_t realIndex,
+                                       bool backward)
+{
+    return std::make_unique<IndexWalk>(table, realIndex, backward);
+}
+
+std::unique_ptr<RowWalk> makeSortedWalk(const TableStore &table, std::size_t column,
+                                        bool descending)
+{
+    const ColumnDefinition &definition = table.definition().columns[column];
+    KeyColumn order;
+    order.type = definition.type;
+    order.sortOrder = definition.sortOrder;
+    order.sortVersion = definition.sortVersion;
+
+    // Short keys stay inside the string object, so a day of numbers takes a few megabytes.
+    std::vector<std::pair<std::string, RowPointer>> keys;
+    keys.reserve(table.rowCount() < 1'000'000 ? table.rowCount() : 0);
+    for (auto row = table.rows().next({}); row; row = table.rows().next(behind(*row))) {
+        const StoredRow stored = table.rows().read(*row);
+        const Value value = table.readValue(RowView(stored.bytes, table.layout()), column);
+        const Bytes key = encodeIndexKey(std::span(&value, 1), std::span(&order, 1)).bytes;
+        keys.emplace_back(std::string(key.begin(), key.end()), *row);
+    }
+    std::ranges::sort(keys, [&](const auto &left, const auto &right) {
+        const int difference = left.first.compare(right.first);
+        if (difference != 0)
+            return descending ? difference > 0 : difference < 0;
+        return left.second < right.second;
+    });
+    std::vector<RowPointer> rows;
+    rows.reserve(keys.size());
+    std::ranges::transform(keys, std::back_inserter(rows),
+                           &std::pair<std::string, RowPointer>::second);
+    return std::make_unique<SortedWalk>(std::move(rows));
+}
+
+} // namespace jet

@@ -1,0 +1,42 @@
+#pragma once
+
+#include "jet/index_tree.h"
+#include "jet/table_store.h"
+
+#include <memory>
+#include <span>
+
+namespace jet
+{
+
+/// One order in which the rows of a table are gone through. The place stays where it is when its
+/// row is deleted; the next step then leads to a neighbour of what was there.
+class RowWalk
+{
+public:
+    virtual ~RowWalk() = default;
+
+    virtual bool first(const TableStore &table) = 0;
+    virtual bool last(const TableStore &table) = 0;
+    virtual bool next(const TableStore &table) = 0;
+    virtual bool previous(const TableStore &table) = 0;
+    virtual RowPointer row() const = 0;
+    /// The current row was given another place.
+    virtual void moved(const TableStore &table, RowPointer place) = 0;
+    /// To the first row not before a key. Throws Error(InvalidArgument) where rows have none.
+    virtual bool seek(const TableStore &table, std::span<const Value> key);
+};
+
+/// Pages ascending, rows in the order in which they were added to a page.
+std::unique_ptr<RowWalk> makeTableWalk();
+
+/// `realIndex` as in the definition.
+std::unique_ptr<RowWalk> makeIndexWalk(const TableStore &table, std::size_t realIndex,
+                                       bool backward);
+
+/// By the values of one column, equal ones in table order. The order is worked out once, here;
+/// rows added later are not met.
+std::unique_ptr<RowWalk> makeSortedWalk(const TableStore &table, std::size_t column,
+                                        bool descending);
+
+} // namespace jet

@@ -1,0 +1,367 @@
+#include "jet/table_store.h"
+
+#include "jet/table_definition_codec.h"
+#include "jet/text_codec.h"
+#include "jet/usage_map.h"
+
+#include <algorithm>
+
+namespace jet
+{
+namespace
+{
+
+/// Calls a function with each page of a definition and its content.
+template <typename Visit>
+Bytes walkDefinition(Pager &pager, PageNo page, Visit &&visit)
+{
+    Bytes definition;
+    while (page != 0) {
+        const PageRef content = pager.read(page);
+        visit(page);
+        page = onPage(page, [&] { return appendDefinitionPage(definition, *content); });
+    }
+    return definition;
+}
+
+TableDefinition loadDefinition(Pager &pager, PageNo page)
+{
+    const Bytes definition = readDefinition(pager, page);
+    return onPage(page, [&] { return parseTableDefinition(definition); });
+}
+
+} // namespace
+
+Bytes readDefinition(Pager &pager, PageNo page)
+{
+    return walkDefinition(pager, page, [](PageNo) {});
+}
+
+std::vector<PageNo> definitionPages(Pager &pager, PageNo page)
+{
+    std::vector<PageNo> pages;
+    walkDefinition(pager, page, [&](PageNo number) { pages.push_back(number); });
+    return pages;
+}
+
+Bytes indexEntry(const Bytes &key, RowPointer row)
+{
+    Bytes entry;
+    entry.reserve(key.size() + kRowIdSize);
+    appendBytes(entry, key);
+    appendRowId(entry, row);
+    return entry;
+}
+
+bool sameName(std::u16string_view left, std::u16string_view right)
+{
+    if (left == right)
+        return true;
+    try {
+        return generalSortKey(left) == generalSortKey(right);
+    } catch (const Error &) {
+        return false; // letters outside the known part of the order: only themselves
+    }
+}
+
+TableStore::TableStore(Pager &pager, PageNo definitionPage)
+    : m_pager(pager), m_page(definitionPage), m_definition(loadDefinition(pager, definitionPage)),
+      m_layout(makeRowLayout(m_definition)),
+      m_rows(pager, definitionPage, m_definition.ownedPages, m_definition.freeSpacePages)
+{
+    for (const RealIndex &index : m_definition.realIndexes) {
+        m_keyColumns.push_back(onPage(m_page, [&] { return keyColumns(m_definition, index); }));
+        std::vector<std::size_t> places;
+        for (const IndexColumn &column : index.columns)
+            places.push_back(m_definition.columnAt(column.column));
+        m_keyPlaces.push_back(std::move(places));
+    }
+    m_hasLongValues = std::ranges::any_of(m_definition.columns, &ColumnDefinition::isLongValue);
+}
+
+std::uint32_t TableStore::rowCount() const
+{
+    return readU32(*m_pager.read(m_page), kRowCountOffset);
+}
+
+std::uint32_t TableStore::lastAutonumber() const
+{
+    return readU32(*m_pager.read(m_page), kAutonumberOffset);
+}
+
+void TableStore::continueAutonumber(std::uint32_t last)
+{
+    setCount(kAutonumberOffset, last);
+}
+
+std::optional<std::size_t> TableStore::columnNamed(std::u16string_view name) const
+{
+    const auto &columns = m_definition.columns;
+    auto found = std::ranges::find(columns, name, &ColumnDefinition::name);
+    if (found == columns.end())
+        found = std::ranges::find_if(
+            columns, [&](const ColumnDefinition &column) { return sameName(column.name, name); });
+    if (found == columns.end())
+        return std::nullopt;
+    return static_cast<std::size_t>(found - columns.begin());
+}
+
+IndexTree TableStore::tree(std::size_t realIndex) const
+{
+    return {m_pager, m_page, m_definition.realIndexes[realIndex]};
+}
+
+LongValueStore TableStore::longValues(std::size_t column) const
+{
+    const auto maps = std::ranges::find(
+        m_definition.longValueMaps, m_definition.columns[column].number, &LongValueMaps::column);
+    if (maps == m_definition.longValueMaps.end())
+        throwDamaged("a column has no pages for its long values", m_page);
+    return {m_pager, *maps};
+}
+
+Value TableStore::readValue(const RowView &row, std::size_t column) const
+{
+    Value value = row.value(column);
+    const ColumnDefinition &definition = m_definition.columns[column];
+    if (!definition.isLongValue() || isNull(value))
+        return value;
+    Bytes data = longValues(column).read(decodeLongValueRef(std::get<Bytes>(value)));
+    if (definition.type == ColumnType::Memo)
+        return decodeText(data);
+    return data;
+}
+
+Row TableStore::read(RowPointer row) const
+{
+    Row values;
+    readInto(row, values);
+    return values;
+}
+
+void TableStore::readInto(RowPointer row, Row &values) const
+{
+    const StoredRow stored = m_rows.readOwned(row);
+    values.resize(m_definition.columns.size());
+    onPage(row.page, [&] {
+        const RowView view(stored.bytes, m_layout);
+        for (std::size_t column = 0; column < values.size(); ++column)
+            values[column] = readValue(view, column);
+    });
+}
+
+std::optional<IndexKey> TableStore::keyOf(std::size_t realIndex, const Row &values) const
+{
+    Row parts;
+    parts.reserve(m_keyPlaces[realIndex].size());
+    for (const std::size_t place : m_keyPlaces[realIndex])
+        parts.push_back(values[place]);
+    IndexKey key = encodeIndexKey(parts, m_keyColumns[realIndex]);
+    if (key.allNull && m_definition.realIndexes[realIndex].ignoresNulls())
+        return std::nullopt;
+    return key;
+}
+
+TableStore::Keys TableStore::keysOf(const Row &values) const
+{
+    Keys keys;
+    keys.reserve(m_definition.realIndexes.size());
+    for (std::size_t index = 0; index < m_definition.realIndexes.size(); ++index)
+        keys.push_back(keyOf(index, values));
+    return keys;
+}
+
+void TableStore::checkKey(std::size_t realIndex, const IndexKey &key) const
+{
+    const RealIndex &index = m_definition.realIndexes[realIndex];
+    if (index.isRequired() && key.anyNull)
+        throw Error(ErrorCode::NullNotAllowed, "Index or primary key cannot contain a Null value.");
+    if (index.isUnique() && !key.anyNull && tree(realIndex).hasKey(key.bytes))
+        throw Error(ErrorCode::DuplicateKey,
+                    "The changes you requested to the table were not successful because they would "
+                    "create duplicate values in the index, primary key, or relationship.");
+}
+
+Bytes TableStore::longValueData(std::size_t column, const Value &value) const
+{
+    if (const Text *text = std::get_if<Text>(&value))
+        return encodeText(*text, m_definition.columns[column].compressible);
+    return std::get<Bytes>(value);
+}
+
+/// The bytes the row will have, so far as they can be known before its long values are stored.
+Bytes TableStore::encodeWithPlans(const Row &values) const
+{
+    if (!m_hasLongValues)
+        return encodeRow(values, m_layout);
+    Row planned = values;
+    for (std::size_t column = 0; column < values.size(); ++column) {
+        if (m_definition.columns[column].isLongValue() && !isNull(values[column]))
+            planned[column] =
+                encodeLongValueRef(LongValueStore::plan(longValueData(column, values[column])));
+    }
+    return encodeRow(planned, m_layout);
+}
+
+Bytes TableStore::store(const Row &values)
+{
+    if (!m_hasLongValues)
+        return encodeRow(values, m_layout);
+    Row stored = values;
+    for (std::size_t column = 0; column < values.size(); ++column) {
+        if (m_definition.columns[column].isLongValue() && !isNull(values[column]))
+            stored[column] =
+                encodeLongValueRef(longValues(column).write(longValueData(column, values[column])));
+    }
+    return encodeRow(stored, m_layout);
+}
+
+RowPointer TableStore::insert(Row values)
+{
+    std::optional<std::uint32_t> autonumber;
+    for (std::size_t column = 0; column < values.size(); ++column) {
+        if (!m_definition.columns[column].isAutonumber())
+            continue;
+        const std::uint32_t last = lastAutonumber();
+        if (isNull(values[column]))
+            values[column] = static_cast<std::int32_t>(last + 1);
+        const auto given = static_cast<std::uint32_t>(std::get<std::int32_t>(values[column]));
+        autonumber = std::max(last, given);
+    }
+    const Keys keys = keysOf(values);
+    for (std::size_t index = 0; index < keys.size(); ++index) {
+        if (keys[index])
+            checkKey(index, *keys[index]);
+    }
+    Bytes bytes = encodeWithPlans(values);
+    if (m_hasLongValues)
+        bytes = store(values);
+    const RowPointer row = m_rows.insert(bytes);
+    for (std::size_t index = 0; index < keys.size(); ++index) {
+        if (keys[index])
+            addEntry(index, *keys[index], row, true);
+    }
+    addToCount(kRowCountOffset, 1);
+    if (autonumber)
+        continueAutonumber(*autonumber);
+    return row;
+}
+
+/// `count`: the key counts as another one when the index does not hold it yet.
+void TableStore::addEntry(std::size_t realIndex, const IndexKey &key, RowPointer row, bool count)
+{
+    IndexTree index = tree(realIndex);
+    const bool isNew =
+        count && (m_definition.realIndexes[realIndex].isUnique() || !index.hasKey(key.bytes));
+    index.insert(indexEntry(key.bytes, row));
+    if (isNew)
+        addToCount(uniqueCountOffset(realIndex), 1);
+}
+
+void TableStore::removeEntry(std::size_t realIndex, const IndexKey &key, RowPointer row)
+{
+    tree(realIndex).erase(indexEntry(key.bytes, row));
+}
+
+RowPointer TableStore::update(RowPointer row, const Row &values, const std::vector<bool> &changed)
+{
+    const Keys oldKeys = keysOf(read(row));
+    const Keys newKeys = keysOf(values);
+    const auto sameKey = [&](std::size_t index) {
+        const auto &left = oldKeys[index];
+        const auto &right = newKeys[index];
+        return left.has_value() == right.has_value() && (!left || left->bytes == right->bytes);
+    };
+    for (std::size_t index = 0; index < newKeys.size(); ++index) {
+        if (newKeys[index] && !sameKey(index))
+            checkKey(index, *newKeys[index]);
+    }
+    Bytes bytes = encodeWithPlans(values);
+    if (m_hasLongValues)
+        bytes = storeChanged(row, values, changed);
+    const RowPointer place = m_rows.replace(row, bytes);
+    for (std::size_t index = 0; index < newKeys.size(); ++index) {
+        if (place == row && sameKey(index))
+            continue;
+        if (oldKeys[index])
+            removeEntry(index, *oldKeys[index], row);
+        if (newKeys[index])
+            addEntry(index, *newKeys[index], place, !sameKey(index));
+    }
+    return place;
+}
+
+/// Stores the long values that have changed instead of the old ones; the row's bytes.
+Bytes TableStore::storeChanged(RowPointer row, const Row &values, const std::vector<bool> &changed)
+{
+    const StoredRow stored = m_rows.read(row);
+    const RowView view(stored.bytes, m_layout);
+    Row references = values;
+    for (std::size_t column = 0; column < values.size(); ++column) {
+        if (!m_definition.columns[column].isLongValue())
+            continue;
+        const Value reference = view.value(column);
+        if (!changed[column]) {
+            references[column] = reference;
+            continue;
+        }
+        if (!isNull(reference))
+            longValues(column).erase(decodeLongValueRef(std::get<Bytes>(reference)));
+        if (!isNull(values[column]))
+            references[column] =
+                encodeLongValueRef(longValues(column).write(longValueData(column, values[column])));
+    }
+    return encodeRow(references, m_layout);
+}
+
+void TableStore::erase(RowPointer row)
+{
+    const Keys keys = keysOf(read(row));
+    const StoredRow stored = m_rows.read(row);
+    for (std::size_t index = 0; index < keys.size(); ++index) {
+        if (keys[index])
+            removeEntry(index, *keys[index], row);
+    }
+    if (m_hasLongValues) {
+        const RowView view(stored.bytes, m_layout);
+        for (std::size_t column = 0; column < m_definition.columns.size(); ++column) {
+            if (m_definition.columns[column].isLongValue() && !view.isNull(column))
+                longValues(column).erase(decodeLongValueRef(view.stored(column)));
+        }
+    }
+    m_rows.erase(row);
+    addToCount(kRowCountOffset, -1);
+}
+
+void TableStore::clear()
+{
+    std::vector<PageNo> unused;
+    const auto alsoUnused = [&](const std::vector<PageNo> &pages) {
+        unused.insert(unused.end(), pages.begin(), pages.end());
+    };
+    for (std::size_t index = 0; index < m_definition.realIndexes.size(); ++index) {
+        alsoUnused(tree(index).clear());
+        setCount(uniqueCountOffset(index), 0);
+    }
+    for (std::size_t column = 0; column < m_definition.columns.size(); ++column) {
+        if (m_definition.columns[column].isLongValue())
+            alsoUnused(longValues(column).clear());
+    }
+    alsoUnused(m_rows.clear());
+    setCount(kRowCountOffset, 0);
+    PageAllocator(m_pager).release(unused);
+}
+
+void TableStore::addToCount(std::size_t offset, std::int64_t difference)
+{
+    const std::int64_t count = readU32(*m_pager.read(m_page), offset) + difference;
+    // Files of other programs may start from a count that was too low.
+    setCount(offset, static_cast<std::uint32_t>(std::max<std::int64_t>(count, 0)));
+}
+
+void TableStore::setCount(std::size_t offset, std::uint32_t count)
+{
+    writeU32(m_pager.edit(m_page), offset, count);
+}
+
+} // namespace jet
