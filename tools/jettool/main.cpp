@@ -1,0 +1,205 @@
+// jettool: looks into .mdb files, checks them, makes and compacts them. Everything but create and
+// compact only reads and leaves the file as it is.
+
+#include "tools/jettool/export.h"
+
+#include "jet/compact.h"
+#include "jet/database.h"
+#include "jet/date_text.h"
+#include "jet/text_codec.h"
+
+#include <chrono>
+#include <ctime>
+#include <functional>
+#include <iostream>
+#include <string_view>
+#include <vector>
+
+namespace
+{
+
+constexpr std::string_view kUsage =
+    "usage: jettool COMMAND FILE [ARGUMENTS]\n"
+    "\n"
+    "  create FILE             make an empty database; FILE must not exist\n"
+    "  tables FILE             names of the tables, one per line\n"
+    "  schema FILE [TABLE]     columns and indexes as CREATE statements\n"
+    "  count FILE TABLE        number of records\n"
+    "  dump FILE [TABLE]       records as comma-separated values; every table when none is named\n"
+    "  dump --json FILE [TABLE]\n"
+    "                          records as JSON, one object per line\n"
+    "  check FILE              walk every page, map, row and index; exit code 1 when something is\n"
+    "                          wrong, with the page and the reason on each line\n"
+    "  compact FILE            write all tables into a new file that replaces FILE\n"
+    "\n"
+    "exit code: 0 done, 1 damage found or failed, 2 wrong usage\n";
+
+constexpr int kFailed = 1;
+constexpr int kWrongUsage = 2;
+
+/// Thrown for a command line that means nothing.
+struct UsageError {
+    std::string what;
+};
+
+using Arguments = std::vector<std::string>;
+
+jet::DateTime now()
+{
+    const std::time_t seconds = std::time(nullptr);
+    std::tm local{};
+#ifdef _WIN32
+    localtime_s(&local, &seconds);
+#else
+    localtime_r(&seconds, &local);
+#endif
+    using namespace std::chrono;
+    const sys_days day = year(local.tm_year + 1900) / (local.tm_mon + 1) / local.tm_mday;
+    const auto days = (day - sys_days(year(1899) / 12 / 30)).count();
+    const double time = (local.tm_hour * 60.0 + local.tm_min) * 60.0 + local.tm_sec;
+    return {static_cast<double>(days) + time / 86400.0};
+}
+
+jet::Database openForReading(const std::string &file)
+{
+    jet::OpenOptions options;
+    options.readOnly = true;
+    return jet::Database::open(file, options);
+}
+
+/// The named table, or all of them.
+std::vector<jet::Table> chosenTables(const jet::Database &database, const Arguments &arguments)
+{
+    std::vector<jet::Table> tables;
+    if (arguments.size() > 1) {
+        tables.push_back(database.table(jet::fromUtf8(arguments[1])));
+    } else {
+        for (const jet::Text &name : database.tables())
+            tables.push_back(database.table(name));
+    }
+    return tables;
+}
+
+void wantArguments(const Arguments &arguments, std::size_t least, std::size_t most)
+{
+    if (arguments.size() < least)
+        throw UsageError{"too few arguments"};
+    if (arguments.size() > most)
+        throw UsageError{"too many arguments"};
+}
+
+int create(const Arguments &arguments)
+{
+    wantArguments(arguments, 1, 1);
+    jet::Database::create(arguments[0], now());
+    return 0;
+}
+
+int listTables(const Arguments &arguments)
+{
+    wantArguments(arguments, 1, 1);
+    for (const jet::Text &name : openForReading(arguments[0]).tables())
+        std::cout << jet::toUtf8(name) << '\n';
+    return 0;
+}
+
+int schema(const Arguments &arguments)
+{
+    wantArguments(arguments, 1, 2);
+    const jet::Database database = openForReading(arguments[0]);
+    for (const jet::Table &table : chosenTables(database, arguments))
+        jettool::writeSchema(std::cout, table);
+    return 0;
+}
+
+int count(const Arguments &arguments)
+{
+    wantArguments(arguments, 2, 2);
+    const jet::Database database = openForReading(arguments[0]);
+    std::cout << database.table(jet::fromUtf8(arguments[1])).recordCount() << '\n';
+    return 0;
+}
+
+int dump(Arguments arguments)
+{
+    const bool json = std::erase(arguments, "--json") != 0;
+    wantArguments(arguments, 1, 2);
+    const jet::Database database = openForReading(arguments[0]);
+    const jet::Snapshot snapshot(database);
+    const bool several = arguments.size() == 1;
+    for (const jet::Table &table : chosenTables(database, arguments)) {
+        if (several)
+            std::cout << (json ? "// " : "# ") << jet::toUtf8(table.name()) << '\n';
+        if (json)
+            jettool::writeJsonLines(std::cout, table);
+        else
+            jettool::writeCsv(std::cout, table);
+    }
+    return 0;
+}
+
+int check(const Arguments &arguments)
+{
+    wantArguments(arguments, 1, 1);
+    const std::vector<jet::Finding> findings = openForReading(arguments[0]).check();
+    for (const jet::Finding &finding : findings)
+        std::cout << "page " << finding.page << ": " << finding.reason << '\n';
+    return findings.empty() ? 0 : kFailed;
+}
+
+int compact(const Arguments &arguments)
+{
+    wantArguments(arguments, 1, 1);
+    jet::compactDatabase(arguments[0], now());
+    return 0;
+}
+
+int run(const Arguments &words)
+{
+    if (words.empty())
+        throw UsageError{"no command"};
+    const std::string &command = words.front();
+    const Arguments arguments(words.begin() + 1, words.end());
+    const std::pair<std::string_view, std::function<int(const Arguments &)>> commands[] = {
+        {"create", create}, {"tables", listTables}, {"schema", schema},   {"count", count},
+        {"dump", dump},     {"check", check},       {"compact", compact},
+    };
+    if (command == "--help" || command == "-h" || command == "help") {
+        std::cout << kUsage;
+        return 0;
+    }
+    for (const auto &[name, function] : commands) {
+        if (name == command)
+            return function(arguments);
+    }
+    throw UsageError{"unknown command '" + command + "'"};
+}
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    std::ios::sync_with_stdio(false);
+    try {
+        const int result = run(Arguments(argv + 1, argv + argc));
+        std::cout.flush();
+        if (!std::cout) {
+            std::cerr << "jettool: writing the output failed\n";
+            return kFailed;
+        }
+        return result;
+    } catch (const UsageError &error) {
+        std::cerr << "jettool: " << error.what << "\n\n" << kUsage;
+        return kWrongUsage;
+    } catch (const jet::Error &error) {
+        std::cout.flush();
+        std::cerr << "jettool: " << error.number() << ' ' << error.what();
+        if (error.page() != 0)
+            std::cerr << " (page " << error.page() << ')';
+        std::cerr << '\n';
+        return kFailed;
+    } catch (const std::exception &error) {
+        std::cerr << "jettool: " << error.what() << '\n';
+        return kFailed;
+    }
+}
