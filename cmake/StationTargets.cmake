@@ -8,6 +8,10 @@ if(MSVC)
 else()
     target_compile_options(station_options INTERFACE
         -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror)
+    if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
+        # False alarms on std::string operator+ (GCC bug 105651).
+        target_compile_options(station_options INTERFACE -Wno-restrict)
+    endif()
 endif()
 if(STATION_SANITIZE)
     target_compile_options(station_options INTERFACE
