@@ -125,11 +125,11 @@ TEST_F(EveryType, TwoHundredColumnsOverManyPages)
 
     std::string expected;
     for (int row = 0; row < 30; ++row) {
-        Row values(200);
-        for (std::size_t i = 0; i < values.size(); ++i) {
+        Assignments values;
+        for (std::size_t i = 0; i < design.columns.size(); ++i) {
             const int number = 200 * row + static_cast<int>(i);
             const bool null = i != 0 && number % 7 == 0;
-            values[i] = null ? Value{} : Value(number);
+            values.emplace_back(design.columns[i].name, null ? Value{} : Value(number));
             expected += i == 0 ? "" : ",";
             if (types[i % 4] == ColumnType::Boolean)
                 expected += null ? "0" : "1";
