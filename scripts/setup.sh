@@ -1,0 +1,33 @@
+# Sourced by the scripts at the root: installs what they need, and only what is missing.
+
+build_packages=(ccache cmake g++ ninja-build qt6-base-dev qt6-serialport-dev libqcustomplot-dev)
+test_packages=(libgmock-dev libgtest-dev mdbtools)
+
+as_root() {
+    if [ "$(id -u)" -eq 0 ]; then "$@"; else sudo "$@"; fi
+}
+
+is_installed() {
+    dpkg-query -W -f '${Status}' "$1" 2>/dev/null | grep -q '^install ok installed$'
+}
+
+# install_packages NAME...: through apt, as root or with sudo.
+install_packages() {
+    if ! command -v apt-get >/dev/null; then
+        command -v cmake >/dev/null && command -v ninja >/dev/null && return 0
+        printf 'This system has no apt. Install the counterparts of these Debian packages,\nthen start again:\n  %s\n' "$*" >&2
+        return 1
+    fi
+    local package missing=()
+    for package in "$@"; do
+        is_installed "$package" || missing+=("$package")
+    done
+    [ ${#missing[@]} -eq 0 ] && return 0
+    if [ "$(id -u)" -ne 0 ] && ! command -v sudo >/dev/null; then
+        printf 'These packages are missing and need root to be installed:\n  apt-get install %s\n' "${missing[*]}" >&2
+        return 1
+    fi
+    printf 'Installing: %s\n' "${missing[*]}"
+    as_root apt-get update -q
+    as_root env DEBIAN_FRONTEND=noninteractive apt-get install -y -q --no-install-recommends "${missing[@]}"
+}

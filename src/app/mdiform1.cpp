@@ -1,0 +1,78 @@
+#include "app/mdiform1.h"
+#include "app/main_menu.h"
+#include "app/texts.h"
+#include "platform/twips.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QCloseEvent>
+#include <QMdiArea>
+#include <QMdiSubWindow>
+#include <QMenu>
+#include <QMenuBar>
+
+MDIForm1::MDIForm1(std::function<bool()> mayClose)
+    : m_mayClose(std::move(mayClose)), m_area(new QMdiArea(this))
+{
+    setObjectName(QStringLiteral("MDIForm1"));
+    setWindowTitle(texts::applicationTitle() + QStringLiteral(" v") +
+                   QCoreApplication::applicationVersion());
+    setCentralWidget(m_area);
+    m_area->viewport()->installEventFilter(this);
+    buildMainMenu(*menuBar());
+    for (QAction *item : menuItems(*menuBar()))
+        if (!item->menu())
+            item->setEnabled(false);
+}
+
+void MDIForm1::setCommand(const QString &item, std::function<void()> command)
+{
+    QAction *action = menuItem(*menuBar(), item);
+    connect(action, &QAction::triggered, this, std::move(command));
+    action->setEnabled(true);
+}
+
+void MDIForm1::setItemEnabled(const QString &item, bool enabled)
+{
+    menuItem(*menuBar(), item)->setEnabled(enabled);
+}
+
+void MDIForm1::popUp(const QString &submenu, const QPoint &globalPosition)
+{
+    menuItem(*menuBar(), submenu)->menu()->popup(globalPosition);
+}
+
+QMdiSubWindow *MDIForm1::addChild(QWidget *child)
+{
+    QMdiSubWindow *frame = m_area->addSubWindow(child);
+    frame->setObjectName(child->objectName() + QStringLiteral("Frame"));
+    return frame;
+}
+
+void MDIForm1::bringUp(QWidget *child)
+{
+    QWidget *frame = child->parentWidget();
+    child->show();
+    if (frame->isMinimized())
+        frame->showNormal();
+    else
+        frame->show();
+    m_area->setActiveSubWindow(qobject_cast<QMdiSubWindow *>(frame));
+    child->setFocus();
+}
+
+QSize MDIForm1::innerSize() const
+{
+    const QSize pixels = m_area->viewport()->size();
+    return {twipsFromPixels(pixels.width()), twipsFromPixels(pixels.height())};
+}
+
+void MDIForm1::closeEvent(QCloseEvent *event) { event->setAccepted(m_mayClose()); }
+
+bool MDIForm1::eventFilter(QObject *watched, QEvent *event)
+{
+    // The main window's own resize event comes before the area has its new size.
+    if (watched == m_area->viewport() && event->type() == QEvent::Resize)
+        QMetaObject::invokeMethod(this, &MDIForm1::areaResized, Qt::QueuedConnection);
+    return QMainWindow::eventFilter(watched, event);
+}

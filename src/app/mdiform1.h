@@ -1,0 +1,43 @@
+#pragma once
+
+#include <QMainWindow>
+#include <functional>
+
+class QMdiArea;
+class QMdiSubWindow;
+
+/// The main window: the menu bar and the area that holds the other windows. It knows no command:
+/// the program gives every menu item its own.
+class MDIForm1 final : public QMainWindow
+{
+    Q_OBJECT
+public:
+    /// `mayClose` runs the closing dialogue and says whether the window goes.
+    explicit MDIForm1(std::function<bool()> mayClose);
+
+    /// Enables the menu item of that name and runs `command` when it is chosen.
+    void setCommand(const QString &item, std::function<void()> command);
+    void setItemEnabled(const QString &item, bool enabled);
+    /// Pops up the submenu of that name.
+    void popUp(const QString &submenu, const QPoint &globalPosition);
+
+    /// Puts a window into a frame of the area, which owns both from then on. Not shown yet.
+    QMdiSubWindow *addChild(QWidget *child);
+    /// Shows a child window, restored when it was minimised, and gives it the focus.
+    void bringUp(QWidget *child);
+
+    /// Inner size of the area, in twips.
+    QSize innerSize() const;
+
+signals:
+    /// The area has another size.
+    void areaResized();
+
+protected:
+    void closeEvent(QCloseEvent *event) override;
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
+private:
+    std::function<bool()> m_mayClose;
+    QMdiArea *m_area;
+};

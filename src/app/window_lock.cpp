@@ -1,0 +1,54 @@
+#include "app/window_lock.h"
+#include "app/main_menu.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QMainWindow>
+#include <QMdiArea>
+#include <QMdiSubWindow>
+#include <QMenuBar>
+#include <algorithm>
+
+void WindowLock::lock(const QWidget &dialog)
+{
+    salveaza_stare_meniu();
+    seteaza_meniu(false);
+    activeaza_ferestre(dialog, false);
+}
+
+void WindowLock::release(const QWidget &dialog)
+{
+    seteaza_meniu(true);
+    activeaza_ferestre(dialog, true);
+}
+
+void WindowLock::salveaza_stare_meniu()
+{
+    StareMeniu.clear();
+    for (const QAction *item : menuItems(*m_window.menuBar()))
+        StareMeniu.push_back({item->objectName(), item->isEnabled()});
+}
+
+void WindowLock::seteaza_meniu(bool enable)
+{
+    for (QAction *item : menuItems(*m_window.menuBar())) {
+        const bool wasEnabled =
+            std::any_of(StareMeniu.cbegin(), StareMeniu.cend(), [&](const ItemState &state) {
+                return state.enabled && state.name == item->objectName();
+            });
+        if (!enable || wasEnabled)
+            item->setEnabled(enable);
+    }
+}
+
+void WindowLock::activeaza_ferestre(const QWidget &dialog, bool enable)
+{
+    // The frame of a child window is disabled, not what it holds: its close button counts too.
+    for (QMdiArea *area : m_window.findChildren<QMdiArea *>())
+        for (QMdiSubWindow *frame : area->subWindowList())
+            if (frame->widget() != &dialog)
+                frame->setEnabled(enable);
+    for (QWidget *window : QApplication::topLevelWidgets())
+        if (window != &m_window && window != &dialog && window->windowType() != Qt::Popup)
+            window->setEnabled(enable);
+}

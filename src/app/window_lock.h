@@ -1,0 +1,37 @@
+#pragma once
+
+#include <QString>
+#include <vector>
+
+class QMainWindow;
+class QWidget;
+
+/// Makes a modeless dialog modal-like: while it is open the main window's menus and every other
+/// window are disabled. The dialog's side gives everything back when it closes.
+class WindowLock
+{
+public:
+    struct ItemState {
+        QString name;
+        bool enabled;
+    };
+
+    /// The main window must outlive the lock.
+    explicit WindowLock(QMainWindow &window) : m_window(window) {}
+
+    /// salveaza_stare_meniu, then menus off, then every other window off.
+    void lock(const QWidget &dialog);
+    /// Menus as they were, every other window on.
+    void release(const QWidget &dialog);
+
+    /// Records the name and enabled state of every menu item, submenus included, in StareMeniu.
+    void salveaza_stare_meniu();
+    /// Disables every menu item, or enables those whose recorded state was enabled.
+    void seteaza_meniu(bool enable);
+    /// Sets the enabled state of every open window of the program but the main one and `dialog`.
+    void activeaza_ferestre(const QWidget &dialog, bool enable);
+
+private:
+    QMainWindow &m_window;
+    std::vector<ItemState> StareMeniu;
+};
