@@ -1,7 +1,6 @@
 #include "app/mdiform1.h"
 #include "app/main_menu.h"
 #include "app/texts.h"
-#include "platform/twips.h"
 
 #include <QAction>
 #include <QApplication>
@@ -61,11 +60,7 @@ void MDIForm1::bringUp(QWidget *child)
     child->setFocus();
 }
 
-QSize MDIForm1::innerSize() const
-{
-    const QSize pixels = m_area->viewport()->size();
-    return {twipsFromPixels(pixels.width()), twipsFromPixels(pixels.height())};
-}
+QSize MDIForm1::innerSize() const { return m_area->viewport()->size(); }
 
 void MDIForm1::closeEvent(QCloseEvent *event) { event->setAccepted(m_mayClose()); }
 

@@ -26,7 +26,7 @@ public:
     /// Shows a child window, restored when it was minimised, and gives it the focus.
     void bringUp(QWidget *child);
 
-    /// Inner size of the area, in twips.
+    /// Size of the area that holds the child windows, in pixels.
     QSize innerSize() const;
 
 signals:

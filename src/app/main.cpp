@@ -1,0 +1,23 @@
+#include "app/program.h"
+#include "app/station_application.h"
+#include "app/texts.h"
+#include "platform/clock.h"
+#include "platform/desktop_shell.h"
+#include "platform/message_box_operator.h"
+
+int main(int argc, char **argv)
+{
+    StationApplication application(argc, argv);
+    SystemClock clock;
+    MessageBoxOperator op(texts::applicationTitle());
+    DesktopShell shell;
+    int exitCode = 0;
+    application.guard([&] {
+        Program program({QCoreApplication::applicationDirPath(), QLocale::system(), clock, op, shell,
+                         [] { QCoreApplication::exit(0); }});
+        QObject::connect(&application, &StationApplication::failing, &program, &Program::halt);
+        program.start();
+        exitCode = application.exec();
+    });
+    return exitCode;
+}

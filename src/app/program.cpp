@@ -1,0 +1,177 @@
+#include "app/program.h"
+#include "acquisition/form2.h"
+#include "app/texts.h"
+#include "diagrams/form1.h"
+#include "platform/line_settings.h"
+#include "platform/operator.h"
+#include "platform/qt_serial_line.h"
+#include "platform/runtime_error.h"
+#include "platform/shell.h"
+
+#include <QMdiSubWindow>
+
+/// The diagrams as the monitoring cycle sees them.
+class Program::Feed final : public DiagramFeed
+{
+public:
+    explicit Feed(Program &program) : m_program(program) {}
+
+    void adauga_citiri(const std::vector<Sensor> &sensors) override
+    {
+        m_program.m_diagrams.adauga_citiri(sensors);
+    }
+    void showAtOrigin() override { m_program.showDiagramsAtOrigin(); }
+    void goleste_diagramele() override { m_program.m_diagrams.goleste_diagramele(); }
+
+private:
+    Program &m_program;
+};
+
+/// The storage as the monitoring cycle sees it.
+class Program::Store final : public SampleStore
+{
+public:
+    explicit Store(MeasurementStore &storage) : m_storage(storage) {}
+
+    void adauga_inregistrare(const QString &name) override { m_storage.adauga_inregistrare(name); }
+    void arhiveaza_baza_date(const QString &name) override { m_storage.arhiveaza_baza_date(name); }
+
+private:
+    MeasurementStore &m_storage;
+};
+
+Program::Program(Environment environment)
+    : m_environment(std::move(environment)), m_settings(m_station, m_environment.op),
+      m_storage(m_station, m_environment.op, m_environment.clock),
+      m_diagrams(m_station, m_settings, m_environment.clock),
+      m_window([this] { return closingDialogue(); }), m_lock(m_window), m_scheduler(m_window),
+      m_feed(std::make_unique<Feed>(*this)), m_store(std::make_unique<Store>(m_storage))
+{
+    m_station.appFolder = m_environment.appFolder;
+    m_station.locale = m_environment.locale;
+}
+
+Program::~Program() = default;
+
+void Program::start()
+{
+    createControlPlc();
+    connectCommands();
+    m_window.showMaximized();
+    showDiagrams();
+}
+
+void Program::halt()
+{
+    m_station.monitorActive = false;
+    if (m_cycle)
+        m_cycle->stop();
+}
+
+void Program::createControlPlc()
+{
+    LineSettings line;
+    if (const auto port = m_settings.optionalValue(QStringLiteral("ControlPlc.CommPort =")))
+        line.port = *port;
+    if (const auto text = m_settings.optionalValue(QStringLiteral("ControlPlc.Settings =")))
+        parseLineSettings(*text, line);
+    m_controlPlc = std::make_unique<QtSerialLine>(line);
+    m_exchange =
+        std::make_unique<Exchange>(m_station, *m_controlPlc, m_scheduler, m_environment.op);
+    m_cycle = std::make_unique<MonitoringCycle>(m_station, *m_exchange, *m_feed, *m_store,
+                                                m_environment.clock, m_scheduler);
+}
+
+void Program::connectCommands()
+{
+    const auto command = [this](const char *item, auto method) {
+        m_window.setCommand(QString::fromLatin1(item), [this, method] { (this->*method)(); });
+    };
+    command("DeschidDiag", &Program::showDiagrams);
+    command("DeschidCentruControl", &Program::showControlCentre);
+    command("DocProg", &Program::openHelp);
+    m_window.setCommand(QStringLiteral("ExitProg"), [this] { closingDialogue(); });
+    connect(&m_window, &MDIForm1::areaResized, this, &Program::layOut);
+    connect(&m_storage, &MeasurementStore::monitorStopped, this,
+            [this] { controlCentre().scrie_stare_monitor(); });
+}
+
+void Program::showDiagrams()
+{
+    if (!m_form1)
+        createForm1();
+    m_window.bringUp(m_form1);
+}
+
+void Program::createForm1()
+{
+    m_form1 = new Form1(m_station, m_diagrams);
+    m_window.addChild(m_form1);
+    connect(m_form1, &Form1::startRequested, this,
+            [this] { controlCentre().StartMonCommand_Click(); });
+    connect(m_form1, &Form1::stopRequested, this,
+            [this] { controlCentre().StopMonCommand_Click(); });
+    connect(m_form1, &Form1::initRequested, this,
+            [this] { controlCentre().InitDiagCommand_Click(); });
+    connect(m_form1, &Form1::fileMenuRequested, this, [this](const QPoint &position) {
+        m_window.popUp(QStringLiteral("MeniuFisier"), position);
+    });
+    connect(m_form1, &Form1::controlCentreRequested, this, &Program::showControlCentre);
+    connect(m_form1, &Form1::menusEnabled, this, [this](bool enabled) {
+        for (const char *item : {"MeniuPres", "MeniuPrint", "MeniuTemp"})
+            m_window.setItemEnabled(QString::fromLatin1(item), enabled);
+    });
+    m_window.bringUp(m_form1);
+    m_form1->load(m_window.innerSize());
+}
+
+void Program::showDiagramsAtOrigin()
+{
+    showDiagrams();
+    m_form1->parentWidget()->move(0, 0);
+}
+
+Form2 &Program::controlCentre()
+{
+    if (!m_form2) {
+        m_form2 = new Form2(*m_cycle, m_station);
+        m_window.addChild(m_form2)->hide();
+    }
+    return *m_form2;
+}
+
+void Program::showControlCentre() { m_window.bringUp(&controlCentre()); }
+
+void Program::openHelp()
+{
+    try {
+        m_environment.shell.open(m_station.helpPath(), Shell::Window::Normal);
+    } catch (const RuntimeError &error) {
+        m_environment.op.tell(error.description(), Operator::Icon::Critical);
+    }
+}
+
+void Program::layOut()
+{
+    if (m_station.diagramsOpen)
+        m_form1->aranjare_diagrame(m_window.innerSize());
+}
+
+bool Program::closingDialogue()
+{
+    switch (m_environment.op.ask(texts::askArchiveNow())) {
+    case Operator::Answer::Cancel:
+        return false;
+    case Operator::Answer::Yes:
+        archiveAllStorageFiles();
+        break;
+    case Operator::Answer::No:
+        break;
+    }
+    halt();
+    m_controlPlc->close();
+    m_environment.endProgram();
+    return true;
+}
+
+void Program::archiveAllStorageFiles() { m_storage.arhiveaza_baza_date(m_station.NumeFisier[0]); }

@@ -1,0 +1,85 @@
+#pragma once
+
+#include "acquisition/exchange.h"
+#include "acquisition/monitoring_cycle.h"
+#include "acquisition/ports.h"
+#include "app/mdiform1.h"
+#include "app/settings/settings.h"
+#include "app/settings/station.h"
+#include "app/window_lock.h"
+#include "diagrams/live_diagrams.h"
+#include "platform/scheduler.h"
+#include "storage/measurement_store.h"
+
+#include <QPointer>
+#include <functional>
+#include <memory>
+
+class Form1;
+class Form2;
+class Operator;
+class SerialLine;
+class Shell;
+
+/// The running station: owns the shared state, the rooms' objects and the windows, and connects
+/// them. main and the demonstration differ only in what they give it.
+class Program final : public QObject
+{
+    Q_OBJECT
+public:
+    struct Environment {
+        QString appFolder; ///< the station's folder
+        QLocale locale;    ///< of the screen
+        Clock &clock;
+        Operator &op;
+        Shell &shell;
+        std::function<void()> endProgram; ///< after the closing dialogue; ends the event loop
+    };
+
+    /// Everything in `environment` must outlive the program.
+    explicit Program(Environment environment);
+    ~Program() override;
+
+    /// Shows the main window, creates ControlPlc and opens the live diagrams, whose loading reads
+    /// the settings. Throws RuntimeError when the settings cannot be used.
+    void start();
+
+    /// Stops whatever acts by itself: a failure is about to end the program.
+    void halt();
+
+    /// Monitoring, through the control centre's own handlers.
+    Form2 &controlCentre();
+    Station &station() { return m_station; }
+    MDIForm1 &window() { return m_window; }
+
+private:
+    class Feed;
+    class Store;
+
+    void createControlPlc();
+    void connectCommands();
+    void showDiagrams();
+    void createForm1();
+    void showDiagramsAtOrigin();
+    void showControlCentre();
+    void archiveAllStorageFiles();
+    void openHelp();
+    void layOut();
+    bool closingDialogue();
+
+    Environment m_environment;
+    Station m_station;
+    Settings m_settings;
+    MeasurementStore m_storage;
+    LiveDiagrams m_diagrams;
+    MDIForm1 m_window; // owns the windows, which use all that stands above it
+    WindowLock m_lock;
+    QtScheduler m_scheduler;
+    std::unique_ptr<Feed> m_feed;
+    std::unique_ptr<Store> m_store;
+    std::unique_ptr<SerialLine> m_controlPlc;
+    std::unique_ptr<Exchange> m_exchange;
+    std::unique_ptr<MonitoringCycle> m_cycle;
+    QPointer<Form1> m_form1;
+    QPointer<Form2> m_form2;
+};

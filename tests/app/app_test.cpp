@@ -1,0 +1,94 @@
+#include "app/main_menu.h"
+#include "app/mdiform1.h"
+#include "app/screen_size.h"
+#include "app/window_lock.h"
+
+#include <QAction>
+#include <QDialog>
+#include <QMdiSubWindow>
+#include <QMenuBar>
+#include <gtest/gtest.h>
+
+TEST(DimensiuniEcran, ThreeStandardHeightsAreLaidOutAsFourToThree)
+{
+    const struct {
+        QSize pixels;
+        int height, width;
+    } cases[] = {{{1280, 768}, 11520, 15360}, {{1280, 1024}, 15360, 19200}, {{800, 480}, 7200, 9600},
+                 {{1024, 600}, 9000, 12000},  {{1920, 1080}, 16200, 28800}, {{3840, 2160}, 32400, 32767},
+                 {{7680, 4320}, 32767, 32767}};
+    for (const auto &c : cases) {
+        const ScreenSize size = dimensiuni_ecran(c.pixels);
+        EXPECT_EQ(size.InaltimeEcran, c.height);
+        EXPECT_EQ(size.LatimeEcran, c.width);
+    }
+}
+
+namespace
+{
+
+class MainWindowTest : public ::testing::Test
+{
+protected:
+    QAction *item(const char *name) { return menuItem(*window.menuBar(), QString::fromLatin1(name)); }
+
+    bool mayClose = false;
+    MDIForm1 window{[this] { return mayClose; }};
+};
+
+} // namespace
+
+TEST_F(MainWindowTest, EveryItemIsThereOnceAndACommandWithoutWorkIsDisabled)
+{
+    QStringList names;
+    for (const QAction *action : menuItems(*window.menuBar()))
+        names += action->objectName();
+    EXPECT_EQ(names.size(), 26);
+    EXPECT_EQ(names.removeDuplicates(), 0);
+    EXPECT_EQ(item("SalvareImg")->text(), "Salvare &imagine diagrame");
+    EXPECT_FALSE(item("SalvareImg")->isEnabled());
+
+    int runs = 0;
+    window.setCommand("SalvareImg", [&] { ++runs; });
+    item("SalvareImg")->trigger();
+    EXPECT_EQ(runs, 1);
+}
+
+TEST_F(MainWindowTest, LockGivesMenusAndWindowsBackAsTheyWere)
+{
+    window.setCommand("DeschidDiag", [] {});
+    window.setItemEnabled("MeniuPrint", false);
+    auto *diagrams = new QWidget;
+    auto *inner = new QWidget;
+    QMdiSubWindow *frame = window.addChild(diagrams);
+    QMdiSubWindow *innerFrame = window.addChild(inner);
+    QDialog dialog;
+    QDialog other;
+    window.show();
+    other.show();
+
+    WindowLock lock(window);
+    lock.lock(*inner);
+    EXPECT_FALSE(frame->isEnabled());
+    EXPECT_TRUE(innerFrame->isEnabled());
+    EXPECT_FALSE(other.isEnabled());
+    EXPECT_TRUE(window.isEnabled());
+    for (const QAction *action : menuItems(*window.menuBar()))
+        EXPECT_FALSE(action->isEnabled()) << action->objectName().toStdString();
+
+    lock.release(*inner);
+    EXPECT_TRUE(frame->isEnabled());
+    EXPECT_TRUE(other.isEnabled());
+    EXPECT_TRUE(item("DeschidDiag")->isEnabled());
+    EXPECT_TRUE(item("MeniuFisier")->isEnabled());
+    EXPECT_FALSE(item("MeniuPrint")->isEnabled()) << "was disabled before";
+}
+
+TEST_F(MainWindowTest, ClosesOnlyWhenTheDialogueLetsIt)
+{
+    window.show();
+    EXPECT_FALSE(window.close());
+    EXPECT_TRUE(window.isVisible());
+    mayClose = true;
+    EXPECT_TRUE(window.close());
+}
