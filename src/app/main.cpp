@@ -13,8 +13,8 @@ int main(int argc, char **argv)
     DesktopShell shell;
     int exitCode = 0;
     application.guard([&] {
-        Program program({QCoreApplication::applicationDirPath(), QLocale::system(), clock, op, shell,
-                         [] { QCoreApplication::exit(0); }});
+        Program program({QCoreApplication::applicationDirPath(), QLocale::system(), clock, op,
+                         shell, [] { QCoreApplication::exit(0); }});
         QObject::connect(&application, &StationApplication::failing, &program, &Program::halt);
         program.start();
         exitCode = application.exec();

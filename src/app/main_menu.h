@@ -9,7 +9,8 @@ class QMenuBar;
 /// are plain actions.
 void buildMainMenu(QMenuBar &bar);
 
-/// Every item of the bar in its order, submenus before what they hold; objectName is the item's name.
+/// Every item of the bar in its order, submenus before what they hold; objectName is the item's
+/// name.
 QList<QAction *> menuItems(const QMenuBar &bar);
 
 /// The item of that name; there must be one.

@@ -60,9 +60,15 @@ void MDIForm1::bringUp(QWidget *child)
     child->setFocus();
 }
 
-QSize MDIForm1::innerSize() const { return m_area->viewport()->size(); }
+QSize MDIForm1::innerSize() const
+{
+    return m_area->viewport()->size();
+}
 
-void MDIForm1::closeEvent(QCloseEvent *event) { event->setAccepted(m_mayClose()); }
+void MDIForm1::closeEvent(QCloseEvent *event)
+{
+    event->setAccepted(m_mayClose());
+}
 
 bool MDIForm1::eventFilter(QObject *watched, QEvent *event)
 {

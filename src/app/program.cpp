@@ -140,7 +140,10 @@ Form2 &Program::controlCentre()
     return *m_form2;
 }
 
-void Program::showControlCentre() { m_window.bringUp(&controlCentre()); }
+void Program::showControlCentre()
+{
+    m_window.bringUp(&controlCentre());
+}
 
 void Program::openHelp()
 {
@@ -174,4 +177,7 @@ bool Program::closingDialogue()
     return true;
 }
 
-void Program::archiveAllStorageFiles() { m_storage.arhiveaza_baza_date(m_station.NumeFisier[0]); }
+void Program::archiveAllStorageFiles()
+{
+    m_storage.arhiveaza_baza_date(m_station.NumeFisier[0]);
+}

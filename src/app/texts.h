@@ -5,7 +5,10 @@
 namespace texts
 {
 /// Title of the application: message boxes, the main window's caption, the About box.
-inline QString applicationTitle() { return QStringLiteral("Monitorizare PLC"); }
+inline QString applicationTitle()
+{
+    return QStringLiteral("Monitorizare PLC");
+}
 inline QString askArchiveNow()
 {
     return QStringLiteral("Doriti sa salvati arhivele acum? (recomandat doar daca nu veti mai "

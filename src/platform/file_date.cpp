@@ -1,7 +1,10 @@
 #include "platform/file_date.h"
 #include "platform/clock.h"
 
-static QString twoDigits(int number) { return QStringLiteral("%1").arg(number, 2, 10, QChar(u'0')); }
+static QString twoDigits(int number)
+{
+    return QStringLiteral("%1").arg(number, 2, 10, QChar(u'0'));
+}
 
 QString data_pentru_fisier(const Clock &clock, bool cu_ora, bool cu_minut)
 {

@@ -4,7 +4,10 @@
 
 namespace texts
 {
-inline QString storageFileMissing() { return QStringLiteral("Fisierul de stocare nu exista !!"); }
+inline QString storageFileMissing()
+{
+    return QStringLiteral("Fisierul de stocare nu exista !!");
+}
 inline QString repaired(const QString &name)
 {
     return QStringLiteral("S-a reparat baza de date %1 !").arg(name);

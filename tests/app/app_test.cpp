@@ -14,8 +14,9 @@ TEST(DimensiuniEcran, ThreeStandardHeightsAreLaidOutAsFourToThree)
     const struct {
         QSize pixels;
         int height, width;
-    } cases[] = {{{1280, 768}, 11520, 15360}, {{1280, 1024}, 15360, 19200}, {{800, 480}, 7200, 9600},
-                 {{1024, 600}, 9000, 12000},  {{1920, 1080}, 16200, 28800}, {{3840, 2160}, 32400, 32767},
+    } cases[] = {{{1280, 768}, 11520, 15360},  {{1280, 1024}, 15360, 19200},
+                 {{800, 480}, 7200, 9600},     {{1024, 600}, 9000, 12000},
+                 {{1920, 1080}, 16200, 28800}, {{3840, 2160}, 32400, 32767},
                  {{7680, 4320}, 32767, 32767}};
     for (const auto &c : cases) {
         const ScreenSize size = dimensiuni_ecran(c.pixels);
@@ -30,7 +31,10 @@ namespace
 class MainWindowTest : public ::testing::Test
 {
 protected:
-    QAction *item(const char *name) { return menuItem(*window.menuBar(), QString::fromLatin1(name)); }
+    QAction *item(const char *name)
+    {
+        return menuItem(*window.menuBar(), QString::fromLatin1(name));
+    }
 
     bool mayClose = false;
     MDIForm1 window{[this] { return mayClose; }};

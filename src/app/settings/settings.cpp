@@ -1,37 +1,18 @@
 #include "app/settings/settings.h"
 #include "app/settings/config_text.h"
 #include "app/settings/texts.h"
+#include "platform/durable_file.h"
 #include "platform/numeric_text.h"
 #include "platform/operator.h"
 #include "platform/runtime_error.h"
 
-#include <QDir>
 #include <QFile>
-#include <QFileInfo>
-#include <QSaveFile>
 #include <algorithm>
 
 namespace
 {
 
 constexpr int kSensorsPerDiagram = 3;
-
-RuntimeError fileError(const QFileDevice &file)
-{
-    const QFileInfo info(file.fileName());
-    if (!info.dir().exists())
-        return RuntimeError(RuntimeError::PathNotFound);
-    if (!info.exists())
-        return RuntimeError(RuntimeError::FileNotFound);
-    switch (file.error()) {
-    case QFileDevice::ResourceError:
-        return RuntimeError(RuntimeError::DiskFull);
-    case QFileDevice::PermissionsError:
-        return RuntimeError(RuntimeError::PermissionDenied);
-    default:
-        return RuntimeError(RuntimeError::PathFileAccess);
-    }
-}
 
 const Diagrama &diagramNamed(const Station &station, const QString &name)
 {
@@ -99,15 +80,6 @@ QByteArray Settings::readFile() const
     return content;
 }
 
-void Settings::replaceFile(const QByteArray &content) const
-{
-    QSaveFile file(m_station.configPath());
-    if (!file.open(QIODevice::WriteOnly))
-        throw fileError(file);
-    if (file.write(content) != content.size() || !file.commit())
-        throw fileError(file);
-}
-
 void Settings::sizeLists(int count)
 {
     m_station.Chei.clear();
@@ -145,7 +117,7 @@ void Settings::scrie_config(const QStringList &Chei, int last)
         m_operator.tell(texts::configError(), Operator::Icon::Critical);
         return;
     }
-    replaceFile(*content);
+    replaceFile(m_station.configPath(), *content);
 }
 
 std::optional<QString> Settings::optionalValue(const QString &key) const

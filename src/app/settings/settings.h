@@ -50,7 +50,6 @@ public:
 
 private:
     QByteArray readFile() const;
-    void replaceFile(const QByteArray &content) const;
     void sizeLists(int count);
 
     Station &m_station;

@@ -1,0 +1,105 @@
+#include "platform/durable_file.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QSaveFile>
+#include <cerrno>
+#ifdef Q_OS_UNIX
+#include <fcntl.h>
+#include <unistd.h>
+#endif
+
+namespace
+{
+
+#ifdef Q_OS_WIN
+constexpr int kSystemDiskFull = 112; // ERROR_DISK_FULL
+#else
+constexpr int kSystemDiskFull = ENOSPC;
+#endif
+
+constexpr qint64 kCopyBlock = 1 << 20; // bytes
+
+/// A rename lives in the folder: without this it may be lost with the power although what is done
+/// after it is not.
+void syncFolderOf(const QString &path)
+{
+#ifdef Q_OS_UNIX
+    const QByteArray folder = QFile::encodeName(QFileInfo(path).absolutePath());
+    const int descriptor = ::open(folder.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (descriptor < 0)
+        return; // a folder that may be written but not read: its file system decides
+    ::fsync(descriptor);
+    ::close(descriptor);
+#else
+    Q_UNUSED(path); // the system writes its folder entries through
+#endif
+}
+
+void writeAll(QSaveFile &file, QByteArrayView bytes)
+{
+    // A full disk first takes less than it was given, and only then says why.
+    while (!bytes.isEmpty()) {
+        const qint64 written = file.write(bytes.data(), bytes.size());
+        if (written <= 0)
+            throw fileError(file);
+        bytes = bytes.sliced(written);
+    }
+}
+
+void commit(QSaveFile &file)
+{
+    if (!file.commit())
+        throw fileError(file);
+    syncFolderOf(file.fileName());
+}
+
+} // namespace
+
+RuntimeError fileError(const QFileDevice &file)
+{
+    // The toolkit has no code of its own for a full disk, only the system's text.
+    if (file.errorString() == qt_error_string(kSystemDiskFull))
+        return RuntimeError(RuntimeError::DiskFull);
+    const QFileInfo info(file.fileName());
+    if (!info.dir().exists())
+        return RuntimeError(RuntimeError::PathNotFound);
+    switch (file.error()) {
+    case QFileDevice::PermissionsError:
+        return RuntimeError(RuntimeError::PermissionDenied);
+    case QFileDevice::OpenError:
+        if (!info.exists())
+            return RuntimeError(RuntimeError::FileNotFound);
+        break;
+    default:
+        break;
+    }
+    return RuntimeError(RuntimeError::PathFileAccess);
+}
+
+void replaceFile(const QString &path, const QByteArray &content)
+{
+    QSaveFile file(path);
+    if (!file.open(QIODevice::WriteOnly))
+        throw fileError(file);
+    writeAll(file, content);
+    commit(file);
+}
+
+void copyFile(const QString &source, const QString &target)
+{
+    QFile in(source);
+    if (!in.open(QIODevice::ReadOnly))
+        throw fileError(in);
+    QSaveFile out(target);
+    if (!out.open(QIODevice::WriteOnly))
+        throw fileError(out);
+    while (!in.atEnd()) {
+        const QByteArray block = in.read(kCopyBlock);
+        if (block.isEmpty())
+            throw fileError(in);
+        writeAll(out, block);
+    }
+    commit(out);
+}
