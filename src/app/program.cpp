@@ -94,6 +94,7 @@ void Program::connectCommands()
     connect(&m_window, &MDIForm1::areaResized, this, &Program::layOut);
     connect(&m_storage, &MeasurementStore::monitorStopped, this,
             [this] { controlCentre().scrie_stare_monitor(); });
+    connect(&m_storage, &MeasurementStore::recordStored, this, &Program::sampleStored);
 }
 
 void Program::showDiagrams()
@@ -134,7 +135,7 @@ void Program::showDiagramsAtOrigin()
 Form2 &Program::controlCentre()
 {
     if (!m_form2) {
-        m_form2 = new Form2(*m_cycle, m_station);
+        m_form2 = new Form2(*m_cycle, m_station, m_controlCentrePosition);
         m_window.addChild(m_form2)->hide();
     }
     return *m_form2;

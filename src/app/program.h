@@ -9,6 +9,7 @@
 #include "app/window_lock.h"
 #include "diagrams/live_diagrams.h"
 #include "platform/scheduler.h"
+#include "platform/window_frame.h"
 #include "storage/measurement_store.h"
 
 #include <QPointer>
@@ -44,6 +45,8 @@ public:
     /// the settings. Throws RuntimeError when the settings cannot be used.
     void start();
 
+    void showControlCentre();
+
     /// Stops whatever acts by itself: a failure is about to end the program.
     void halt();
 
@@ -51,6 +54,10 @@ public:
     Form2 &controlCentre();
     Station &station() { return m_station; }
     MDIForm1 &window() { return m_window; }
+
+signals:
+    /// A record with that Id is safely in the storage file.
+    void sampleStored(int id);
 
 private:
     class Feed;
@@ -61,7 +68,6 @@ private:
     void showDiagrams();
     void createForm1();
     void showDiagramsAtOrigin();
-    void showControlCentre();
     void archiveAllStorageFiles();
     void openHelp();
     void layOut();
@@ -75,6 +81,7 @@ private:
     MDIForm1 m_window; // owns the windows, which use all that stands above it
     WindowLock m_lock;
     QtScheduler m_scheduler;
+    WindowPosition m_controlCentrePosition;
     std::unique_ptr<Feed> m_feed;
     std::unique_ptr<Store> m_store;
     std::unique_ptr<SerialLine> m_controlPlc;

@@ -1,6 +1,9 @@
 #pragma once
 
 #include <QObject>
+#include <QSet>
+#include <functional>
+#include <optional>
 
 class Clock;
 class Operator;
@@ -8,10 +11,9 @@ struct Station;
 
 /// The station's measurement files: the append of one sample, the repair of a table whose sequence
 /// numbers collide, and the daily archive. Every file is opened and closed within each call; each
-/// call is all or nothing in the file, whenever it is cut off.
+/// change is all or nothing in the file, whenever it is cut off.
 ///
-/// Failures are told to the operator here, as each call says; no exception leaves but those that
-/// no part of the station can name.
+/// Failures of files and databases are told to the operator here, as each call says.
 class MeasurementStore : public QObject
 {
     Q_OBJECT
@@ -25,14 +27,46 @@ public:
     /// description are told and monitoring goes on.
     void adauga_inregistrare(const QString &nume);
 
+    /// Rebuilds Tabel of storage file `nume` and says so. While another program has the file open
+    /// the operator is asked to close it, again and again. Any other failure: number and
+    /// description are told, the file is as it was.
+    void repara_baza_date(const QString &nume);
+
+    /// Removes a Tabel2 that was left behind in the first storage file. Throws jet::Error.
+    void sterge_tabel_temporar();
+
+    /// Copies storage file `nume` to the archive of today, then removes all its records. An archive
+    /// of the same day is replaced. File already empty: the operator is told, the (empty) archive
+    /// stays. Any other failure: number and description are told; records are removed only when
+    /// the archive is safely on the disk.
+    void arhiveaza_baza_date(const QString &nume);
+
 signals:
     /// A missing storage file has ended monitoring.
     void monitorStopped();
+    /// A record with that Id is safely in the file.
+    void recordStored(int id);
+    /// The database browser holds the file open and has to close now, within this signal.
+    void browserMustClose();
+    /// The browser that was closed for the archive may come back.
+    void browserMayReopen();
 
 private:
-    void appendRecord(const QString &path);
+    struct Failure {
+        int number;
+        QString description;
+    };
+
+    static std::optional<Failure> attempt(const std::function<void()> &action);
+    void tellFailure(const Failure &failure);
+    int appendRecord(const QString &nume);
+    void retryWhileLocked(const QString &nume, const std::function<void()> &step,
+                          std::optional<Failure> &failure);
+    void archiveAndEmpty(const QString &storage, const QString &archive) const;
 
     Station &m_station;
     Operator &m_operator;
     const Clock &m_clock;
+    /// Storage files whose numbers still collide after a repair: records are missing in the middle.
+    QSet<QString> m_gaps;
 };

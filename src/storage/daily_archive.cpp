@@ -1,0 +1,61 @@
+// The daily archive of the measurement store.
+
+#include "app/settings/station.h"
+#include "jet/database.h"
+#include "platform/durable_file.h"
+#include "platform/file_date.h"
+#include "platform/operator.h"
+#include "storage/measurement_store.h"
+#include "storage/storage_file.h"
+#include "storage/tabel.h"
+#include "storage/texts.h"
+
+#include <QFileInfo>
+
+void MeasurementStore::arhiveaza_baza_date(const QString &nume)
+{
+    const bool browserWasOpen = m_station.FormMdbDeschis;
+    if (browserWasOpen)
+        emit browserMustClose();
+    const QString archive = m_station.archiveFolder() + QStringLiteral("arh_") +
+                            data_pentru_fisier(m_clock, false, false) + QLatin1Char('_') + nume;
+    const std::optional<Failure> failure =
+        attempt([&] { archiveAndEmpty(m_station.storagePath(nume), archive); });
+    if (failure) {
+        if (failure->number == static_cast<int>(jet::ErrorCode::NoCurrentRecord))
+            m_operator.tell(texts::storageEmpty(nume), Operator::Icon::Exclamation);
+        else
+            tellFailure(*failure);
+        return;
+    }
+    m_gaps.remove(nume);
+    if (browserWasOpen)
+        emit browserMayReopen();
+}
+
+void MeasurementStore::archiveAndEmpty(const QString &storage, const QString &archive) const
+{
+    if (!QFileInfo::exists(storage))
+        throw RuntimeError(RuntimeError::FileNotFound);
+    // Opening finishes what a stopped program left undone, and the transaction keeps others from
+    // writing between the copy and the emptying. A file that cannot be opened is copied all the
+    // same: its bytes may be all that is left of the day.
+    std::optional<jet::Database> database;
+    std::optional<jet::Transaction> transaction;
+    std::exception_ptr notOpened;
+    try {
+        database.emplace(jet::Database::open(nativePath(storage)));
+        transaction.emplace(*database);
+    } catch (const jet::Error &) {
+        notOpened = std::current_exception();
+    }
+    copyFile(storage, archive);
+    if (notOpened)
+        std::rethrow_exception(notOpened);
+
+    jet::Table table = database->table(tabel::kName);
+    if (!table.records().first())
+        throw jet::Error(jet::ErrorCode::NoCurrentRecord, "No current record.");
+    table.deleteAll();
+    transaction->commit();
+}

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <QWidget>
+
+class Operator;
+class QPushButton;
+class QTableView;
+class RecordsetModel;
+struct Station;
+
+/// The database browser: the records of the current storage file, newest first. It never changes
+/// the file. Selected cells are copied with Ctrl+C, columns parted by tabs.
+///
+/// While it is loaded Station::FormMdbDeschis is set and the file is held open; the repair and the
+/// archive close the window first.
+class FormMdb : public QWidget
+{
+    Q_OBJECT
+public:
+    /// Both must outlive the window.
+    FormMdb(Station &station, Operator &op, QWidget *parent = nullptr);
+    ~FormMdb() override;
+
+    /// Lays out the grid above the refresh button.
+    void aranjare();
+
+    /// Loads the grid anew. A failure is told with number and description; the grid is then empty.
+    void sortare();
+
+protected:
+    bool event(QEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
+    void keyReleaseEvent(QKeyEvent *event) override;
+    void closeEvent(QCloseEvent *event) override;
+
+private:
+    void unload();
+    void fitColumns();
+    void copySelection() const;
+    void tellFailure(int number, const QString &description);
+
+    Station &m_station;
+    Operator &m_operator;
+    RecordsetModel *m_data;
+    QTableView *m_grid;
+    QPushButton *m_refresh;
+    bool m_firstData = true; ///< the data have not been loaded yet
+};

@@ -1,0 +1,155 @@
+#include "storage/measurement_store.h"
+#include "app/settings/station.h"
+#include "jet/database.h"
+#include "platform/clock.h"
+#include "platform/operator.h"
+#include "platform/runtime_error.h"
+#include "storage/storage_file.h"
+#include "storage/tabel.h"
+#include "storage/table_repair.h"
+#include "storage/texts.h"
+
+#include <QFileInfo>
+#include <algorithm>
+
+namespace
+{
+
+const Sensor *sensorOfColumn(const Station &station, const jet::Text &column)
+{
+    const QString name = QString::fromStdU16String(column);
+    const auto found = std::find_if(station.sensors.cbegin(), station.sensors.cend(),
+                                    [&](const Sensor &sensor) { return sensor.label == name; });
+    return found == station.sensors.cend() ? nullptr : &*found;
+}
+
+jet::Assignments sampleValues(const Station &station, const jet::Table &table)
+{
+    jet::Assignments values;
+    bool alarm = false;
+    for (const jet::ColumnDesign &column : table.design().columns) {
+        const Sensor *sensor = sensorOfColumn(station, column.name);
+        if (!sensor)
+            continue;
+        values.emplace_back(column.name, sensor->value);
+        alarm = alarm || sensor->alarm;
+    }
+    if (alarm)
+        values.emplace_back(tabel::kAlarma, tabel::kYes);
+    return values;
+}
+
+std::int32_t largestId(const jet::Table &table)
+{
+    jet::Cursor newest = table.sortedBy(tabel::kId, jet::Order::Descending);
+    const jet::Value id = newest.first() ? newest.value(tabel::kId) : jet::Value();
+    return std::holds_alternative<std::int32_t>(id) ? std::get<std::int32_t>(id) : 0;
+}
+
+} // namespace
+
+MeasurementStore::MeasurementStore(Station &station, Operator &op, const Clock &clock)
+    : m_station(station), m_operator(op), m_clock(clock)
+{
+}
+
+std::optional<MeasurementStore::Failure>
+MeasurementStore::attempt(const std::function<void()> &action)
+{
+    try {
+        action();
+    } catch (const jet::Error &error) {
+        return Failure{error.number(), QString::fromUtf8(error.what())};
+    } catch (const RuntimeError &error) {
+        return Failure{error.number(), error.description()};
+    }
+    return std::nullopt;
+}
+
+void MeasurementStore::tellFailure(const Failure &failure)
+{
+    m_operator.tell(texts::numberedError(failure.number, failure.description));
+}
+
+void MeasurementStore::adauga_inregistrare(const QString &nume)
+{
+    if (nume.isEmpty() || !QFileInfo(m_station.storagePath(nume)).isFile()) {
+        m_operator.tell(texts::storageFileMissing(), Operator::Icon::Critical);
+        m_station.monitorActive = false;
+        emit monitorStopped();
+        return;
+    }
+    int id = 0;
+    const std::optional<Failure> failure = attempt([&] { id = appendRecord(nume); });
+    if (!failure)
+        emit recordStored(id);
+    else if (failure->number == static_cast<int>(jet::ErrorCode::DuplicateKey))
+        repara_baza_date(nume);
+    else
+        tellFailure(*failure);
+}
+
+int MeasurementStore::appendRecord(const QString &nume)
+{
+    jet::Database database = jet::Database::open(nativePath(m_station.storagePath(nume)));
+    jet::Table table = database.table(tabel::kName);
+    jet::Assignments record{{tabel::kId, static_cast<std::int32_t>(table.recordCount() + 1)}};
+    const jet::Assignments values = sampleValues(m_station, table);
+    record.insert(record.end(), values.begin(), values.end());
+    record.emplace_back(tabel::kData, tabel::dateValue(m_clock.now().date()));
+    record.emplace_back(tabel::kOra, tabel::timeValue(m_clock.now().time()));
+    try {
+        table.append(record);
+    } catch (const jet::Error &error) {
+        // A repair copies the numbers as they are. Where records are missing in the middle the next
+        // one collides again, for the rest of the day: each sample would be lost to a new repair.
+        if (error.code() != jet::ErrorCode::DuplicateKey || !m_gaps.contains(nume))
+            throw;
+        record.front().second = largestId(table) + 1;
+        table.append(record);
+    }
+    return std::get<std::int32_t>(record.front().second);
+}
+
+void MeasurementStore::retryWhileLocked(const QString &nume, const std::function<void()> &step,
+                                        std::optional<Failure> &failure)
+{
+    constexpr int kLocked = static_cast<int>(jet::ErrorCode::TableLocked);
+    while (!failure) {
+        const std::optional<Failure> result = attempt(step);
+        if (!result)
+            return;
+        if (result->number == kLocked)
+            m_operator.tell(texts::lockedByOther(nume), Operator::Icon::Critical);
+        else
+            failure = result;
+    }
+}
+
+void MeasurementStore::repara_baza_date(const QString &nume)
+{
+    std::optional<Failure> failure;
+    retryWhileLocked(nume, [this] { sterge_tabel_temporar(); }, failure);
+    if (m_station.FormMdbDeschis)
+        emit browserMustClose();
+    retryWhileLocked(
+        nume,
+        [&] {
+            jet::Database database = jet::Database::open(nativePath(m_station.storagePath(nume)));
+            rebuildTabel(database, tabel::momentValue(m_clock.now()));
+        },
+        failure);
+    if (failure) {
+        tellFailure(*failure);
+        return;
+    }
+    m_gaps.insert(nume);
+    m_operator.tell(texts::repaired(nume));
+}
+
+void MeasurementStore::sterge_tabel_temporar()
+{
+    jet::Database database =
+        jet::Database::open(nativePath(m_station.storagePath(m_station.NumeFisier[0])));
+    dropScratchTable(database);
+}

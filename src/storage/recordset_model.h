@@ -1,0 +1,50 @@
+#pragma once
+
+#include "jet/cursor.h"
+#include "jet/database.h"
+
+#include <QAbstractTableModel>
+#include <QCache>
+#include <optional>
+#include <vector>
+
+struct Station;
+
+/// The records of table Tabel, newest (largest Id) first, for a grid: the file stays open for
+/// reading, records are fetched as they are shown. Opening costs the same whatever the size of the
+/// day; what is appended later appears with the next open().
+///
+/// A failure while a record is fetched is kept in failure() and signalled once; the cells stay
+/// empty.
+class RecordsetModel : public QAbstractTableModel
+{
+    Q_OBJECT
+public:
+    explicit RecordsetModel(const Station &station, QObject *parent = nullptr);
+    ~RecordsetModel() override;
+
+    /// Throws jet::Error; the model is then empty.
+    void open(const QString &path);
+    /// Lets the file go and empties the grid.
+    void close();
+
+    int rowCount(const QModelIndex &parent = {}) const override;
+    int columnCount(const QModelIndex &parent = {}) const override;
+    QVariant data(const QModelIndex &index, int role) const override;
+    QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
+
+signals:
+    /// The file could no longer be read: number and description.
+    void failed(int number, const QString &description) const;
+
+private:
+    struct Recordset;
+
+    const jet::Row *fetch(int row) const;
+    QString text(const jet::Value &value, std::size_t column) const;
+    bool isAlarm(const jet::Row &row) const;
+
+    const Station &m_station;
+    mutable std::unique_ptr<Recordset> m_recordset;
+    mutable bool m_failed = false;
+};

@@ -1,0 +1,37 @@
+#pragma once
+
+#include "jet/table_design.h"
+#include "jet/value.h"
+
+#include <QDateTime>
+
+/// The one place that knows how table Tabel of a storage file is made. Everything else finds its
+/// columns by name, so that a table designed differently in a database program works too.
+namespace tabel
+{
+
+inline const jet::Text kName = u"Tabel";
+/// The table that a repair builds before it takes the other one's place.
+inline const jet::Text kScratchName = u"Tabel2";
+inline const jet::Text kPrimaryIndex = u"IndexPrimar";
+
+inline const jet::Text kId = u"Id";
+inline const jet::Text kAlarma = u"Alarma";
+inline const jet::Text kData = u"Data";
+inline const jet::Text kOra = u"Ora";
+/// What Alarma holds for a sample in alarm; otherwise the column is not assigned.
+inline const jet::Text kYes = u"Yes";
+
+/// Id long, Senzor1 to Senzor6 double, Alarma text, Data and Ora date/time; IndexPrimar on Id.
+jet::TableDesign design();
+
+/// The primary unique index on Id.
+jet::IndexDesign primaryIndex();
+
+/// A date without a time of day, and a time of day (whole seconds) without a date.
+jet::DateTime dateValue(QDate date);
+jet::DateTime timeValue(QTime time);
+/// A date with its time of day, to the second.
+jet::DateTime momentValue(const QDateTime &moment);
+
+} // namespace tabel

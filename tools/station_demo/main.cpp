@@ -1,0 +1,112 @@
+// The station without a display: the same windows on the offscreen platform, started through their
+// own handlers, take a dozen samples; then the stored rows are read back from the file.
+
+#include "acquisition/form2.h"
+#include "app/main_menu.h"
+#include "app/program.h"
+#include "app/station_application.h"
+#include "platform/operator.h"
+#include "platform/shell.h"
+#include "storage/stored_rows.h"
+
+#include <QAction>
+#include <QDir>
+#include <QMenuBar>
+#include <QTimer>
+#include <cstdio>
+
+using namespace std::chrono_literals;
+
+namespace
+{
+
+constexpr int kSamples = 12;
+constexpr auto kPatience = 60s;
+constexpr QSize kWindowSize(1280, 860);
+
+void print(const QString &text)
+{
+    std::printf("%s\n", qUtf8Printable(text));
+    std::fflush(stdout);
+}
+
+/// Nobody sits at a demonstration: messages are printed, questions answered with No.
+class PrintingOperator final : public Operator
+{
+public:
+    void tell(const QString &text, Icon) override { print(QStringLiteral("Message: ") + text); }
+    Answer ask(const QString &text) override
+    {
+        print(QStringLiteral("Question: ") + text + QStringLiteral(" -> No"));
+        return Answer::No;
+    }
+};
+
+class PrintingShell final : public Shell
+{
+public:
+    void open(const QString &path, Window) override { print(QStringLiteral("Opens ") + path); }
+};
+
+int takeSamples(StationApplication &application, const QString &folder)
+{
+    SystemClock clock;
+    PrintingOperator op;
+    PrintingShell shell;
+    Program program({folder, QLocale::system(), clock, op, shell, [] { QCoreApplication::quit(); }});
+    QObject::connect(&application, &StationApplication::failing, &program, &Program::halt);
+
+    int stored = 0;
+    QObject::connect(&program, &Program::sampleStored, &program, [&](int id) {
+        print(QStringLiteral("Sample %1 of %2 stored, Id %3").arg(++stored).arg(kSamples).arg(id));
+        if (stored < kSamples)
+            return;
+        program.controlCentre().StopMonCommand_Click();
+        const QString picture = folder + QStringLiteral("/img/main_window.png");
+        program.window().grab().save(picture);
+        print(QStringLiteral("Picture of the main window: ") + picture);
+        menuItem(*program.window().menuBar(), QStringLiteral("ExitProg"))->trigger();
+    });
+    QTimer::singleShot(kPatience, &program, [] {
+        print(QStringLiteral("The samples did not come in time."));
+        QCoreApplication::exit(EXIT_FAILURE);
+    });
+
+    program.start();
+    program.window().showNormal();
+    program.window().resize(kWindowSize);
+    program.showControlCentre();
+    program.controlCentre().StartMonCommand_Click();
+    return application.exec();
+}
+
+void printStoredRows(const QString &path)
+{
+    print(QStringLiteral("The newest rows of table Tabel in %1:").arg(path));
+    for (const StoredRow &row : newestRows(path, kSamples)) {
+        QString line = QStringLiteral("%1 %2").arg(row.Id, 6).arg(
+            row.moment.toString(QStringLiteral("yyyy-MM-dd HH:mm:ss")));
+        for (const double value : row.values)
+            line += QStringLiteral("%1").arg(value, 8, 'f', 1);
+        print(line + (row.alarm ? QStringLiteral("  ALARM") : QString()));
+    }
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    StationApplication application(argc, argv);
+    application.showReport = [](const QString &) {}; // standard error has it already
+    if (argc != 2) {
+        std::fprintf(stderr, "usage: station_demo STATION_FOLDER\n");
+        return 2;
+    }
+    const QString folder = QDir(QString::fromLocal8Bit(argv[1])).absolutePath();
+    int exitCode = EXIT_FAILURE;
+    application.guard([&] {
+        exitCode = takeSamples(application, folder);
+        printStoredRows(folder + QStringLiteral("/mdb/autoclava1.mdb"));
+    });
+    return exitCode;
+}
