@@ -11,6 +11,7 @@
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QPushButton>
+#include <QShortcut>
 #include <QTableView>
 
 namespace
@@ -31,6 +32,7 @@ QTableView *makeGrid(QWidget *parent, QAbstractItemModel *model)
     grid->verticalHeader()->setDefaultSectionSize(grid->fontMetrics().height() + 6);
     grid->verticalHeader()->hide();
     grid->horizontalHeader()->setHighlightSections(false);
+    grid->horizontalHeader()->setResizeContentsPrecision(0); // only what is shown is measured
     return grid;
 }
 
@@ -47,6 +49,10 @@ FormMdb::FormMdb(Station &station, Operator &op, QWidget *parent)
     m_refresh->setObjectName(QStringLiteral("cmdRefresh"));
     resize(kPreferredSize);
     connect(m_refresh, &QPushButton::clicked, this, &FormMdb::sortare);
+    // The grid itself would copy one cell only.
+    auto *copy = new QShortcut(QKeySequence::Copy, m_grid);
+    copy->setContext(Qt::WidgetShortcut);
+    connect(copy, &QShortcut::activated, this, &FormMdb::copySelection);
     // Told from the event loop: the grid is being painted when the file fails.
     connect(m_data, &RecordsetModel::failed, this, &FormMdb::tellFailure, Qt::QueuedConnection);
     aranjare();
@@ -123,14 +129,6 @@ void FormMdb::resizeEvent(QResizeEvent *event)
 {
     QWidget::resizeEvent(event);
     aranjare();
-}
-
-void FormMdb::keyPressEvent(QKeyEvent *event)
-{
-    if (event->matches(QKeySequence::Copy))
-        copySelection();
-    else
-        QWidget::keyPressEvent(event);
 }
 
 void FormMdb::keyReleaseEvent(QKeyEvent *event)

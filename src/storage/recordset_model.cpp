@@ -1,5 +1,6 @@
 #include "storage/recordset_model.h"
 #include "app/settings/station.h"
+#include "jet/value_conversion.h"
 #include "platform/date_text.h"
 #include "platform/numeric_text.h"
 #include "storage/storage_file.h"
@@ -134,7 +135,7 @@ QString RecordsetModel::text(const jet::Value &value, std::size_t column) const
         return numberText(*number, locale);
     if (jet::isNull(value))
         return {};
-    return QString::fromStdU16String(jet::textOf(value));
+    return QString::fromStdString(jet::defaultText(value));
 }
 
 bool RecordsetModel::isAlarm(const jet::Row &row) const

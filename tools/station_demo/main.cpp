@@ -5,9 +5,12 @@
 #include "app/main_menu.h"
 #include "app/program.h"
 #include "app/station_application.h"
+#include "jet/database.h"
+#include "jet/value_conversion.h"
 #include "platform/operator.h"
 #include "platform/shell.h"
-#include "storage/stored_rows.h"
+#include "storage/storage_file.h"
+#include "storage/tabel.h"
 
 #include <QAction>
 #include <QDir>
@@ -80,15 +83,27 @@ int takeSamples(StationApplication &application, const QString &folder)
     return application.exec();
 }
 
-void printStoredRows(const QString &path)
+QString textOf(const jet::Value &value)
 {
-    print(QStringLiteral("The newest rows of table Tabel in %1:").arg(path));
-    for (const StoredRow &row : newestRows(path, kSamples)) {
-        QString line = QStringLiteral("%1 %2").arg(row.Id, 6).arg(
-            row.moment.toString(QStringLiteral("yyyy-MM-dd HH:mm:ss")));
-        for (const double value : row.values)
-            line += QStringLiteral("%1").arg(value, 8, 'f', 1);
-        print(line + (row.alarm ? QStringLiteral("  ALARM") : QString()));
+    return QString::fromStdString(jet::defaultText(value));
+}
+
+/// Reads back from the file what the samples left there.
+void printNewestRows(const QString &path)
+{
+    jet::OpenOptions options;
+    options.readOnly = true;
+    const jet::Database database = jet::Database::open(nativePath(path), options);
+    const jet::Table table = database.table(tabel::kName);
+    print(QStringLiteral("Table Tabel of %1 holds %2 rows; the newest:")
+              .arg(path)
+              .arg(table.recordCount()));
+    jet::Cursor records = table.byIndex(tabel::kPrimaryIndex, jet::Order::Descending);
+    for (int shown = 0; shown < kSamples && records.next(); ++shown) {
+        QStringList columns;
+        for (const jet::Value &value : records.row())
+            columns += textOf(value).leftJustified(8);
+        print(columns.join(QLatin1Char(' ')));
     }
 }
 
@@ -106,7 +121,7 @@ int main(int argc, char **argv)
     int exitCode = EXIT_FAILURE;
     application.guard([&] {
         exitCode = takeSamples(application, folder);
-        printStoredRows(folder + QStringLiteral("/mdb/autoclava1.mdb"));
+        printNewestRows(folder + QStringLiteral("/mdb/autoclava1.mdb"));
     });
     return exitCode;
 }
