@@ -1,11 +1,11 @@
 #pragma once
 
 #include "app/settings/station.h"
+#include "chart/chart_grid.h"
 
 #include <memory>
 #include <vector>
 
-class ChartGrid;
 class Settings;
 
 /// Sets every sensor point of a chart to the lower graph limit of one diagram, shows the row labels

@@ -50,7 +50,7 @@ void Table::append(const Assignments &assignments)
     });
 }
 
-void Table::append(Row values)
+void Table::appendRow(Row values)
 {
     m_session->write([&] {
         TableStore &table = store();
@@ -61,6 +61,11 @@ void Table::append(Row values)
             values[column] = convertValue(values[column], columns[column]);
         table.insert(std::move(values));
     });
+}
+
+Row Table::record(RowPointer bookmark) const
+{
+    return m_session->read([&] { return store().read(bookmark); });
 }
 
 void Table::deleteAll()

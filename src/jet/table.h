@@ -35,7 +35,10 @@ public:
     /// Error(NoSuchItem), Error(TypeConversion), Error(ValueTooLong), Error(RecordTooLarge).
     void append(const Assignments &assignments);
     /// The same with one value for every column, in their order.
-    void append(Row values);
+    void appendRow(Row values);
+
+    /// The record that Cursor::bookmark() named. Throws Error(RecordDeleted).
+    Row record(RowPointer bookmark) const;
 
     /// Removes all records and gives their pages back.
     void deleteAll();

@@ -59,7 +59,10 @@ FormMdb::FormMdb(Station &station, Operator &op, QWidget *parent)
     m_station.FormMdbDeschis = true;
 }
 
-FormMdb::~FormMdb() { unload(); }
+FormMdb::~FormMdb()
+{
+    unload();
+}
 
 void FormMdb::unload()
 {

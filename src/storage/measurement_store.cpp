@@ -129,7 +129,8 @@ void MeasurementStore::retryWhileLocked(const QString &nume, const std::function
 void MeasurementStore::repara_baza_date(const QString &nume)
 {
     std::optional<Failure> failure;
-    retryWhileLocked(nume, [this] { sterge_tabel_temporar(); }, failure);
+    retryWhileLocked(
+        nume, [this] { sterge_tabel_temporar(); }, failure);
     if (m_station.FormMdbDeschis)
         emit browserMustClose();
     retryWhileLocked(

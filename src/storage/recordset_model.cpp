@@ -44,8 +44,7 @@ struct RecordsetModel::Recordset {
         : database(jet::Database::open(nativePath(path), options)),
           table(database.table(tabel::kName)), design(table.design()),
           count(static_cast<int>(table.recordCount())),
-          walk(table.sortedBy(tabel::kId, jet::Order::Descending)),
-          reader(table.sortedBy(tabel::kId, jet::Order::Descending))
+          walk(table.sortedBy(tabel::kId, jet::Order::Descending))
     {
     }
 
@@ -53,8 +52,7 @@ struct RecordsetModel::Recordset {
     jet::Table table;
     jet::TableDesign design;
     int count;
-    jet::Cursor walk;   ///< finds where the records are, in their order, as far as was asked for
-    jet::Cursor reader; ///< goes to records found before
+    jet::Cursor walk; ///< finds where the records are, in their order, as far as was asked for
     std::vector<jet::RowPointer> found;
     QCache<int, jet::Row> rows{kCachedRows};
 };
@@ -94,9 +92,8 @@ int RecordsetModel::rowCount(const QModelIndex &parent) const
 
 int RecordsetModel::columnCount(const QModelIndex &parent) const
 {
-    return m_recordset && !parent.isValid()
-               ? static_cast<int>(m_recordset->design.columns.size())
-               : 0;
+    return m_recordset && !parent.isValid() ? static_cast<int>(m_recordset->design.columns.size())
+                                            : 0;
 }
 
 const jet::Row *RecordsetModel::fetch(int row) const
@@ -112,10 +109,7 @@ const jet::Row *RecordsetModel::fetch(int row) const
             set.found.push_back(set.walk.bookmark());
         if (set.found.size() <= wanted)
             return nullptr; // deleted by another program meanwhile
-        set.reader.moveTo(set.found[wanted]);
-        auto values = std::make_unique<jet::Row>();
-        set.reader.read(*values);
-        set.rows.insert(row, values.release());
+        set.rows.insert(row, new jet::Row(set.table.record(set.found[wanted])));
         return set.rows.object(row);
     } catch (const jet::Error &error) {
         if (error.code() == jet::ErrorCode::RecordDeleted)

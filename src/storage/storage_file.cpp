@@ -2,7 +2,10 @@
 #include "jet/database.h"
 #include "storage/tabel.h"
 
-std::filesystem::path nativePath(const QString &path) { return path.toStdU16String(); }
+std::filesystem::path nativePath(const QString &path)
+{
+    return path.toStdU16String();
+}
 
 void createStorageFile(const QString &path, const QDateTime &now)
 {

@@ -28,7 +28,7 @@ void rebuildTabel(jet::Database &database, jet::DateTime now)
         jet::Row row;
         do {
             records.read(row);
-            scratch.append(row);
+            scratch.appendRow(row);
         } while (records.next());
     }
     database.dropTable(tabel::kName);

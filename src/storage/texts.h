@@ -23,8 +23,14 @@ inline QString storageEmpty(const QString &name)
 {
     return QStringLiteral("Baza de date %1 e goala!").arg(name);
 }
-inline QString browserCaption() { return QStringLiteral("Baze de date curente"); }
-inline QString refresh() { return QStringLiteral("Refresh"); }
+inline QString browserCaption()
+{
+    return QStringLiteral("Baze de date curente");
+}
+inline QString refresh()
+{
+    return QStringLiteral("Refresh");
+}
 /// An unexpected failure of a database or a file: number, one blank, description.
 inline QString numberedError(int number, const QString &description)
 {

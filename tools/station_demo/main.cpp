@@ -56,7 +56,8 @@ int takeSamples(StationApplication &application, const QString &folder)
     SystemClock clock;
     PrintingOperator op;
     PrintingShell shell;
-    Program program({folder, QLocale::system(), clock, op, shell, [] { QCoreApplication::quit(); }});
+    Program program(
+        {folder, QLocale::system(), clock, op, shell, [] { QCoreApplication::exit(0); }});
     QObject::connect(&application, &StationApplication::failing, &program, &Program::halt);
 
     int stored = 0;
