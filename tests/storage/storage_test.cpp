@@ -163,7 +163,8 @@ TEST_F(StorageTest, UnusableFileIsToldByNumberAndMonitoringGoesOn)
         file.flush();
         append();
         ASSERT_EQ(op.told.size(), 1) << c.number;
-        EXPECT_TRUE(op.told.takeLast().startsWith(c.number));
+        const QString told = op.told.takeLast();
+        EXPECT_TRUE(told.startsWith(c.number)) << told.toStdString();
         EXPECT_TRUE(station.monitorActive);
         file.seek(0);
         EXPECT_EQ(file.readAll(), c.content) << "nothing was written";
