@@ -15,9 +15,16 @@ MDIForm1::MDIForm1(std::function<bool()> mayClose)
 {
     setObjectName(QStringLiteral("MDIForm1"));
     setWindowTitle(texts::applicationTitle() + QStringLiteral(" v") +
-                   QCoreApplication::applicationVersion());
+                   QStringLiteral(STATION_VERSION));
     setCentralWidget(m_area);
     m_area->viewport()->installEventFilter(this);
+    // The area tells the frame; what happens on activation belongs to the window in it.
+    connect(m_area, &QMdiArea::subWindowActivated, this, [](QMdiSubWindow *frame) {
+        if (!frame || !frame->widget())
+            return;
+        QEvent activation(QEvent::WindowActivate);
+        QApplication::sendEvent(frame->widget(), &activation);
+    });
     buildMainMenu(*menuBar());
     for (QAction *item : menuItems(*menuBar()))
         if (!item->menu())

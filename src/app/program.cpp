@@ -7,6 +7,7 @@
 #include "platform/qt_serial_line.h"
 #include "platform/runtime_error.h"
 #include "platform/shell.h"
+#include "storage/form_mdb.h"
 
 #include <QMdiSubWindow>
 
@@ -75,7 +76,7 @@ void Program::createControlPlc()
         line.port = *port;
     if (const auto text = m_settings.optionalValue(QStringLiteral("ControlPlc.Settings =")))
         parseLineSettings(*text, line);
-    m_controlPlc = std::make_unique<QtSerialLine>(line);
+    m_controlPlc = std::make_unique<QtSerialLine>(line, &m_window);
     m_exchange =
         std::make_unique<Exchange>(m_station, *m_controlPlc, m_scheduler, m_environment.op);
     m_cycle = std::make_unique<MonitoringCycle>(m_station, *m_exchange, *m_feed, *m_store,
@@ -87,6 +88,9 @@ void Program::connectCommands()
     const auto command = [this](const char *item, auto method) {
         m_window.setCommand(QString::fromLatin1(item), [this, method] { (this->*method)(); });
     };
+    command("DeschidMdbCurent", &Program::showBrowser);
+    command("DeschidMdbArhiva", &Program::openArchiveFolder);
+    command("SalvareArh", &Program::archiveAllStorageFiles);
     command("DeschidDiag", &Program::showDiagrams);
     command("DeschidCentruControl", &Program::showControlCentre);
     command("DocProg", &Program::openHelp);
@@ -94,6 +98,8 @@ void Program::connectCommands()
     connect(&m_window, &MDIForm1::areaResized, this, &Program::layOut);
     connect(&m_storage, &MeasurementStore::monitorStopped, this,
             [this] { controlCentre().scrie_stare_monitor(); });
+    connect(&m_storage, &MeasurementStore::browserMustClose, this, &Program::closeBrowser);
+    connect(&m_storage, &MeasurementStore::browserMayReopen, this, &Program::reopenBrowser);
     connect(&m_storage, &MeasurementStore::recordStored, this, &Program::sampleStored);
 }
 
@@ -122,6 +128,7 @@ void Program::createForm1()
         for (const char *item : {"MeniuPres", "MeniuPrint", "MeniuTemp"})
             m_window.setItemEnabled(QString::fromLatin1(item), enabled);
     });
+    connect(m_form1, &Form1::closed, this, [this] { m_form1 = nullptr; });
     m_window.bringUp(m_form1);
     m_form1->load(m_window.innerSize());
 }
@@ -146,6 +153,40 @@ void Program::showControlCentre()
     m_window.bringUp(&controlCentre());
 }
 
+void Program::showBrowser()
+{
+    if (!m_formMdb) {
+        m_formMdb = new FormMdb(m_station, m_environment.op);
+        m_window.addChild(m_formMdb);
+        connect(m_formMdb, &FormMdb::closed, this, [this] { m_formMdb = nullptr; });
+    }
+    m_window.bringUp(m_formMdb);
+}
+
+void Program::closeBrowser()
+{
+    if (m_formMdb)
+        m_formMdb->parentWidget()->close();
+}
+
+void Program::reopenBrowser()
+{
+    showBrowser();
+    if (m_station.diagramsOpen)
+        m_window.bringUp(m_form1);
+}
+
+void Program::archiveAllStorageFiles()
+{
+    // Only the first storage file is ever written, so only that one has a day to archive.
+    m_storage.arhiveaza_baza_date(m_station.NumeFisier[0]);
+}
+
+void Program::openArchiveFolder()
+{
+    m_environment.shell.open(m_station.archiveFolder(), Shell::Window::Normal);
+}
+
 void Program::openHelp()
 {
     try {
@@ -159,6 +200,8 @@ void Program::layOut()
 {
     if (m_station.diagramsOpen)
         m_form1->aranjare_diagrame(m_window.innerSize());
+    if (m_station.FormMdbDeschis)
+        m_formMdb->aranjare();
 }
 
 bool Program::closingDialogue()
@@ -174,11 +217,7 @@ bool Program::closingDialogue()
     }
     halt();
     m_controlPlc->close();
+    m_controlPlc->setParent(nullptr);
     m_environment.endProgram();
     return true;
-}
-
-void Program::archiveAllStorageFiles()
-{
-    m_storage.arhiveaza_baza_date(m_station.NumeFisier[0]);
 }

@@ -18,6 +18,7 @@
 
 class Form1;
 class Form2;
+class FormMdb;
 class Operator;
 class SerialLine;
 class Shell;
@@ -68,7 +69,11 @@ private:
     void showDiagrams();
     void createForm1();
     void showDiagramsAtOrigin();
+    void showBrowser();
+    void closeBrowser();
+    void reopenBrowser();
     void archiveAllStorageFiles();
+    void openArchiveFolder();
     void openHelp();
     void layOut();
     bool closingDialogue();
@@ -89,4 +94,5 @@ private:
     std::unique_ptr<MonitoringCycle> m_cycle;
     QPointer<Form1> m_form1;
     QPointer<Form2> m_form2;
+    QPointer<FormMdb> m_formMdb;
 };

@@ -59,17 +59,6 @@ FormMdb::FormMdb(Station &station, Operator &op, QWidget *parent)
     m_station.FormMdbDeschis = true;
 }
 
-FormMdb::~FormMdb()
-{
-    unload();
-}
-
-void FormMdb::unload()
-{
-    m_data->close();
-    m_station.FormMdbDeschis = false;
-}
-
 void FormMdb::aranjare()
 {
     const QSize button = m_refresh->sizeHint();
@@ -144,6 +133,8 @@ void FormMdb::keyReleaseEvent(QKeyEvent *event)
 
 void FormMdb::closeEvent(QCloseEvent *event)
 {
-    unload();
+    m_data->close();
+    m_station.FormMdbDeschis = false;
     event->accept();
+    emit closed();
 }

@@ -19,13 +19,15 @@ class FormMdb : public QWidget
 public:
     /// Both must outlive the window.
     FormMdb(Station &station, Operator &op, QWidget *parent = nullptr);
-    ~FormMdb() override;
 
     /// Lays out the grid above the refresh button.
     void aranjare();
 
     /// Loads the grid anew. A failure is told with number and description; the grid is then empty.
     void sortare();
+
+signals:
+    void closed(); ///< unloaded, the file let go; destruction follows
 
 protected:
     bool event(QEvent *event) override;
@@ -34,7 +36,6 @@ protected:
     void closeEvent(QCloseEvent *event) override;
 
 private:
-    void unload();
     void fitColumns();
     void copySelection() const;
     void tellFailure(int number, const QString &description);

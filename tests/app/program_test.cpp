@@ -1,0 +1,249 @@
+// The whole program on a simulated recorder: real windows, real line, real files.
+
+#include "acquisition/form2.h"
+#include "app/main_menu.h"
+#include "app/program.h"
+#include "chart/chart_grid.h"
+#include "jet/database.h"
+#include "platform/runtime_error.h"
+#include "platform/shell.h"
+#include "storage/storage_file.h"
+#include "storage/tabel.h"
+#include "tests/support/fake_operator.h"
+#include "tests/support/station_folder.h"
+#include "tools/trm10c_simulator/recorder_simulation.h"
+
+#include <QFile>
+#include <QLabel>
+#include <QMdiSubWindow>
+#include <QMenuBar>
+#include <QTableView>
+#include <QtTest/QTest>
+#include <gtest/gtest.h>
+
+namespace
+{
+
+class FakeShell final : public Shell
+{
+public:
+    void open(const QString &path, Window) override
+    {
+        if (fails)
+            throw RuntimeError(RuntimeError::FileNotFound);
+        opened += path;
+    }
+    QStringList opened;
+    bool fails = false;
+};
+
+class ProgramTest : public ::testing::Test
+{
+protected:
+    ProgramTest()
+    {
+        createStorageFile(storagePath(), clock.now());
+        folder.setValue("ControlPlc.CommPort =", '"' + recorder.portName().toUtf8() + '"');
+        // No time between samples: the tests wait for records, not for the clock.
+        folder.setValue("Diagrama1.interval_scanare =", "0");
+    }
+
+    void start()
+    {
+        program = std::make_unique<Program>(Program::Environment{folder.path(), QLocale::c(), clock,
+                                                                 op, shell, [this] { ++ends; }});
+        QObject::connect(program.get(), &Program::sampleStored, [this](int id) { lastId = id; });
+        program->start();
+    }
+
+    QString storagePath() const { return folder.path() + QStringLiteral("/mdb/autoclava1.mdb"); }
+    template <typename Widget>
+    Widget *child(const char *name)
+    {
+        return program->window().findChild<Widget *>(QString::fromLatin1(name));
+    }
+    QAction *item(const char *name)
+    {
+        return menuItem(*program->window().menuBar(), QString::fromLatin1(name));
+    }
+    void press(Qt::Key key) { QTest::keyClick(child<QWidget>("Form1"), key); }
+    bool reaches(int id)
+    {
+        return QTest::qWaitFor([&] { return lastId >= id; }, 20'000);
+    }
+    std::uint32_t storedRecords() const
+    {
+        const jet::Database database =
+            jet::Database::open(nativePath(storagePath()), {.readOnly = true});
+        EXPECT_TRUE(database.check().empty());
+        return database.table(tabel::kName).recordCount();
+    }
+    int errorOfStart()
+    {
+        try {
+            start();
+        } catch (const RuntimeError &error) {
+            return error.number();
+        }
+        return 0;
+    }
+
+    SystemClock clock;
+    QObject timers;
+    QtScheduler scheduler{timers};
+    StationFolder folder;
+    RecorderSimulation recorder{RecorderSettings{}, clock, scheduler};
+    FakeOperator op;
+    FakeShell shell;
+    std::unique_ptr<Program> program;
+    int lastId = 0;
+    int ends = 0;
+};
+
+} // namespace
+
+TEST_F(ProgramTest, KeysStartAndStopMonitoringAndSamplesReachChartAndFile)
+{
+    start();
+    EXPECT_EQ(program->window().windowTitle(), "Monitorizare PLC v2.0.0");
+    EXPECT_FALSE(program->station().monitorActive);
+    EXPECT_TRUE(program->window().findChild<QObject *>("ControlPlc"));
+    press(Qt::Key_F1);
+    ASSERT_TRUE(reaches(65)) << "past the last row of the charts";
+    EXPECT_EQ(child<QLabel>("MonLabel")->text(), "Monitor activ!");
+    press(Qt::Key_F2);
+    EXPECT_EQ(child<QLabel>("MonLabel")->text(), "Monitor oprit.");
+    EXPECT_EQ(storedRecords(), std::uint32_t(lastId));
+    const std::span<const double> series = program->station().Diagrame[1].chart->columnData(3);
+    EXPECT_GT(series[0], 10);
+    EXPECT_EQ(series[59], 0) << "the last row keeps the lower limit";
+    EXPECT_TRUE(op.told.isEmpty()) << op.told.join('\n').toStdString();
+
+    press(Qt::Key_F3);
+    EXPECT_EQ(series[0], 0);
+    EXPECT_EQ(program->station().currentRow, 1);
+}
+
+TEST_F(ProgramTest, WindowsComeAndGoWhileMonitoringGoesOn)
+{
+    start();
+    press(Qt::Key_F1);
+    ASSERT_TRUE(reaches(3));
+    child<QWidget>("Form1")->parentWidget()->close();
+    EXPECT_FALSE(item("SalvareImg")->isEnabled());
+    EXPECT_FALSE(item("MeniuPrint")->isEnabled());
+    item("DeschidMdbCurent")->trigger();
+    ASSERT_TRUE(reaches(lastId + 3));
+    item("DeschidDiag")->trigger();
+    EXPECT_TRUE(item("MeniuPrint")->isEnabled());
+    child<QWidget>("Form2Frame")->close();
+    ASSERT_TRUE(reaches(lastId + 3));
+    EXPECT_EQ(program->station().sensors.size(), 6u);
+    EXPECT_GT(program->station().Diagrame[0].chart->columnData(1)[0], 10);
+    program->controlCentre().StopMonCommand_Click();
+    EXPECT_EQ(storedRecords(), std::uint32_t(lastId));
+}
+
+TEST_F(ProgramTest, BrowserShowsTheNewestFirstAndGivesWayToTheArchive)
+{
+    start();
+    press(Qt::Key_F1);
+    ASSERT_TRUE(reaches(30));
+    press(Qt::Key_F2);
+    const int newest = lastId;
+    item("DeschidMdbCurent")->trigger();
+    auto *grid = child<QTableView>("DBGrid1");
+    const auto top = [&] { return grid->model()->index(0, 0).data().toString(); };
+    EXPECT_EQ(top(), QString::number(newest));
+    EXPECT_EQ(grid->model()->rowCount(), newest);
+    EXPECT_EQ(grid->model()->index(newest - 1, 0).data().toString(), "1");
+    EXPECT_EQ(grid->model()->headerData(6, Qt::Horizontal).toString(), "T6");
+    EXPECT_EQ(grid->model()->headerData(7, Qt::Horizontal).toString(), "Alarma");
+
+    program->controlCentre().StartMonCommand_Click();
+    ASSERT_TRUE(reaches(newest + 1));
+    program->controlCentre().StopMonCommand_Click();
+    EXPECT_EQ(top(), QString::number(newest)) << "until it is refreshed";
+    QTest::keyClick(grid, Qt::Key_F5);
+    EXPECT_EQ(top(), QString::number(lastId));
+
+    item("SalvareArh")->trigger();
+    EXPECT_TRUE(op.told.isEmpty()) << op.told.join('\n').toStdString();
+    EXPECT_EQ(storedRecords(), 0u);
+    EXPECT_TRUE(program->station().FormMdbDeschis);
+    QTest::qWait(0); // the frame of the closed browser goes
+    EXPECT_TRUE(program->station().FormMdbDeschis);
+    EXPECT_EQ(child<QTableView>("DBGrid1")->model()->rowCount(), 0);
+    EXPECT_TRUE(QFile::exists(folder.path() + QStringLiteral("/mdb/arhive/arh_%1_autoclava1.mdb")
+                                                  .arg(clock.now().toString("dd.MM.yyyy"))));
+}
+
+TEST_F(ProgramTest, StorageFileThatGoesMissingStopsMonitoring)
+{
+    start();
+    press(Qt::Key_F1);
+    ASSERT_TRUE(reaches(2));
+    QFile::remove(storagePath());
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !op.told.isEmpty(); }, 20'000));
+    EXPECT_EQ(op.told, QStringList({"Fisierul de stocare nu exista !!"}));
+    EXPECT_FALSE(program->station().monitorActive);
+    EXPECT_EQ(child<QLabel>("MonLabel")->text(), "Monitor oprit.");
+}
+
+TEST_F(ProgramTest, ClosingAsksForTheArchiveAndCancelKeepsTheProgram)
+{
+    start();
+    press(Qt::Key_F1);
+    ASSERT_TRUE(reaches(2));
+    EXPECT_FALSE(program->window().close());
+    item("ExitProg")->trigger();
+    EXPECT_EQ(ends, 0);
+    ASSERT_TRUE(reaches(lastId + 1)) << "monitoring goes on";
+    EXPECT_EQ(op.asked, QStringList(2, "Doriti sa salvati arhivele acum? (recomandat doar daca nu "
+                                       "veti mai reporni programul astazi)"));
+    op.answer = Operator::Answer::Yes;
+    EXPECT_TRUE(program->window().close());
+    EXPECT_EQ(ends, 1);
+    EXPECT_FALSE(program->station().monitorActive);
+    EXPECT_EQ(storedRecords(), 0u);
+    EXPECT_FALSE(program->window().findChild<QObject *>("ControlPlc"));
+}
+
+TEST_F(ProgramTest, UnusableSettingsEndTheStartWithTheRuntimesError)
+{
+    folder.setValue("Diagrama2.alarma_minim =", "zece");
+    EXPECT_EQ(errorOfStart(), RuntimeError::TypeMismatch);
+    folder.setConfig(folder.config().replace("Diagrama1.Titlu =", "Titlu ="));
+    EXPECT_EQ(errorOfStart(), RuntimeError::TypeMismatch);
+    EXPECT_EQ(op.told, QStringList({"Eroare in /config/config.ini"}));
+    folder.setValue("ControlPlc.Settings =", "fast");
+    EXPECT_EQ(errorOfStart(), RuntimeError::InvalidPropertyValue);
+    QFile::remove(folder.configPath());
+    EXPECT_EQ(errorOfStart(), RuntimeError::FileNotFound);
+}
+
+TEST_F(ProgramTest, PortThatDoesNotExistIsTheRuntimesErrorAndMonitoringHasEnded)
+{
+    folder.setValue("ControlPlc.CommPort =", "nowhere");
+    start();
+    try {
+        program->controlCentre().StartMonCommand_Click();
+        FAIL() << "no such port";
+    } catch (const RuntimeError &error) {
+        EXPECT_EQ(error.number(), RuntimeError::InvalidPortNumber);
+    }
+    EXPECT_FALSE(program->station().monitorActive);
+}
+
+TEST_F(ProgramTest, FoldersAndHelpOpenInTheSystemsPrograms)
+{
+    start();
+    item("DeschidMdbArhiva")->trigger();
+    item("DocProg")->trigger();
+    EXPECT_EQ(shell.opened,
+              QStringList({folder.path() + "/mdb/arhive/", folder.path() + "/Doc/help.doc"}));
+    shell.fails = true;
+    item("DocProg")->trigger();
+    EXPECT_EQ(op.told, QStringList({"File not found"}));
+    EXPECT_EQ(op.lastIcon, Operator::Icon::Critical);
+}
