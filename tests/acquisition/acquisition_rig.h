@@ -10,43 +10,78 @@
 
 #include <gtest/gtest.h>
 #include <memory>
+#include <optional>
 
 using std::chrono::milliseconds;
 
-/// A station with two diagrams (alarms at 10 and 138) and six sensors without an offset, sampling
-/// every second.
-Station sampleStation();
+/// A monitored station: six sensors without an offset, alarms at 10 and 138, a sample each second.
+inline Station sampleStation()
+{
+    Station station;
+    station.monitorActive = station.diagramsOpen = true;
+    station.NumeFisier[0] = QStringLiteral("autoclava1.mdb");
+    Diagrama diagram;
+    diagram.alarma_minim = 10;
+    diagram.alarma_maxim = 138;
+    diagram.interval_scanare = 1;
+    station.Diagrame.assign(2, diagram);
+    station.sensors.resize(6);
+    for (std::size_t i = 0; i < 6; ++i) {
+        station.sensors[i].calibrationText = QStringLiteral("0");
+        station.sensors[i].diagram = static_cast<quint8>(i / 3);
+    }
+    return station;
+}
 
 /// A well-formed reply whose six fields are the given texts, padded on the left.
-QByteArray replyWith(const QStringList &fields);
+inline QByteArray replyWith(const QStringList &fields)
+{
+    QString reply(22, QLatin1Char('#'));
+    for (const QString &field : fields)
+        reply += QStringLiteral("5555555555555555.") + field.rightJustified(10);
+    return reply.toLatin1() + "\r\n";
+}
 
 /// Everything the acquisition needs, with the test on the other side of each seam.
 class AcquisitionRig : public ::testing::Test, public DiagramFeed, public SampleStore
 {
 public:
-    AcquisitionRig();
-
     void adauga_citiri(const std::vector<Sensor> &) override { log += "diagrams"; }
     void showAtOrigin() override { log += "show"; }
     void goleste_diagramele() override { log += "clear"; }
-    void adauga_inregistrare(const QString &name) override;
-    void arhiveaza_baza_date(const QString &name) override;
-
+    void adauga_inregistrare(const QString &name) override
+    {
+        log += name;
+        records.push_back(time.now());
+        whenStored();
+    }
+    void arhiveaza_baza_date(const QString &name) override
+    {
+        log += "archive " + name;
+        archives.push_back(time.now());
+        whenArchived();
+    }
     /// From now on the recorder answers every request after that time.
-    void answerAfter(milliseconds delay);
+    void answerAfter(milliseconds delay)
+    {
+        m_answer = time.createTimer("recorder", [this] { line.arrive(reply); });
+        line.onWrite = [this, delay](const QByteArray &command) {
+            if (command.startsWith("FM0"))
+                m_answer->start(delay);
+        };
+    }
 
     TestTime time;
     Station station = sampleStation();
     FakeSerialLine line;
     FakeOperator op;
-    std::unique_ptr<Exchange> exchange;
-    std::unique_ptr<MonitoringCycle> cycle;
-
-    QStringList log;                  ///< what was drawn, stored and archived, in order
-    std::vector<QDateTime> records;   ///< when
-    std::vector<QDateTime> archives;  ///< when
-    std::function<void()> whenStored; ///< what happens behind a message box of the store
-    std::function<void()> whenArchived;
+    std::unique_ptr<Exchange> exchange = std::make_unique<Exchange>(station, line, time, op);
+    std::unique_ptr<MonitoringCycle> cycle =
+        std::make_unique<MonitoringCycle>(station, *exchange, *this, *this, time, time);
+    QStringList log;                          ///< what was drawn, stored and archived
+    std::vector<QDateTime> records, archives; ///< when
+    std::function<void()> whenStored = [] {}; ///< what happens behind a box of the store
+    std::function<void()> whenArchived = [] {};
     QByteArray reply = replyWith({"20.5", "21", "22", "23", "24", "25"});
 
 private:

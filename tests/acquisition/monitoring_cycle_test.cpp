@@ -7,26 +7,29 @@ namespace
 class CicluMonitorizare : public AcquisitionRig
 {
 public:
-    CicluMonitorizare() { followState(); }
-    void followState()
+    CicluMonitorizare()
     {
         QObject::connect(cycle.get(), &MonitoringCycle::stateChanged,
                          [this] { shownActive = station.monitorActive; });
-    }
-    QDateTime today(int hour, int minute, int second) const
-    {
-        return wallTime(time.now().date(), QTime(hour, minute, second));
+        answerAfter(milliseconds(250));
     }
     auto exchanges() const { return line.written.count("TS0\r\n"); }
+    /// Samples stored in that time.
+    std::size_t samplesIn(milliseconds span)
+    {
+        records.clear();
+        time.advance(span);
+        return records.size();
+    }
 
     bool shownActive = false;
+    const QDateTime archiveMoment = wallTime(time.now().date(), QTime(23, 59, 50));
 };
 
 } // namespace
 
 TEST_F(CicluMonitorizare, OneSampleTakesItsStepsInOrder)
 {
-    answerAfter(milliseconds(250));
     station.sensors[0].calibrationText = QStringLiteral("-0,5");
     cycle->start();
     EXPECT_TRUE(shownActive);
@@ -36,146 +39,103 @@ TEST_F(CicluMonitorizare, OneSampleTakesItsStepsInOrder)
     EXPECT_EQ(station.sensors[1].readingTime, time.now());
     station.diagramsOpen = false;
     time.advance(milliseconds(1250));
-    EXPECT_EQ(log.mid(2), QStringList{"autoclava1.mdb"});
     cycle->restartDiagrams();
-    EXPECT_EQ(log.mid(3), (QStringList{"show", "clear"}));
+    EXPECT_EQ(log.mid(2), (QStringList{"autoclava1.mdb", "show", "clear"}));
     EXPECT_FALSE(shownActive);
 }
 
 TEST_F(CicluMonitorizare, LimitsMetExactlyAreAlarms)
 {
     station.Diagrame[1].alarma_maxim = 200;
-    const std::vector<std::pair<double, bool>> rows{{9.9, true},    {10, true},  {10.1, false},
-                                                    {137.9, false}, {138, true}, {138.1, true}};
-    for (const auto &[value, alarm] : rows) {
-        for (Sensor &sensor : station.sensors)
-            sensor.value = value;
+    for (const auto &[value, alarm] : std::vector<std::pair<double, bool>>{
+             {9.9, true}, {10, true}, {10.1, false}, {137.9, false}, {138, true}}) {
+        station.sensors[2].value = station.sensors[3].value = value;
         completeSample(station, time.now());
         EXPECT_EQ(station.sensors[2].alarm, alarm) << value;
         EXPECT_EQ(station.sensors[3].alarm, value <= 10) << "its own diagram's limits";
     }
-    station.sensors[3].calibrationText = QStringLiteral("1x");
-    EXPECT_THROW(completeSample(station, time.now()), RuntimeError);
 }
 
 TEST_F(CicluMonitorizare, PeriodIsTheFirstDiagramsIntervalAfterTheSample)
 {
+    station.Diagrame[1].interval_scanare = 7; // kept and shown, without effect
     struct Row {
         qint16 interval, unit;
-        qint64 expectedMs;
+        qint64 period; // ms
     };
-    answerAfter(milliseconds(250));
-    station.Diagrame[1].interval_scanare = 7; // kept and shown, without effect
     for (const Row &row : {Row{1, 0, 1250}, Row{5, 1, 300'250}, Row{2, 2, 7'200'250},
                            Row{1, 3, 86'400'250}, Row{0, 0, 250}}) {
         station.Diagrame[0].interval_scanare = row.interval;
         station.Diagrame[0].masura_interval = row.unit;
-        records.clear();
         cycle->start();
-        time.advance(milliseconds(3 * row.expectedMs + 1));
+        ASSERT_GE(samplesIn(milliseconds(2 * row.period + 251)), 2u);
+        EXPECT_EQ(records[0].msecsTo(records[1]), row.period);
         cycle->stop();
         time.advance(milliseconds(250));
-        ASSERT_GE(records.size(), 3u);
-        EXPECT_EQ(records[0].msecsTo(records[1]), row.expectedMs);
-        EXPECT_EQ(records[1].msecsTo(records[2]), row.expectedMs);
     }
     station.Diagrame[0].masura_interval = 4;
     EXPECT_THROW(cycle->start(), RuntimeError);
     EXPECT_FALSE(shownActive) << "an ended monitoring is not shown as running";
 }
 
-TEST_F(CicluMonitorizare, EachDayIsArchivedOnceAtItsSecond)
+TEST_F(CicluMonitorizare, ADayIsArchivedOnceInItsSecondAndAMissedOneIsNotMadeUpFor)
 {
-    answerAfter(milliseconds(150));
-    const QDateTime first = today(23, 59, 50);
+    const auto archivesUntil = [this](int day) {
+        time.advanceTo(archiveMoment.addDays(day).addSecs(10));
+        return archives.size();
+    };
     cycle->start();
-    time.advanceTo(first.addDays(1).addSecs(5));
-    ASSERT_EQ(archives.size(), 2u);
-    for (std::size_t day = 0; day < archives.size(); ++day) {
-        EXPECT_GE(archives[day], first.addDays(qint64(day)));
-        EXPECT_LT(archives[day], first.addDays(qint64(day)).addSecs(1));
-    }
-    EXPECT_EQ(log.count("archive autoclava1.mdb"), 2);
-    EXPECT_TRUE(station.monitorActive);
+    EXPECT_EQ(archivesUntil(0), 1u);
+    EXPECT_EQ(log.count("archive autoclava1.mdb"), 1);
     EXPECT_LT(time.ticks(), 5 * int(records.size())) << "asleep between the moments that matter";
-}
 
-TEST_F(CicluMonitorizare, ASecondThatNoPassSeesIsNotMadeUpFor)
-{
-    const QDateTime midnight = today(0, 0, 0).addDays(1);
     station.Diagrame[0].masura_interval = 2;
-    answerAfter(milliseconds(150));
-    cycle->start();
-    time.advanceTo(today(23, 59, 49));
+    time.advanceTo(archiveMoment.addDays(1).addSecs(-1));
     time.passSilently(milliseconds(2500)); // something blocks the event loop
-    time.advanceTo(midnight);
-    EXPECT_TRUE(archives.empty());
-
+    EXPECT_EQ(archivesUntil(1), 1u);
     whenArchived = [this] { time.passSilently(milliseconds(2500)); }; // 51 goes by unseen
-    time.advanceTo(midnight.addDays(1));
-    ASSERT_EQ(archives.size(), 1u);
-    EXPECT_EQ(archives[0].time(), QTime(23, 59, 50)) << "awake as its second begins";
-    time.advanceTo(midnight.addDays(2));
-    EXPECT_EQ(archives.size(), 1u) << "armed again only at 23:59:51";
-    time.advanceTo(midnight.addDays(3));
-    EXPECT_EQ(archives.size(), 2u);
+    EXPECT_EQ(archivesUntil(2), 2u);
+    EXPECT_EQ(archives[1], archiveMoment.addDays(2)) << "awake as its second begins";
+    EXPECT_EQ(archivesUntil(3), 2u) << "armed again only at 23:59:51";
+    EXPECT_EQ(archivesUntil(4), 3u);
 }
 
 TEST_F(CicluMonitorizare, AClockThatWasSetIsNoticedWithinASecond)
 {
-    struct Row {
-        const char *what;
-        qint64 setBySeconds;
-        std::size_t samplesAtOnce;
-    };
-    answerAfter(milliseconds(100));
     station.Diagrame[0].masura_interval = 1;
     station.Diagrame[0].interval_scanare = 10;
-    for (const Row &row :
-         {Row{"back", -3600, 1}, Row{"forward past the moment", 3600, 1}, Row{"forward", 60, 0}}) {
+    for (const auto &[setBySeconds, samples] :
+         std::vector<std::pair<qint64, std::size_t>>{{-3600, 1}, {3600, 1}, {60, 0}}) {
         cycle->start();
         time.advance(milliseconds(5000));
-        const std::size_t before = records.size();
-        time.setClock(time.now().addSecs(row.setBySeconds));
-        time.advance(milliseconds(1100));
-        EXPECT_EQ(records.size() - before, row.samplesAtOnce) << row.what;
+        time.setClock(time.now().addSecs(setBySeconds));
+        EXPECT_EQ(samplesIn(milliseconds(1250)), samples) << setBySeconds;
     }
-    const std::size_t before = records.size();
     station.Diagrame[0].interval_scanare = 1; // the operator shortens the interval
-    time.advance(milliseconds(1100));
-    EXPECT_EQ(records.size() - before, 1u);
+    EXPECT_EQ(samplesIn(milliseconds(1250)), 1u);
 }
 
 TEST_F(CicluMonitorizare, StopAndStartAtAnyMoment)
 {
-    answerAfter(milliseconds(250));
     cycle->start();
     time.advance(milliseconds(100));
     cycle->start(); // while the exchange waits
     EXPECT_EQ(exchanges(), 1);
-    time.advance(milliseconds(500));
-    EXPECT_EQ(records.size(), 1u);
+    EXPECT_EQ(samplesIn(milliseconds(500)), 1u);
     cycle->start(); // while sleeping: the next moment is now
-    EXPECT_EQ(exchanges(), 2);
-    time.advance(milliseconds(300));
-    EXPECT_EQ(records.size(), 2u);
+    EXPECT_EQ(samplesIn(milliseconds(300)), 1u);
     cycle->stop(); // between samples
-    time.advance(milliseconds(10'000));
+    EXPECT_EQ(samplesIn(milliseconds(10'000)), 0u);
     EXPECT_EQ(exchanges(), 2);
-    EXPECT_FALSE(shownActive);
-
     cycle->start();
-    cycle->stop();  // while the exchange waits: its reply is not wanted
-    cycle->start(); // ... now it is
-    time.advance(milliseconds(250));
-    EXPECT_EQ(records.size(), 3u);
+    cycle->stop(); // while the exchange waits: its reply is not wanted
+    EXPECT_FALSE(shownActive);
+    cycle->start();       // ... now it is
     whenStored = [this] { // from behind a message box
-        whenStored = nullptr;
         cycle->stop();
         cycle->start();
     };
-    time.advance(milliseconds(2500));
-    EXPECT_EQ(records.size(), 5u);
+    EXPECT_EQ(samplesIn(milliseconds(2800)), 3u);
     EXPECT_EQ(exchanges(), 5);
 }
 
@@ -183,42 +143,35 @@ TEST_F(CicluMonitorizare, WhatEndsMonitoringIsShown)
 {
     answerAfter(milliseconds(2500)); // too late
     cycle->start();
-    time.advance(milliseconds(60'000));
+    EXPECT_EQ(samplesIn(milliseconds(60'000)), 0u);
     EXPECT_FALSE(shownActive);
     EXPECT_EQ(op.told.size(), 1) << "no retry";
-    EXPECT_TRUE(records.empty());
 
     answerAfter(milliseconds(100));
     whenStored = [this] { station.monitorActive = false; }; // the storage file is missing
     cycle->start();
-    time.advance(milliseconds(60'000));
-    EXPECT_EQ(records.size(), 1u);
+    EXPECT_EQ(samplesIn(milliseconds(60'000)), 1u);
     EXPECT_FALSE(shownActive);
 
     whenArchived = [this] { cycle->stop(); };
-    time.advanceTo(today(23, 59, 50));
-    line.written.clear();
+    time.advanceTo(archiveMoment);
     cycle->start();
     EXPECT_EQ(archives.size(), 1u);
-    EXPECT_TRUE(line.written.isEmpty()) << "stopped behind the archive's message box";
+    EXPECT_EQ(exchanges(), 2) << "stopped behind the archive's message box";
 
-    whenArchived = nullptr;
+    time.advance(milliseconds(2000));
     line.missing = true;
     EXPECT_THROW(cycle->start(), RuntimeError);
     EXPECT_FALSE(shownActive);
 }
 
-TEST_F(CicluMonitorizare, MayBeDestroyedAtAnyMoment)
+TEST_F(CicluMonitorizare, MayBeDestroyedBehindAMessageBoxAndWhileTheExchangeWaits)
 {
-    answerAfter(milliseconds(100));
     whenStored = [this] { cycle.reset(); };
     cycle->start();
-    time.advance(milliseconds(100));
-    EXPECT_EQ(records.size(), 1u);
-
+    EXPECT_EQ(samplesIn(milliseconds(250)), 1u);
     cycle = std::make_unique<MonitoringCycle>(station, *exchange, *this, *this, time, time);
     cycle->start();
-    cycle.reset(); // while the exchange waits
-    time.advance(milliseconds(100));
-    EXPECT_EQ(records.size(), 1u);
+    cycle.reset();
+    EXPECT_EQ(samplesIn(milliseconds(250)), 0u);
 }

@@ -5,6 +5,7 @@
 
 #include <QByteArrayList>
 #include <functional>
+#include <utility>
 
 /// A line whose other side is the test: it records what is written and gives what arrives.
 class FakeSerialLine final : public SerialLine
@@ -16,45 +17,28 @@ public:
         if (missing)
             throw RuntimeError(RuntimeError::InvalidPortNumber);
         m_open = true;
-        ++openings;
     }
     void close() override { m_open = false; }
     void write(const QByteArray &bytes) override
     {
-        if (!m_open)
-            throw RuntimeError(RuntimeError::PortNotOpen);
         written += bytes;
         if (onWrite)
             onWrite(bytes);
     }
     qint64 bytesAvailable() const override { return m_open ? waiting.size() : 0; }
-    QByteArray readAll() override
-    {
-        const QByteArray bytes = waiting;
-        waiting.clear();
-        waiting.swap(behindReply);
-        return bytes;
-    }
+    QByteArray readAll() override { return std::exchange(waiting, std::exchange(behindReply, {})); }
     void discardInput() override { waiting.clear(); }
 
     void arrive(const QByteArray &bytes)
     {
         waiting += bytes;
-        if (m_open)
-            emit readyRead();
-    }
-    void vanish()
-    {
-        m_open = false;
-        missing = true;
-        emit lost();
+        emit readyRead();
     }
 
     QByteArrayList written; ///< one element per write
     QByteArray waiting;     ///< arrived, not read
     QByteArray behindReply; ///< what the next readAll() leaves waiting
-    int openings = 0;
-    bool missing = false; ///< opening fails
+    bool missing = false;   ///< opening fails
     std::function<void(const QByteArray &)> onWrite;
 
 private:
