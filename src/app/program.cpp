@@ -7,9 +7,12 @@
 #include "platform/qt_serial_line.h"
 #include "platform/runtime_error.h"
 #include "platform/shell.h"
+#include "platform/twips.h"
 #include "storage/form_mdb.h"
 
 #include <QMdiSubWindow>
+#include <algorithm>
+#include <utility>
 
 /// The diagrams as the monitoring cycle sees them.
 class Program::Feed final : public DiagramFeed
@@ -143,7 +146,14 @@ Form2 &Program::controlCentre()
 {
     if (!m_form2) {
         m_form2 = new Form2(*m_cycle, m_station, m_controlCentrePosition);
-        m_window.addChild(m_form2)->hide();
+        QMdiSubWindow *frame = m_window.addChild(m_form2);
+        frame->hide();
+        // The first time it stands where it hides least of the diagrams: the lower right corner.
+        if (!std::exchange(m_controlCentrePlaced, true)) {
+            const QSize room = m_window.innerSize() - frame->sizeHint();
+            m_controlCentrePosition = {twipsFromPixels(std::max(0, room.width())),
+                                       twipsFromPixels(std::max(0, room.height()))};
+        }
     }
     return *m_form2;
 }

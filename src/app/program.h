@@ -87,6 +87,7 @@ private:
     WindowLock m_lock;
     QtScheduler m_scheduler;
     WindowPosition m_controlCentrePosition;
+    bool m_controlCentrePlaced = false;
     std::unique_ptr<Feed> m_feed;
     std::unique_ptr<Store> m_store;
     std::unique_ptr<SerialLine> m_controlPlc;

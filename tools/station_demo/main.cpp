@@ -65,10 +65,10 @@ int takeSamples(StationApplication &application, const QString &folder)
         print(QStringLiteral("Sample %1 of %2 stored, Id %3").arg(++stored).arg(kSamples).arg(id));
         if (stored < kSamples)
             return;
-        program.controlCentre().StopMonCommand_Click();
         const QString picture = folder + QStringLiteral("/img/main_window.png");
         program.window().grab().save(picture);
         print(QStringLiteral("Picture of the main window: ") + picture);
+        program.controlCentre().StopMonCommand_Click();
         menuItem(*program.window().menuBar(), QStringLiteral("ExitProg"))->trigger();
     });
     QTimer::singleShot(kPatience, &program, [] {
