@@ -3,7 +3,7 @@
 #include <QDateTime>
 
 /// The moment now, as the station counts time: local wall-clock time without a zone. It is held in
-/// a QDateTime of the UTC spec, so that adding minutes, hours and days is plain calendar
+/// a QDateTime that counts in UTC, so that adding minutes, hours and days is plain calendar
 /// arithmetic, and a daylight-saving change is just a clock that was set.
 class Clock
 {
