@@ -169,6 +169,7 @@ std::unique_ptr<RowWalk> makeSortedWalk(const TableStore &table, std::size_t col
     order.type = definition.type;
     order.sortOrder = definition.sortOrder;
     order.sortVersion = definition.sortVersion;
+    order.inMemory = true;
 
     // Short keys stay inside the string object, so a day of numbers takes a few megabytes.
     std::vector<std::pair<std::string, RowPointer>> keys;

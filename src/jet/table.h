@@ -48,8 +48,8 @@ public:
     /// In the order of an index, by its name. Throws Error(NoSuchItem).
     Cursor byIndex(std::u16string_view index, Order order = Order::Ascending) const;
     /// Sorted by a column: through an index when one begins with it; otherwise the keys of all
-    /// records are sorted in memory, their values are not loaded. Throws Error(NoSuchItem),
-    /// Error(NotSupported) for a column whose order is not known.
+    /// records are sorted in memory, their values are not loaded. Characters outside the known part
+    /// of the sort order come last. Throws Error(NoSuchItem).
     Cursor sortedBy(std::u16string_view column, Order order = Order::Ascending) const;
 
 private:

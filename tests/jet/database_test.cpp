@@ -19,7 +19,7 @@ TEST(Database, AppendsKeepIndexCountAndReadersInAgreement)
     appendSamples(table, 1, 3000);
 
     EXPECT_EQ(table.recordCount(), 3000U);
-    EXPECT_EQ(errorOf([&] { table.append(sampleRow(1500)); }), ErrorCode::DuplicateKey);
+    EXPECT_EQ(errorOf([&] { table.appendRow(sampleRow(1500)); }), ErrorCode::DuplicateKey);
     EXPECT_EQ(findings(database), "");
     EXPECT_EQ(mdbTables(path), "Tabel\n");
     EXPECT_EQ(mdbCount(path, "Tabel"), "3000\n");

@@ -230,4 +230,16 @@ TEST_F(EveryType, TextKeysWithEveryAsciiCharacter)
     EXPECT_EQ(rowsOf(table.byIndex(u"Sus")).size(), keys.size() / 2);
 }
 
+TEST_F(EveryType, SortsByColumnsThatNoIndexCouldHave)
+{
+    Table table = make(everyColumn());
+    for (const char16_t *text : {u"b", u"\u03A9", u"", u"a", u"\u20AC"})
+        table.append({{u"Nume", Text(text)}, {u"Zecimal", Text(u"-1.5")}, {u"Obiect", Bytes{7}}});
+    table.append(Assignments{{u"Zecimal", 1}});
+    EXPECT_EQ(idsOf(table.sortedBy(u"Nume")), (std::vector<std::int32_t>{6, 3, 4, 1, 2, 5}));
+    EXPECT_EQ(idsOf(table.sortedBy(u"Nume", Order::Descending)).front(), 5);
+    EXPECT_EQ(idsOf(table.sortedBy(u"Zecimal", Order::Descending)).front(), 6);
+    EXPECT_EQ(idsOf(table.sortedBy(u"Obiect")).front(), 6);
+}
+
 } // namespace jet

@@ -45,7 +45,7 @@ inline Row sampleRow(std::int32_t id)
 inline void appendSamples(Table &table, std::int32_t first, std::int32_t last)
 {
     for (std::int32_t id = first; id <= last; ++id)
-        table.append(sampleRow(id));
+        table.appendRow(sampleRow(id));
 }
 
 inline std::vector<Row> rowsOf(Cursor cursor)
