@@ -1,12 +1,10 @@
 // The daily archive of the measurement store.
 
 #include "app/settings/station.h"
-#include "jet/database.h"
 #include "platform/durable_file.h"
 #include "platform/file_date.h"
 #include "platform/operator.h"
 #include "storage/measurement_store.h"
-#include "storage/storage_file.h"
 #include "storage/tabel.h"
 #include "storage/texts.h"
 
@@ -20,7 +18,7 @@ void MeasurementStore::arhiveaza_baza_date(const QString &nume)
     const QString archive = m_station.archiveFolder() + QStringLiteral("arh_") +
                             data_pentru_fisier(m_clock, false, false) + QLatin1Char('_') + nume;
     const std::optional<Failure> failure =
-        attempt([&] { archiveAndEmpty(m_station.storagePath(nume), archive); });
+        attempt([&] { archiveAndEmpty(nume, archive); });
     if (failure) {
         if (failure->number == static_cast<int>(jet::ErrorCode::NoCurrentRecord))
             m_operator.tell(texts::storageEmpty(nume), Operator::Icon::Exclamation);
@@ -33,8 +31,9 @@ void MeasurementStore::arhiveaza_baza_date(const QString &nume)
         emit browserMayReopen();
 }
 
-void MeasurementStore::archiveAndEmpty(const QString &storage, const QString &archive) const
+void MeasurementStore::archiveAndEmpty(const QString &nume, const QString &archive) const
 {
+    const QString storage = m_station.storagePath(nume);
     if (!QFileInfo::exists(storage))
         throw RuntimeError(RuntimeError::FileNotFound);
     // Opening finishes what a stopped program left undone, and the transaction keeps others from
@@ -44,7 +43,7 @@ void MeasurementStore::archiveAndEmpty(const QString &storage, const QString &ar
     std::optional<jet::Transaction> transaction;
     std::exception_ptr notOpened;
     try {
-        database.emplace(jet::Database::open(nativePath(storage)));
+        database.emplace(openStorage(nume));
         transaction.emplace(*database);
     } catch (const jet::Error &) {
         notOpened = std::current_exception();

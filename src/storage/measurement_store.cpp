@@ -1,6 +1,5 @@
 #include "storage/measurement_store.h"
 #include "app/settings/station.h"
-#include "jet/database.h"
 #include "platform/clock.h"
 #include "platform/operator.h"
 #include "platform/runtime_error.h"
@@ -48,9 +47,15 @@ std::int32_t largestId(const jet::Table &table)
 
 } // namespace
 
-MeasurementStore::MeasurementStore(Station &station, Operator &op, const Clock &clock)
-    : m_station(station), m_operator(op), m_clock(clock)
+MeasurementStore::MeasurementStore(Station &station, Operator &op, const Clock &clock,
+                                   const jet::OpenOptions &options)
+    : m_station(station), m_operator(op), m_clock(clock), m_options(options)
 {
+}
+
+jet::Database MeasurementStore::openStorage(const QString &nume) const
+{
+    return jet::Database::open(nativePath(m_station.storagePath(nume)), m_options);
 }
 
 std::optional<MeasurementStore::Failure>
@@ -91,7 +96,7 @@ void MeasurementStore::adauga_inregistrare(const QString &nume)
 
 int MeasurementStore::appendRecord(const QString &nume)
 {
-    jet::Database database = jet::Database::open(nativePath(m_station.storagePath(nume)));
+    jet::Database database = openStorage(nume);
     jet::Table table = database.table(tabel::kName);
     jet::Assignments record{{tabel::kId, static_cast<std::int32_t>(table.recordCount() + 1)}};
     const jet::Assignments values = sampleValues(m_station, table);
@@ -136,7 +141,7 @@ void MeasurementStore::repara_baza_date(const QString &nume)
     retryWhileLocked(
         nume,
         [&] {
-            jet::Database database = jet::Database::open(nativePath(m_station.storagePath(nume)));
+            jet::Database database = openStorage(nume);
             rebuildTabel(database, tabel::momentValue(m_clock.now()));
         },
         failure);
@@ -150,7 +155,6 @@ void MeasurementStore::repara_baza_date(const QString &nume)
 
 void MeasurementStore::sterge_tabel_temporar()
 {
-    jet::Database database =
-        jet::Database::open(nativePath(m_station.storagePath(m_station.NumeFisier[0])));
+    jet::Database database = openStorage(m_station.NumeFisier[0]);
     dropScratchTable(database);
 }

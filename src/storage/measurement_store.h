@@ -1,5 +1,7 @@
 #pragma once
 
+#include "jet/database.h"
+
 #include <QObject>
 #include <QSet>
 #include <functional>
@@ -18,8 +20,10 @@ class MeasurementStore : public QObject
 {
     Q_OBJECT
 public:
-    /// All must outlive this object.
-    MeasurementStore(Station &station, Operator &op, const Clock &clock);
+    /// All must outlive this object. `options`: how storage files are opened; simulations of whole
+    /// days need no syncs.
+    MeasurementStore(Station &station, Operator &op, const Clock &clock,
+                     const jet::OpenOptions &options = {});
 
     /// Appends one record with the sensors' present values to table Tabel of storage file `nume`.
     /// File missing: the operator is told, Station::monitorActive cleared, monitorStopped()
@@ -59,14 +63,16 @@ private:
 
     static std::optional<Failure> attempt(const std::function<void()> &action);
     void tellFailure(const Failure &failure);
+    jet::Database openStorage(const QString &nume) const;
     int appendRecord(const QString &nume);
     void retryWhileLocked(const QString &nume, const std::function<void()> &step,
                           std::optional<Failure> &failure);
-    void archiveAndEmpty(const QString &storage, const QString &archive) const;
+    void archiveAndEmpty(const QString &nume, const QString &archive) const;
 
     Station &m_station;
     Operator &m_operator;
     const Clock &m_clock;
+    jet::OpenOptions m_options;
     /// Storage files whose numbers still collide after a repair: records are missing in the middle.
     QSet<QString> m_gaps;
 };
