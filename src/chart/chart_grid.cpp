@@ -1,6 +1,9 @@
 #include "chart/chart_grid.h"
 #include "platform/runtime_error.h"
 
+#include <algorithm>
+#include <utility>
+
 ChartGrid::ChartGrid(const QString &tag, const QStringList &columnLabels, int rowCount,
                      QObject *parent)
     : QObject(parent), m_tag(tag), m_rowCount(rowCount)
@@ -44,14 +47,21 @@ void ChartGrid::setColumn(int column)
     m_column = column;
 }
 
+const double &ChartGrid::cell() const
+{
+    if (m_row > m_rowCount) // rows were dropped
+        throw RuntimeError(RuntimeError::SubscriptOutOfRange);
+    return columnAt(m_column).values[static_cast<std::size_t>(m_row - 1)];
+}
+
 double ChartGrid::data() const
 {
-    return columnAt(m_column).values.at(std::size_t(m_row - 1));
+    return cell();
 }
 
 void ChartGrid::setData(double value)
 {
-    columnAt(m_column).values.at(std::size_t(m_row - 1)) = value;
+    const_cast<double &>(cell()) = value;
     emit dataChanged(m_column, m_row);
 }
 

@@ -10,7 +10,8 @@
 /// diagrams works on a grid, a ChartView draws it.
 ///
 /// A current row and column select the cell or the column that data(), setData(), columnLabel() and
-/// setColumnLabel() mean. Selecting outside the grid throws RuntimeError 9.
+/// setColumnLabel() mean. Selecting outside the grid throws RuntimeError 9, and so does data() once
+/// the current row was dropped.
 class ChartGrid : public QObject
 {
     Q_OBJECT
@@ -69,6 +70,7 @@ private:
 
     const Column &columnAt(int column) const;
     Column &columnAt(int column);
+    const double &cell() const;
 
     QString m_tag;
     std::vector<Column> m_columns;

@@ -74,19 +74,19 @@ void MovableLegend::takeOut()
     m_docked = false;
 }
 
-/// The inset layout wants fractions of the plot area, so the legend keeps its place when the window
-/// is resized.
+/// The inset layout takes fractions of the plot area, so the legend keeps its place when the window
+/// is resized; without a size of its own it is as large as its text needs.
 void MovableLegend::place(QPoint topLeft)
 {
     const QRect area = m_plot.axisRect()->rect();
     const QSize size = m_plot.legend->minimumOuterSizeHint();
     if (area.isEmpty())
         return;
-    const QPoint inside(
-        qBound(area.left(), topLeft.x(), qMax(area.left(), area.right() - size.width())),
-        qBound(area.top(), topLeft.y(), qMax(area.top(), area.bottom() - size.height())));
-    const QPointF offset = inside - area.topLeft();
+    const int left =
+        qBound(area.left(), topLeft.x(), qMax(area.left(), area.right() - size.width()));
+    const int top =
+        qBound(area.top(), topLeft.y(), qMax(area.top(), area.bottom() - size.height()));
     m_plot.axisRect()->insetLayout()->setInsetRect(
-        0, QRectF(offset.x() / area.width(), offset.y() / area.height(),
-                  double(size.width()) / area.width(), double(size.height()) / area.height()));
+        0, QRectF(double(left - area.left()) / area.width(),
+                  double(top - area.top()) / area.height(), 0, 0));
 }

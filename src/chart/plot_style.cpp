@@ -26,21 +26,35 @@ constexpr QRgb kFrame = 0xFF909090;
 constexpr int kSmallestFont = 9;
 constexpr int kLargestFont = 13;
 
+/// How far a step that meets both limits may be from the wanted one.
+constexpr double kStepTolerance = 1.7;
+
 const std::array<QCPAxis::AxisType, 4> kSides{QCPAxis::atLeft, QCPAxis::atRight, QCPAxis::atTop,
                                               QCPAxis::atBottom};
+
+double magnitudeOf(double number)
+{
+    return std::pow(10.0, std::floor(std::log10(number)));
+}
+
+bool isMultiple(double number, double step)
+{
+    const double steps = number / step;
+    return std::abs(steps - std::round(steps)) < 1e-6;
+}
 
 } // namespace
 
 QPen seriesPen(int series, int seriesCount, bool dense)
 {
     if (series >= seriesCount - kAlarmSeries) {
-        QPen pen(QColor::fromRgb(kVermilion), 1.2);
+        QPen pen(QColor::fromRgb(kVermilion), 1);
         pen.setDashPattern({6, 4});
         return pen;
     }
     QPen pen(QColor::fromRgb(kReadingColours[std::size_t(series) % kReadingColours.size()]),
              dense ? 1.0 : 2.0);
-    pen.setJoinStyle(Qt::RoundJoin);
+    pen.setCapStyle(Qt::RoundCap);
     return pen;
 }
 
@@ -66,7 +80,7 @@ void applyScale(QCustomPlot &plot, const PlotScale &scale)
     plot.yAxis->ticker()->setTickCount(scale.valueTicks);
     // The same left margin for all usual limits keeps charts that stand one above the other in
     // line.
-    rect.setMinimumMargins(QMargins(4 * scale.fontPixels, pad + 1, pad, 0));
+    rect.setMinimumMargins(QMargins(4 * scale.fontPixels, scale.fontPixels, pad, 0));
 
     QCPLegend &legend = *plot.legend;
     legend.setFont(font);
@@ -98,6 +112,7 @@ void applyStyle(QCustomPlot &plot)
         axis.grid()->setZeroLinePen(Qt::NoPen);
     }
     plot.xAxis->setTicker(QSharedPointer<RowTicker>::create());
+    plot.yAxis->setTicker(QSharedPointer<ValueTicker>::create());
     plot.yAxis->setNumberFormat(QStringLiteral("g"));
     plot.legend->setTextColor(QColor::fromRgb(kInk));
     plot.legend->setBorderPen(Qt::NoPen);
@@ -108,7 +123,7 @@ void applyStyle(QCustomPlot &plot)
 double RowTicker::getTickStep(const QCPRange &range)
 {
     const double wanted = range.size() / tickCount();
-    const double magnitude = std::pow(10.0, std::floor(std::log10(std::max(wanted, 1.0))));
+    const double magnitude = magnitudeOf(std::max(wanted, 1.0));
     for (const double mantissa : {1.0, 2.0, 5.0})
         if (mantissa * magnitude >= wanted)
             return mantissa * magnitude;
@@ -126,4 +141,20 @@ int RowTicker::getSubTickCount(double tickStep)
 QString RowTicker::getTickLabel(double tick, const QLocale &, QChar, int)
 {
     return ChartGrid::rowLabel(static_cast<int>(std::lround(tick)));
+}
+
+double ValueTicker::getTickStep(const QCPRange &range)
+{
+    const double wanted = range.size() / tickCount();
+    double best = QCPAxisTicker::getTickStep(range);
+    double bestRatio = kStepTolerance;
+    for (const double mantissa : {1.0, 2.0, 2.5, 5.0, 10.0}) {
+        const double step = mantissa * magnitudeOf(wanted);
+        const double ratio = std::max(step / wanted, wanted / step);
+        if (ratio < bestRatio && isMultiple(range.lower, step) && isMultiple(range.upper, step)) {
+            best = step;
+            bestRatio = ratio;
+        }
+    }
+    return best;
 }

@@ -35,3 +35,10 @@ protected:
     QString getTickLabel(double tick, const QLocale &locale, QChar formatChar,
                          int precision) override;
 };
+
+/// Ticks of the value axis: the usual round steps, if possible one that has a tick at both limits.
+class ValueTicker final : public QCPAxisTicker
+{
+protected:
+    double getTickStep(const QCPRange &range) override;
+};
