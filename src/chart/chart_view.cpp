@@ -6,6 +6,7 @@
 #include <QApplication>
 #include <QMouseEvent>
 #include <QSignalBlocker>
+#include <algorithm>
 
 namespace
 {
@@ -40,6 +41,7 @@ ChartView::ChartView(ChartGrid &grid, QWidget *parent)
 {
     // The plot would otherwise paint a transparent backdrop black.
     m_plot->setAttribute(Qt::WA_OpaquePaintEvent, false);
+    m_plot->setAttribute(Qt::WA_NoMousePropagation, false);
     m_plot->setInteractions(QCP::iRangeDrag | QCP::iRangeZoom);
     m_plot->setNoAntialiasingOnDrag(true);
     applyStyle(*m_plot);
@@ -160,14 +162,20 @@ void ChartView::keepRowsInSight()
 
 void ChartView::pick(QPoint position)
 {
-    if (m_legend->contains(position))
+    const int tolerance = m_plot->selectionTolerance();
+    const QRect area = m_plot->axisRect()->rect();
+    if (m_legend->contains(position) ||
+        !area.adjusted(-tolerance, -tolerance, tolerance, tolerance).contains(position))
         return;
+    // The first and the last row lie on the border, where half of the clicks miss the plot area.
+    const QPointF inside(std::clamp(position.x(), area.left(), area.right()),
+                         std::clamp(position.y(), area.top(), area.bottom()));
     int nearestSeries = -1;
     int nearestRow = 0;
-    double nearest = m_plot->selectionTolerance();
+    double nearest = tolerance;
     for (int series = 0; series < m_plot->graphCount(); ++series) {
         QVariant details;
-        const double distance = m_plot->graph(series)->selectTest(position, false, &details);
+        const double distance = m_plot->graph(series)->selectTest(inside, false, &details);
         if (distance < 0 || distance >= nearest)
             continue;
         nearest = distance;

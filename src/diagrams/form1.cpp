@@ -6,12 +6,12 @@
 #include "diagrams/texts.h"
 #include "platform/runtime_error.h"
 #include "platform/twips.h"
+#include "platform/window_frame.h"
 
 #include <QCloseEvent>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLayout>
-#include <QMdiSubWindow>
 #include <QMouseEvent>
 #include <QPushButton>
 #include <algorithm>
@@ -127,7 +127,7 @@ void Form1::aranjare_diagrame(QSize mainInner)
     fitTitles(titleRoom(main));
 
     const DiagramsLayout layout =
-        diagramsLayout(main, {twipsSize(outerWindow().size()), double(twipsFromPixels(width())),
+        diagramsLayout(main, {twipsSize(frameOf(*this)->size()), double(twipsFromPixels(width())),
                               twipsSize(m_upper.title->size()), twipsSize(m_lower.title->size()),
                               twipsSize(m_controlCentre->size())});
     m_upper.chart->setGeometry(pixelRect(layout.chart1));
@@ -139,16 +139,9 @@ void Form1::aranjare_diagrame(QSize mainInner)
     m_controlCentre->setGeometry(pixelRect(layout.button));
 }
 
-QWidget &Form1::outerWindow()
-{
-    if (auto *frame = qobject_cast<QMdiSubWindow *>(parentWidget()))
-        return *frame;
-    return *this;
-}
-
 void Form1::resizeOuter(TwipsSize size)
 {
-    QWidget &outer = outerWindow();
+    QWidget &outer = *frameOf(*this);
     if (outer.isMaximized() || outer.isMinimized())
         return;
     outer.resize(pixelSize(size));

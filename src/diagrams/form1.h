@@ -62,7 +62,6 @@ private:
     Panel createPanel(int index);
     void showPoint(const Panel &panel, int series, int point);
     void centreTitles();
-    QWidget &outerWindow();
     void resizeOuter(TwipsSize size);
     void fitTitles(double room);
 

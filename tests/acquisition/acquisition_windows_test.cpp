@@ -2,6 +2,7 @@
 #include "acquisition/form_eroare.h"
 #include "platform/twips.h"
 #include "tests/acquisition/acquisition_rig.h"
+#include "tests/support/controls.h"
 #include "tests/support/station_folder.h"
 
 #include <QLabel>
@@ -9,12 +10,6 @@
 #include <QMdiSubWindow>
 #include <QPushButton>
 #include <QtTest/QTest>
-
-template <typename Control>
-static Control &control(const QWidget &form, const char *name)
-{
-    return *form.findChild<Control *>(QLatin1String(name));
-}
 
 namespace
 {

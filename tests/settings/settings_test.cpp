@@ -2,8 +2,8 @@
 #include "app/settings/schedule.h"
 #include "app/settings/settings.h"
 #include "chart/chart_grid.h"
-#include "platform/runtime_error.h"
 #include "tests/support/fake_operator.h"
+#include "tests/support/runtime_errors.h"
 #include "tests/support/station_folder.h"
 
 #include <QFile>
@@ -24,16 +24,6 @@ protected:
             record.name = QString::fromLatin1(name);
             station.Diagrame.push_back(record);
         }
-    }
-
-    int errorOf(const std::function<void()> &call)
-    {
-        try {
-            call();
-        } catch (const RuntimeError &error) {
-            return error.number();
-        }
-        return 0;
     }
 
     StationFolder folder;

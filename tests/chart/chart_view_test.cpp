@@ -1,0 +1,184 @@
+#include "chart/chart_grid.h"
+#include "chart/chart_view.h"
+#include "tests/support/runtime_errors.h"
+
+#include <QSignalSpy>
+#include <QWheelEvent>
+#include <QtTest/QTest>
+#include <gtest/gtest.h>
+#include <qcustomplot.h>
+
+namespace
+{
+
+/// Three readings 2 degrees apart between alarm limits, shown on an axis from 0 to 150.
+class ChartViewTest : public ::testing::Test
+{
+protected:
+    ChartViewTest()
+    {
+        grid.setValueAxisMaximum(150);
+        grid.setRowLabelsShown(true);
+        fill();
+        view.resize(900, 260);
+        view.show();
+        QCoreApplication::processEvents();
+    }
+    void fill()
+    {
+        const double values[] = {120, 122, 124, 10, 138};
+        for (int column = 1; column <= 5; ++column)
+            grid.fillColumn(column, values[column - 1]);
+    }
+    QPoint pixelOf(int series, int row) const
+    {
+        return {int(std::lround(plot.xAxis->coordToPixel(row))),
+                int(std::lround(plot.yAxis->coordToPixel(grid.columnData(series)[row - 1u])))};
+    }
+    void drag(QPoint from, QPoint to)
+    {
+        QTest::mousePress(&plot, Qt::LeftButton, {}, from);
+        QTest::mouseMove(&plot, (from + to) / 2);
+        QTest::mouseMove(&plot, to);
+        QTest::mouseRelease(&plot, Qt::LeftButton, {}, to);
+        QCoreApplication::processEvents();
+    }
+    void doubleClick(QPoint at)
+    {
+        QTest::mouseDClick(&plot, Qt::LeftButton, {}, at);
+        QCoreApplication::processEvents();
+    }
+    void zoom(QPoint at)
+    {
+        QWheelEvent wheel(at, plot.mapToGlobal(at), {}, {0, 120}, {}, {}, Qt::NoScrollPhase, false);
+        QCoreApplication::sendEvent(&plot, &wheel);
+    }
+    QPoint legendCentre() const { return plot.legend->outerRect().center(); }
+    void expectAllRows(double maximum) const
+    {
+        EXPECT_EQ(plot.xAxis->range(), QCPRange(1, grid.rowCount()));
+        EXPECT_EQ(plot.yAxis->range(), QCPRange(0, maximum));
+    }
+
+    ChartGrid grid{"Diagrama1", {"T1", "T2", "T3", "AL", "AL"}, 60};
+    ChartView view{grid};
+    QCustomPlot &plot = *view.findChild<QCustomPlot *>();
+};
+
+} // namespace
+
+TEST_F(ChartViewTest, ManyEditsAreOneRepaint)
+{
+    QSignalSpy repaints(&plot, &QCustomPlot::afterReplot);
+    fill();
+    for (int row = 1; row <= 60; ++row) {
+        grid.setRow(row);
+        grid.setData(row);
+    }
+    grid.setColumnLabel("Camera");
+    grid.setBackdrop(ChartGrid::Backdrop::Transparent);
+    QTRY_COMPARE(repaints.size(), 1);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(repaints.size(), 1);
+    EXPECT_EQ(plot.graph(0)->data()->at(59)->value, 60);
+    EXPECT_EQ(plot.graph(0)->name(), "Camera");
+}
+
+TEST_F(ChartViewTest, PickTakesTheNearestLineAndPoint)
+{
+    QSignalSpy picks(&view, &ChartView::pointPicked);
+    for (const int rows : {60, 86400}) {
+        grid.setRowCount(rows);
+        fill();
+        plot.replot();
+        for (const auto &[series, row] : {std::pair(1, 1), {2, rows / 2}, {3, rows}, {5, 7}}) {
+            QTest::mouseClick(&plot, Qt::LeftButton, {}, pixelOf(series, row));
+            ASSERT_FALSE(picks.isEmpty()) << series << ' ' << row;
+            const QVariantList pick = picks.takeLast();
+            EXPECT_EQ(pick.at(0).toInt(), series);
+            EXPECT_NEAR(pick.at(1).toInt(), row, rows / 700) << "as exact as a pixel";
+        }
+    }
+    picks.clear();
+    QTest::mouseClick(&plot, Qt::LeftButton, {}, QPoint(450, 120)); // between the lines
+    QTest::mouseClick(&plot, Qt::LeftButton, {}, legendCentre());
+    QTest::mouseClick(&plot, Qt::RightButton, {}, pixelOf(2, 30));
+    drag(pixelOf(2, 30), pixelOf(2, 30) + QPoint(40, 0));
+    EXPECT_TRUE(picks.isEmpty());
+}
+
+TEST_F(ChartViewTest, DoubleClickOnThePlotRestoresTheLayout)
+{
+    const QPoint middle(450, 120);
+    zoom(middle);
+    drag(middle, middle + QPoint(5000, 30));
+    EXPECT_EQ(plot.xAxis->range().lower, 1) << "dragging ends at the first row";
+    EXPECT_LT(plot.xAxis->range().upper, 60);
+    grid.setColumnLabel("T9");
+    QCoreApplication::processEvents();
+    EXPECT_LT(plot.xAxis->range().upper, 60) << "a new name leaves the zoom alone";
+    doubleClick(middle);
+    expectAllRows(150);
+
+    zoom(middle);
+    grid.setValueAxisMaximum(200);
+    QCoreApplication::processEvents();
+    expectAllRows(200);
+}
+
+TEST_F(ChartViewTest, LegendIsDraggedAndPutBack)
+{
+    const QRect home = plot.legend->outerRect();
+    EXPECT_GT(home.left(), plot.axisRect()->right());
+    drag(legendCentre(), QPoint(300, 100));
+    EXPECT_TRUE(plot.axisRect()->rect().contains(plot.legend->outerRect()));
+    expectAllRows(150); // the plot stood still
+    drag(legendCentre(), QPoint(-500, -500));
+    EXPECT_TRUE(plot.axisRect()->rect().contains(plot.legend->outerRect()));
+    doubleClick(legendCentre());
+    EXPECT_EQ(plot.legend->outerRect(), home);
+}
+
+TEST_F(ChartViewTest, ImageShowsTheGridAsItIsNow)
+{
+    const QColor window(1, 2, 3);
+    grid.setBackdrop(ChartGrid::Backdrop::Transparent); // not repainted yet
+    EXPECT_EQ(view.image(window).pixelColor(2, 2), window);
+    grid.setBackdrop(ChartGrid::Backdrop::White);
+    const QImage picture = view.image(window);
+    EXPECT_EQ(picture.pixelColor(2, 2), QColor(Qt::white));
+    EXPECT_EQ(picture.size(), view.size());
+}
+
+TEST_F(ChartViewTest, TicksAreReadableAtAnySize)
+{
+    struct {
+        QSize size;
+        int rows;
+    } const charts[] = {{{560, 110}, 60}, {{1900, 320}, 60}, {{700, 150}, 86400}, {{4400, 300}, 3}};
+    for (const auto &chart : charts) {
+        grid.setRowCount(chart.rows);
+        view.resize(chart.size);
+        plot.replot();
+        const QVector<double> ticks = plot.xAxis->tickVector();
+        const QVector<QString> labels = plot.xAxis->tickVectorLabels();
+        const double spacing =
+            plot.xAxis->coordToPixel(ticks.at(1)) - plot.xAxis->coordToPixel(ticks.at(0));
+        const QFontMetrics metrics(plot.xAxis->tickLabelFont());
+        EXPECT_GT(spacing, 1.2 * metrics.horizontalAdvance(labels.constLast())) << chart.rows;
+        EXPECT_GE(labels.size(), 3) << chart.rows;
+        for (int i = 0; i < ticks.size(); ++i)
+            EXPECT_EQ(labels.at(i), QString("R%1").arg(ticks.at(i))) << "whole rows only";
+        EXPECT_TRUE(plot.yAxis->tickVector().contains(150)) << "the limit has a label";
+        EXPECT_LT(plot.legend->outerRect().bottom(), view.height());
+    }
+}
+
+TEST_F(ChartViewTest, DroppedRowsCannotBeRead)
+{
+    grid.setRow(60);
+    grid.setRowCount(59);
+    EXPECT_EQ(errorOf([&] { grid.data(); }), RuntimeError::SubscriptOutOfRange);
+    EXPECT_EQ(errorOf([&] { grid.setData(1); }), RuntimeError::SubscriptOutOfRange);
+    EXPECT_EQ(errorOf([&] { grid.setRow(60); }), RuntimeError::SubscriptOutOfRange);
+}

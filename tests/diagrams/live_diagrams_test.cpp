@@ -1,0 +1,193 @@
+#include "tests/diagrams/diagrams_rig.h"
+#include "tests/support/runtime_errors.h"
+
+namespace
+{
+
+class LiveDiagramsTest : public DiagramsRig
+{
+protected:
+    void load(LiveDiagrams &diagrams)
+    {
+        diagrams.loadTables();
+        diagrams.loadSettings();
+    }
+    static LiveDiagrams::Charts charts(const std::vector<std::pair<QString, int>> &tagsAndRows,
+                                       int sensorSeries = 3)
+    {
+        LiveDiagrams::Charts result;
+        for (const auto &[tag, rows] : tagsAndRows)
+            result.push_back(
+                std::make_unique<ChartGrid>(tag, QStringList(sensorSeries + 2, "x"), rows));
+        return result;
+    }
+
+    LiveDiagrams live{station, settings, time};
+    ChartGrid &chart1 = live.chart(0);
+    ChartGrid &chart2 = live.chart(1);
+};
+
+} // namespace
+
+TEST_F(LiveDiagramsTest, LoadBuildsTheTablesAndDrawsTheSettings)
+{
+    folder.setValue("Diagrama2.Senzor3.Nume =", "Camera");
+    folder.setValue("Diagrama2.limita_minima =", "20");
+    folder.setValue("Calibrare.Diagrama2.Senzor3 =", "-1.5");
+    folder.setValue("Diagrama1.interval_scanare =", "90");
+    station.currentRow = 17;
+    load(live);
+
+    ASSERT_EQ(station.sensors.size(), 6u);
+    const Sensor &last = station.sensors.back();
+    EXPECT_EQ(last.key, "Diagrama2.Senzor3");
+    EXPECT_EQ(last.name, "Camera");
+    EXPECT_EQ(last.label, "Senzor6");
+    EXPECT_EQ(last.channelCode, "");
+    EXPECT_EQ(last.diagram, 1);
+    EXPECT_EQ(last.calibrationText, "-1,5");
+    EXPECT_EQ(chart2.columnLabelOf(3), "Camera");
+
+    EXPECT_EQ(station.Diagrame[1].diagramNumber, 1);
+    EXPECT_EQ(station.Diagrame[1].timeStamps.size(), 61u);
+    for (const int row : {1, 60}) {
+        EXPECT_EQ(valueAt(chart2, 1, row), 20);
+        EXPECT_EQ(valueAt(chart2, 4, row), 10);
+        EXPECT_EQ(valueAt(chart2, 5, row), 138);
+    }
+    EXPECT_EQ(chart2.valueAxisMinimum(), 20);
+    EXPECT_EQ(chart2.valueAxisMaximum(), 150);
+    EXPECT_TRUE(chart2.rowLabelsShown());
+    EXPECT_EQ(chart2.backdrop(), ChartGrid::Backdrop::Transparent);
+    EXPECT_EQ(station.currentRow, 1);
+    EXPECT_EQ(station.nextSampling, time.now().addSecs(90));
+    EXPECT_TRUE(op.told.isEmpty());
+}
+
+TEST_F(LiveDiagramsTest, ChartsAreDiagramsByTagAndSortedByIt)
+{
+    folder.setConfig(folder.config().replace("Diagrama2.", "diagrama2."));
+    LiveDiagrams other(station, settings, time,
+                       charts({{"diagrama2", 60}, {"Legenda", 60}, {"Diagrama1", 60}}));
+    load(other);
+    ASSERT_EQ(station.Diagrame.size(), 2u);
+    EXPECT_EQ(station.Diagrame[0].chart, &other.chart(2));
+    EXPECT_EQ(station.Diagrame[0].diagramNumber, 1) << "the order found, not the order sorted";
+    EXPECT_EQ(station.Diagrame[1].name, "diagrama2");
+    EXPECT_EQ(station.sensors[3].key, "diagrama2.Senzor1");
+}
+
+TEST_F(LiveDiagramsTest, SweepClearsBeforeTheLastRow)
+{
+    load(live);
+    for (int row = 1; row <= 59; ++row)
+        sample(live, row);
+    EXPECT_EQ(valueAt(chart1, 1, 1), 1);
+    EXPECT_EQ(valueAt(chart2, 3, 59), 59);
+    EXPECT_EQ(valueAt(chart2, 3, 60), 0) << "the last row keeps the lower graph limit";
+    EXPECT_EQ(station.currentRow, 60);
+
+    sample(live, 100);
+    for (ChartGrid *chart : {&chart1, &chart2}) {
+        EXPECT_EQ(valueAt(*chart, 2, 1), 100);
+        EXPECT_EQ(valueAt(*chart, 2, 2), 0);
+        EXPECT_EQ(valueAt(*chart, 2, 59), 0);
+        EXPECT_EQ(valueAt(*chart, 4, 59), 10) << "alarm lines stay";
+        EXPECT_EQ(valueAt(*chart, 5, 59), 138);
+    }
+    EXPECT_EQ(station.currentRow, 2);
+
+    sample(live, 101);
+    live.goleste_diagramele();
+    EXPECT_EQ(valueAt(chart1, 2, 1), 0);
+    EXPECT_EQ(chart1.row(), 1);
+    EXPECT_EQ(station.currentRow, 1);
+}
+
+TEST_F(LiveDiagramsTest, ShorterChartClearsAllOfThem)
+{
+    LiveDiagrams other(station, settings, time, charts({{"Diagrama1", 60}, {"Diagrama2", 4}}));
+    load(other);
+    for (int i = 1; i <= 4; ++i)
+        sample(other, i);
+    EXPECT_EQ(valueAt(other.chart(0), 1, 4), 0) << "written, then cleared by the full one";
+    EXPECT_EQ(valueAt(other.chart(1), 1, 1), 4);
+    EXPECT_EQ(station.currentRow, 2);
+}
+
+TEST_F(LiveDiagramsTest, ReadingsReachTheirSeriesByName)
+{
+    folder.setValue("Diagrama2.Senzor1.Nume =", "T1"); // like the first sensor of Diagrama1
+    load(live);
+    chart1.setColumn(3);
+    chart1.setColumnLabel("t2"); // no sensor's name: letter case counts
+    for (std::size_t i = 0; i < station.sensors.size(); ++i)
+        station.sensors[i].value = 100 + static_cast<double>(i);
+    live.adauga_citiri(station.sensors);
+
+    EXPECT_EQ(valueAt(chart1, 1, 1), 100);
+    EXPECT_EQ(valueAt(chart1, 2, 1), 101);
+    EXPECT_EQ(valueAt(chart1, 3, 1), 0) << "keeps its value";
+    EXPECT_EQ(valueAt(chart2, 1, 1), 100) << "the first sensor of that name";
+    EXPECT_EQ(valueAt(chart2, 2, 1), 104);
+}
+
+TEST_F(LiveDiagramsTest, PointTextTellsLabelValueAndMoment)
+{
+    load(live);
+    sample(live, 121.25);
+    EXPECT_EQ(live.pointText(chart2, 1, 1), "T4 = 121,25\r\n07.03.2026 09:05:01");
+    EXPECT_EQ(station.Diagrame[1].timeStamps[1].time().msec(), 0);
+    EXPECT_EQ(live.pointText(chart2, 5, 2), "AL = 138\r\n00:00:00") << "row not yet written";
+    EXPECT_EQ(chart2.row(), 2);
+    EXPECT_EQ(chart2.column(), 5);
+
+    ChartGrid stranger("Diagrama3", {"x"}, 60);
+    EXPECT_EQ(errorOf([&] { live.pointText(chart1, 1, 61); }), RuntimeError::SubscriptOutOfRange);
+    EXPECT_EQ(errorOf([&] { live.pointText(chart1, 6, 1); }), RuntimeError::SubscriptOutOfRange);
+    EXPECT_EQ(errorOf([&] { live.pointText(stranger, 1, 1); }), RuntimeError::SubscriptOutOfRange);
+    chart1.setRowCount(70);
+    EXPECT_EQ(errorOf([&] { live.pointText(chart1, 1, 65); }), RuntimeError::SubscriptOutOfRange)
+        << "beyond the time stamps";
+}
+
+TEST_F(LiveDiagramsTest, CountersAreChecked)
+{
+    LiveDiagrams four(station, settings, time, charts({{"Diagrama1", 60}}, 4));
+    EXPECT_EQ(errorOf([&] { four.loadTables(); }), RuntimeError::SubscriptOutOfRange);
+    for (const auto &[count, error] :
+         {std::pair(85, 0), std::pair(86, int(RuntimeError::Overflow))}) {
+        LiveDiagrams many(
+            station, settings, time,
+            charts(std::vector(std::size_t(count), std::pair(QString("Diagrama1"), 2))));
+        EXPECT_EQ(errorOf([&] { many.loadTables(); }), error) << 3 * count << " sensors";
+    }
+
+    LiveDiagrams none(station, settings, time, charts({}));
+    none.loadTables();
+    none.adauga_citiri(station.sensors);
+    EXPECT_EQ(station.currentRow, 2) << "with no diagram the row still advances";
+    station.currentRow = 32767;
+    EXPECT_EQ(errorOf([&] { none.adauga_citiri(station.sensors); }), RuntimeError::Overflow);
+    EXPECT_EQ(errorOf([&] { initializare_diagrama(chart1, station, 0); }),
+              RuntimeError::SubscriptOutOfRange);
+}
+
+/// A running cycle goes on while a message of a second load is shown.
+TEST_F(LiveDiagramsTest, OldTablesHoldWhileAMessageIsOpen)
+{
+    load(live);
+    const QByteArray shipped = folder.config();
+    for (const QByteArray key : {"Diagrama1.Senzor2.Nume", "Diagrama2.Titlu"}) {
+        folder.setConfig(QByteArray(shipped).replace(key, "x"));
+        op.told.clear();
+        op.meanwhile = [&] {
+            ASSERT_EQ(station.sensors.size(), 6u) << key.toStdString();
+            EXPECT_EQ(station.sensors[1].calibrationText, "0");
+            EXPECT_EQ(station.Diagrame[1].alarma_maxim, 138);
+            EXPECT_EQ(station.Diagrame[0].interval_scanare, 1);
+        };
+        load(live);
+        EXPECT_EQ(op.told, QStringList("Eroare in /config/config.ini")) << key.toStdString();
+    }
+}
