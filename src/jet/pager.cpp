@@ -190,7 +190,17 @@ void Pager::applyChanges()
         log.resize(0);
         throw;
     }
-    log.resize(0);
+    emptyJournal(log);
+}
+
+/// The statement is stored by now; a journal that cannot be emptied only repeats it.
+void Pager::emptyJournal(File &journal)
+{
+    try {
+        journal.resize(0);
+    } catch (const Error &) {
+        m_mustLook = true;
+    }
 }
 
 void Pager::undoChanges()
@@ -324,7 +334,7 @@ void Pager::finishJournal()
         refreshPageCount();
         releasePages();
     }
-    log->resize(0);
+    emptyJournal(*log);
 }
 
 void Pager::loadOverlay()

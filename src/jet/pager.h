@@ -97,6 +97,7 @@ private:
     void finishJournal();
     void applyChanges();
     void undoChanges();
+    void emptyJournal(File &journal);
     bool journalIsEmpty();
     std::unique_ptr<File> openJournal();
     void syncIfWanted(File &file);
