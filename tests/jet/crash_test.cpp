@@ -32,8 +32,8 @@ TableDesign notesDesign()
 {
     TableDesign design;
     design.name = u"Note";
-    design.columns = {{u"Nr", ColumnType::Long}, {u"Text", ColumnType::Memo},
-                      {u"Da", ColumnType::Boolean}};
+    design.columns = {
+        {u"Nr", ColumnType::Long}, {u"Text", ColumnType::Memo}, {u"Da", ColumnType::Boolean}};
     design.indexes = {{u"Nr", {{u"Nr"}}, true}};
     return design;
 }
@@ -54,8 +54,8 @@ void repair(Database &database)
     design.name = u"Tabel2";
     Table copy = database.createTable(design, kSomeDay);
     for (Row &row : rowsOf(old.records()))
-        copy.append(std::move(row));
-    copy.append(sampleRow(static_cast<std::int32_t>(copy.recordCount()) + 1));
+        copy.appendRow(std::move(row));
+    copy.appendRow(sampleRow(static_cast<std::int32_t>(copy.recordCount()) + 1));
     database.dropTable(u"Tabel");
     database.renameTable(u"Tabel2", u"Tabel", kSomeDay);
     transaction.commit();
@@ -63,7 +63,7 @@ void repair(Database &database)
 
 const Scenario kScenarios[] = {
     {"append", [](Database &database) { prepareTabel(database, 20); },
-     [](Database &database) { database.table(u"Tabel").append(sampleRow(21)); }},
+     [](Database &database) { database.table(u"Tabel").appendRow(sampleRow(21)); }},
     {"append with a new page and a split index",
      [](Database &database) { prepareTabel(database, 401); },
      [](Database &database) {
@@ -72,8 +72,7 @@ const Scenario kScenarios[] = {
          appendSamples(table, 402, 460);
          transaction.commit();
      }},
-    {"delete the middle",
-     [](Database &database) { prepareTabel(database, 120); },
+    {"delete the middle", [](Database &database) { prepareTabel(database, 120); },
      [](Database &database) {
          Transaction transaction(database);
          Cursor cursor = database.table(u"Tabel").records();
@@ -93,9 +92,9 @@ const Scenario kScenarios[] = {
     {"long values of every form",
      [](Database &database) {
          Table table = database.createTable(notesDesign(), kSomeDay);
-         table.append(noteRow(1, 20));
-         table.append(noteRow(2, 3000));
-         table.append(noteRow(3, 9000));
+         table.appendRow(noteRow(1, 20));
+         table.appendRow(noteRow(2, 3000));
+         table.appendRow(noteRow(3, 9000));
      },
      [](Database &database) {
          Transaction transaction(database);
@@ -105,7 +104,7 @@ const Scenario kScenarios[] = {
              ASSERT_TRUE(cursor.next());
              cursor.update({{u"Text", Text(length, u'm')}});
          }
-         table.append(noteRow(4, 5000));
+         table.appendRow(noteRow(4, 5000));
          transaction.commit();
      }},
 };

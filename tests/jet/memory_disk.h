@@ -36,9 +36,9 @@ struct MemoryDisk {
     std::map<std::string, Entry> files;
     std::map<std::string, Entry> removed; ///< until the folder is synced
     Fault fault = Fault::None;
-    long faultAt = 0;         ///< number of the operation it hits
+    long faultAt = 0;          ///< number of the operation it hits
     std::size_t keptBytes = 0; ///< of a write that is hit
-    long operations = 0;      ///< writes, resizes, syncs and removals so far
+    long operations = 0;       ///< writes, resizes, syncs and removals so far
     std::size_t lastWrite = 0; ///< length of the write that was hit
     bool fired = false;
 
@@ -97,7 +97,8 @@ struct MemoryDisk {
                 files.try_emplace(name, entry);
         }
         removed.clear();
-        std::erase_if(files, [&](const auto &file) { return !file.second.nameIsDurable && chance(); });
+        std::erase_if(files,
+                      [&](const auto &file) { return !file.second.nameIsDurable && chance(); });
         for (auto &[name, entry] : files) {
             for (const Change &change : entry.pending) {
                 if (change.newSize) {
@@ -140,14 +141,16 @@ public:
     }
     void write(std::uint64_t offset, ByteView bytes) override
     {
-        m_disk.operation([&] { change({offset, Bytes(bytes.begin(), bytes.end()), {}}); },
-                         [&] {
-                             m_disk.lastWrite = bytes.size();
-                             const ByteView kept =
-                                 bytes.first(std::min(bytes.size(), m_disk.keptBytes));
-                             if (!kept.empty())
-                                 change({offset, Bytes(kept.begin(), kept.end()), {}});
-                         });
+        m_disk.operation(
+            [&] {
+                change({offset, Bytes(bytes.begin(), bytes.end()), {}});
+            },
+            [&] {
+                m_disk.lastWrite = bytes.size();
+                const ByteView kept = bytes.first(std::min(bytes.size(), m_disk.keptBytes));
+                if (!kept.empty())
+                    change({offset, Bytes(kept.begin(), kept.end()), {}});
+            });
     }
     std::uint64_t size() override { return entry().content.size(); }
     void resize(std::uint64_t size) override
