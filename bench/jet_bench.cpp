@@ -153,8 +153,7 @@ public:
     {
         const Connection connection(*this);
         connection.run("BEGIN IMMEDIATE");
-        sqlite3_stmt *insert =
-            connection.prepare("INSERT INTO Tabel VALUES (?,?,?,?,?,?,?,?,?,?)");
+        sqlite3_stmt *insert = connection.prepare("INSERT INTO Tabel VALUES (?,?,?,?,?,?,?,?,?,?)");
         for (int id = first; id <= last; ++id) {
             sqlite3_bind_int(insert, 1, id);
             for (int sensor = 1; sensor <= 6; ++sensor)
@@ -327,9 +326,9 @@ void benchDay(const std::filesystem::path &folder)
 
 int main(int argc, char *argv[])
 {
-    const std::filesystem::path folder =
-        argc > 1 ? std::filesystem::path(argv[1])
-                 : std::filesystem::temp_directory_path() / ("jet_bench_" + std::to_string(getpid()));
+    const std::filesystem::path folder = argc > 1 ? std::filesystem::path(argv[1])
+                                                  : std::filesystem::temp_directory_path() /
+                                                        ("jet_bench_" + std::to_string(getpid()));
     std::filesystem::create_directories(folder);
     benchAppend(folder);
     benchDay(folder);

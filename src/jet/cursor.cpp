@@ -99,7 +99,8 @@ Value Cursor::value(std::size_t column) const
         const TableStore &table = store();
         if (column >= table.definition().columns.size())
             throw Error(ErrorCode::NoSuchItem, "Item not found in this collection.");
-        const StoredRow stored = table.rows().readOwned(current());
+        current();
+        const StoredRow stored = m_walk->stored(table);
         return table.readValue(RowView(stored.bytes, table.layout()), column);
     });
 }
@@ -118,7 +119,11 @@ Row Cursor::row() const
 
 void Cursor::read(Row &row) const
 {
-    m_session->read([&] { store().readInto(current(), row); });
+    m_session->read([&] {
+        const TableStore &table = store();
+        const PageNo page = current().page;
+        table.decode(m_walk->stored(table), page, row);
+    });
 }
 
 void Cursor::update(const Assignments &assignments)

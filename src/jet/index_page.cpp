@@ -58,13 +58,18 @@ std::size_t append(MutablePageBytes page, std::size_t used, ByteView bytes)
 void rewriteEnds(MutablePageBytes page, const IndexPage &view, std::size_t skipped,
                  std::size_t index, std::ptrdiff_t shift)
 {
-    std::ranges::fill(page.subspan(kBitmapOffset, kBitmapSize), std::uint8_t{0});
+    // Taken first, as the view may look at this very page.
+    std::vector<std::size_t> ends;
+    ends.reserve(view.count());
     for (std::size_t i = 0; i < view.count(); ++i) {
-        if (i == skipped)
-            continue;
         const std::ptrdiff_t moved = i < index ? 0 : shift;
-        markEnd(page, static_cast<std::size_t>(static_cast<std::ptrdiff_t>(view.endOf(i)) + moved));
+        if (i != skipped)
+            ends.push_back(
+                static_cast<std::size_t>(static_cast<std::ptrdiff_t>(view.endOf(i)) + moved));
     }
+    std::ranges::fill(page.subspan(kBitmapOffset, kBitmapSize), std::uint8_t{0});
+    for (const std::size_t end : ends)
+        markEnd(page, end);
 }
 
 } // namespace
@@ -77,7 +82,7 @@ IndexPage::IndexPage(PageRef page, PageNo pageNo, PageNo owner)
         fail("is no index page");
     if (readU32(*m_page, kOwnerOffset) != owner)
         fail("belongs to the index of another table");
-    findEnds();
+    findLast();
 }
 
 void IndexPage::fail(const char *what) const
@@ -85,24 +90,69 @@ void IndexPage::fail(const char *what) const
     throwDamaged("page " + std::to_string(m_pageNo) + " " + what, m_pageNo);
 }
 
-void IndexPage::findEnds()
+/// Counts the entries and finds the last one, which is all that adding at the end needs.
+void IndexPage::findLast()
+{
+    const ByteView bitmap = PageBytes(*m_page).subspan(kBitmapOffset, kBitmapSize);
+    const auto take = [&](std::uint64_t bits, std::size_t first) {
+        if (bits == 0)
+            return;
+        m_count += static_cast<std::size_t>(std::popcount(bits));
+        const auto highest = static_cast<std::size_t>(std::bit_width(bits)) - 1;
+        const std::uint64_t lower = bits & ~(std::uint64_t{1} << highest);
+        m_lastStart =
+            lower == 0 ? m_lastEnd : first + static_cast<std::size_t>(std::bit_width(lower)) - 1;
+        m_lastEnd = first + highest;
+    };
+    std::size_t byte = 0;
+    for (; byte + 8 <= bitmap.size(); byte += 8)
+        take(readLittleEndian<std::uint64_t>(bitmap, byte), 8 * byte);
+    for (; byte < bitmap.size(); ++byte)
+        take(bitmap[byte], 8 * byte);
+    if (m_count != 0)
+        checkEntry(m_lastStart, m_lastEnd, m_count == 1);
+}
+
+void IndexPage::checkEntry(std::size_t start, std::size_t end, bool isFirst) const
+{
+    const std::size_t suffix = m_leaf ? kRowIdSize : kRowIdSize + kChildSize;
+    const std::size_t stored = end - start;
+    const std::size_t whole = isFirst ? stored : stored + m_prefix;
+    if (end > kEntryAreaSize || stored == 0 || whole < suffix + 1 ||
+        (isFirst && m_prefix >= stored) || (!isFirst && !m_leaf && stored < kChildSize))
+        fail("has index entries that do not fit");
+}
+
+void IndexPage::findEnds() const
 {
     const std::uint8_t *bitmap = m_page->data() + kBitmapOffset;
-    const std::size_t suffix = m_leaf ? kRowIdSize : kRowIdSize + kChildSize;
+    std::size_t found = 0;
     std::size_t last = 0;
     for (std::size_t byte = 0; byte < kBitmapSize; ++byte) {
         for (unsigned bits = bitmap[byte]; bits != 0; bits &= bits - 1) {
             const std::size_t end = 8 * byte + static_cast<std::size_t>(std::countr_zero(bits));
-            const std::size_t stored = end - last;
-            const std::size_t whole = m_count == 0 ? stored : stored + m_prefix;
-            if (end > kEntryAreaSize || stored == 0 || whole < suffix + 1 ||
-                (m_count == 0 && m_prefix >= stored) ||
-                (m_count != 0 && !m_leaf && stored < kChildSize))
-                fail("has index entries that do not fit");
-            m_ends[m_count++] = static_cast<std::uint16_t>(end);
+            checkEntry(last, end, found == 0);
+            m_ends[found++] = static_cast<std::uint16_t>(end);
             last = end;
         }
     }
+    m_endsKnown = true;
+}
+
+std::size_t IndexPage::endOf(std::size_t index) const
+{
+    if (index + 1 == m_count)
+        return m_lastEnd;
+    if (!m_endsKnown)
+        findEnds();
+    return m_ends[index];
+}
+
+std::size_t IndexPage::startOf(std::size_t index) const
+{
+    if (index == 0)
+        return 0;
+    return index + 1 == m_count ? m_lastStart : endOf(index - 1);
 }
 
 IndexLinks IndexPage::links() const

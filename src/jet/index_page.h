@@ -22,6 +22,8 @@ namespace jet
 
 inline constexpr std::size_t kEntryArea = 480;
 inline constexpr std::size_t kEntryAreaSize = kPageSize - kEntryArea;
+/// Bits of the bitmap, a few more than the area has bytes.
+inline constexpr std::size_t kBitmapBits = (kEntryArea - 27) * 8;
 inline constexpr std::size_t kRowIdSize = 4;
 inline constexpr std::size_t kChildSize = 4;
 /// Longer entries could not be split into two pages.
@@ -39,7 +41,7 @@ struct IndexLinks {
     PageNo next = 0;
 };
 
-/// The entries of one page, with the places where they end worked out.
+/// The entries of one page.
 class IndexPage
 {
 public:
@@ -68,15 +70,16 @@ public:
     std::size_t childFor(ByteView entry) const;
     PageNo childPage(std::size_t index) const;
 
-    /// Bytes the entries would take without prefix.
     std::size_t prefixLength() const { return m_prefix; }
-    std::size_t usedBytes() const { return m_count == 0 ? 0 : m_ends[m_count - 1]; }
-    std::size_t endOf(std::size_t index) const { return m_ends[index]; }
-    std::size_t startOf(std::size_t index) const { return index == 0 ? 0 : m_ends[index - 1]; }
+    std::size_t usedBytes() const { return m_lastEnd; }
+    std::size_t endOf(std::size_t index) const;
+    std::size_t startOf(std::size_t index) const;
 
 private:
     [[noreturn]] void fail(const char *what) const;
-    void findEnds();
+    void findLast();
+    void findEnds() const;
+    void checkEntry(std::size_t start, std::size_t end, bool isFirst) const;
     ByteView stored(std::size_t index) const;
     std::strong_ordering compare(std::size_t index, ByteView entry) const;
 
@@ -85,7 +88,11 @@ private:
     bool m_leaf;
     std::size_t m_prefix;
     std::size_t m_count = 0;
-    std::array<std::uint16_t, kEntryAreaSize> m_ends;
+    std::size_t m_lastStart = 0;
+    std::size_t m_lastEnd = 0;
+    /// Worked out when an entry before the last is asked for.
+    mutable bool m_endsKnown = false;
+    mutable std::array<std::uint16_t, kBitmapBits> m_ends;
 };
 
 /// Writes a whole page without prefix; the entries must fit. `tail` is 0 on leaves.

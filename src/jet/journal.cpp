@@ -23,16 +23,6 @@ ByteView sectorOf(PageBytes page, std::size_t sector)
     return page.subspan(sector * kSectorSize, kSectorSize);
 }
 
-/// Little-endian like everything in the journal; the hash of a page must not cost more than its
-/// copy, so this is the plain load it looks like.
-std::uint64_t wordAt(const std::uint8_t *bytes)
-{
-    std::uint64_t word = 0;
-    for (unsigned i = 0; i < 8; ++i)
-        word |= std::uint64_t{bytes[i]} << (8 * i);
-    return word;
-}
-
 void appendRecord(Bytes &bytes, const PageChange &change)
 {
     appendLittleEndian<4>(bytes, change.page);
@@ -53,7 +43,7 @@ std::uint64_t hashBytes(ByteView bytes, std::uint64_t seed)
     std::size_t at = 0;
     for (; at + 8 <= bytes.size(); at += 8) {
         // The rotation carries the high bits back, which a word-wise multiplication never would.
-        hash = std::rotl((hash ^ wordAt(bytes.data() + at)) * kPrime, 29);
+        hash = std::rotl((hash ^ readLittleEndian<std::uint64_t>(bytes, at)) * kPrime, 29);
     }
     for (; at < bytes.size(); ++at)
         hash = (hash ^ bytes[at]) * kPrime;

@@ -45,35 +45,47 @@ Guid decodeGuid(ByteView stored)
     return guid;
 }
 
-Value decodeValue(ByteView stored, const RowLayout::Column &column)
+/// Assigning in place spares a row that is used again its texts' memory.
+void decodeValue(ByteView stored, const RowLayout::Column &column, Value &value)
 {
     switch (column.type) {
     case ColumnType::Boolean:
         break;
     case ColumnType::Byte:
-        return readU8(stored, 0);
+        value = readU8(stored, 0);
+        return;
     case ColumnType::Integer:
-        return static_cast<std::int16_t>(readU16(stored, 0));
+        value = static_cast<std::int16_t>(readU16(stored, 0));
+        return;
     case ColumnType::Long:
-        return static_cast<std::int32_t>(readU32(stored, 0));
+        value = static_cast<std::int32_t>(readU32(stored, 0));
+        return;
     case ColumnType::Currency:
-        return Currency{readI64(stored, 0)};
+        value = Currency{readI64(stored, 0)};
+        return;
     case ColumnType::Single:
-        return std::bit_cast<float>(readU32(stored, 0));
+        value = std::bit_cast<float>(readU32(stored, 0));
+        return;
     case ColumnType::Double:
-        return readF64(stored, 0);
+        value = readF64(stored, 0);
+        return;
     case ColumnType::DateTime:
-        return DateTime{readF64(stored, 0)};
+        value = DateTime{readF64(stored, 0)};
+        return;
     case ColumnType::Text:
-        return decodeText(stored);
+        value = decodeText(stored);
+        return;
     case ColumnType::Binary:
     case ColumnType::Ole:
     case ColumnType::Memo:
-        return Bytes(stored.begin(), stored.end());
+        value = Bytes(stored.begin(), stored.end());
+        return;
     case ColumnType::Guid:
-        return decodeGuid(stored);
+        value = decodeGuid(stored);
+        return;
     case ColumnType::Numeric:
-        return decodeNumeric(stored, column.scale);
+        value = decodeNumeric(stored, column.scale);
+        return;
     }
     throwDamaged("a column of unknown type");
 }
@@ -272,12 +284,20 @@ ByteView RowView::stored(std::size_t column) const
 
 Value RowView::value(std::size_t column) const
 {
+    Value value;
+    read(column, value);
+    return value;
+}
+
+void RowView::read(std::size_t column, Value &value) const
+{
     const RowLayout::Column &layout = m_layout->columns[column];
     if (layout.type == ColumnType::Boolean)
-        return maskBit(layout.number);
-    if (isNull(column))
-        return Null{};
-    return decodeValue(stored(column), layout);
+        value = maskBit(layout.number);
+    else if (isNull(column))
+        value = Null{};
+    else
+        decodeValue(stored(column), layout, value);
 }
 
 std::vector<Value> decodeRow(ByteView row, const RowLayout &layout)

@@ -56,6 +56,8 @@ public:
     /// The column's value. A Memo or OLE column yields its stored reference as Bytes, for
     /// decodeLongValueRef(). Throws Error(Damaged).
     Value value(std::size_t column) const;
+    /// The same into a value that is used again, which is faster for many rows.
+    void read(std::size_t column, Value &value) const;
 
     /// The stored bytes of a column that is not null and not Boolean.
     ByteView stored(std::size_t column) const;

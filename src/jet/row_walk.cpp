@@ -14,30 +14,61 @@ namespace
 class TableWalk final : public RowWalk
 {
 public:
-    bool first(const TableStore &table) override { return settle(table.rows().next({})); }
+    bool first(const TableStore &table) override { return settle(table, table.rows().next({})); }
     bool last(const TableStore &table) override
     {
-        return settle(table.rows().previous({0xFFFFFF, 0xFF}));
+        return settle(table, table.rows().previous({0xFFFFFF, 0xFF}));
     }
-    bool next(const TableStore &table) override { return settle(table.rows().next(behind(m_row))); }
+    bool next(const TableStore &table) override
+    {
+        // Rows of the same page need no look into the map, as long as nothing has changed.
+        if (isCurrent(table)) {
+            for (std::size_t slot = m_row.row + std::size_t{1}; slot < slotCount(*m_page); ++slot) {
+                m_slot = slotAt(*m_page, m_row.page, slot);
+                if (!m_slot.isRow())
+                    continue;
+                m_row.row = static_cast<std::uint8_t>(slot);
+                return true;
+            }
+        }
+        return settle(table, table.rows().next(behind(m_row)));
+    }
     bool previous(const TableStore &table) override
     {
-        if (m_row.row == 0)
-            return m_row.page > 0 && settle(table.rows().previous({m_row.page - 1, 0xFF}));
-        return settle(
-            table.rows().previous({m_row.page, static_cast<std::uint8_t>(m_row.row - 1)}));
+        if (m_row.row != 0)
+            return settle(table, table.rows().previous(
+                                     {m_row.page, static_cast<std::uint8_t>(m_row.row - 1)}));
+        return m_row.page > 0 && settle(table, table.rows().previous({m_row.page - 1, 0xFF}));
     }
     RowPointer row() const override { return m_row; }
+    StoredRow stored(const TableStore &table) const override
+    {
+        if (!isCurrent(table) || m_slot.isPointer())
+            return RowWalk::stored(table);
+        return {m_page, PageBytes(*m_page).subspan(m_slot.start, m_slot.length)};
+    }
     void moved(const TableStore &, RowPointer) override {}
 
 private:
-    bool settle(std::optional<RowPointer> found)
+    bool isCurrent(const TableStore &table) const
     {
-        m_row = found.value_or(m_row);
-        return found.has_value();
+        return m_page != nullptr && m_version == table.pager().version();
+    }
+    bool settle(const TableStore &table, std::optional<RowPointer> found)
+    {
+        if (!found)
+            return false;
+        m_row = *found;
+        m_page = table.rows().page(m_row.page);
+        m_slot = slotAt(*m_page, m_row.page, m_row.row);
+        m_version = table.pager().version();
+        return true;
     }
 
     RowPointer m_row;
+    PageRef m_page;
+    Slot m_slot;
+    std::uint64_t m_version = 0;
 };
 
 /// The smallest bytes greater than everything that begins with `prefix`; empty when there are none.
@@ -148,6 +179,11 @@ private:
 bool RowWalk::seek(const TableStore &, std::span<const Value>)
 {
     throw Error(ErrorCode::InvalidArgument, "Only a cursor of an index can look for a key.");
+}
+
+StoredRow RowWalk::stored(const TableStore &table) const
+{
+    return table.rows().readOwned(row());
 }
 
 std::unique_ptr<RowWalk> makeTableWalk()

@@ -21,6 +21,8 @@ public:
     virtual bool next(const TableStore &table) = 0;
     virtual bool previous(const TableStore &table) = 0;
     virtual RowPointer row() const = 0;
+    /// The bytes of the current row. Throws Error(RecordDeleted).
+    virtual StoredRow stored(const TableStore &table) const;
     /// The current row was given another place.
     virtual void moved(const TableStore &table, RowPointer place) = 0;
     /// To the first row not before a key. Throws Error(InvalidArgument) where rows have none.

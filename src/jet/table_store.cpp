@@ -123,13 +123,34 @@ LongValueStore TableStore::longValues(std::size_t column) const
 Value TableStore::readValue(const RowView &row, std::size_t column) const
 {
     Value value = row.value(column);
+    resolve(column, value);
+    return value;
+}
+
+/// Replaces the reference that a row holds of a long value by the value.
+void TableStore::resolve(std::size_t column, Value &value) const
+{
     const ColumnDefinition &definition = m_definition.columns[column];
     if (!definition.isLongValue() || isNull(value))
-        return value;
+        return;
     Bytes data = longValues(column).read(decodeLongValueRef(std::get<Bytes>(value)));
     if (definition.type == ColumnType::Memo)
-        return decodeText(data);
-    return data;
+        value = decodeText(data);
+    else
+        value = std::move(data);
+}
+
+void TableStore::decode(const StoredRow &stored, PageNo page, Row &values) const
+{
+    values.resize(m_definition.columns.size());
+    onPage(page, [&] {
+        const RowView view(stored.bytes, m_layout);
+        for (std::size_t column = 0; column < values.size(); ++column) {
+            view.read(column, values[column]);
+            if (m_hasLongValues)
+                resolve(column, values[column]);
+        }
+    });
 }
 
 Row TableStore::read(RowPointer row) const
@@ -141,13 +162,7 @@ Row TableStore::read(RowPointer row) const
 
 void TableStore::readInto(RowPointer row, Row &values) const
 {
-    const StoredRow stored = m_rows.readOwned(row);
-    values.resize(m_definition.columns.size());
-    onPage(row.page, [&] {
-        const RowView view(stored.bytes, m_layout);
-        for (std::size_t column = 0; column < values.size(); ++column)
-            values[column] = readValue(view, column);
-    });
+    decode(m_rows.readOwned(row), row.page, values);
 }
 
 std::optional<IndexKey> TableStore::keyOf(std::size_t realIndex, const Row &values) const

@@ -55,6 +55,8 @@ public:
     /// The same into a row that is used again, for a place remembered from before.
     void readInto(RowPointer row, Row &values) const;
     Value readValue(const RowView &row, std::size_t column) const;
+    /// All values into a row that is used again.
+    void decode(const StoredRow &stored, PageNo page, Row &values) const;
 
     IndexTree tree(std::size_t realIndex) const;
     const std::vector<KeyColumn> &keyColumnsOf(std::size_t realIndex) const
@@ -76,6 +78,7 @@ public:
 private:
     using Keys = std::vector<std::optional<IndexKey>>;
 
+    void resolve(std::size_t column, Value &value) const;
     Keys keysOf(const Row &values) const;
     void checkKey(std::size_t realIndex, const IndexKey &key) const;
     Bytes encodeWithPlans(const Row &values) const;
