@@ -82,6 +82,8 @@ IndexPage::IndexPage(PageRef page, PageNo pageNo, PageNo owner)
         fail("is no index page");
     if (readU32(*m_page, kOwnerOffset) != owner)
         fail("belongs to the index of another table");
+    if (m_prefix >= kEntryAreaSize)
+        fail("has a prefix longer than its entries");
     findLast();
 }
 
