@@ -49,5 +49,5 @@ function(station_test name)
         DISCOVERY_TIMEOUT 60
         PROPERTIES
             LABELS ${ARG_LABEL} TIMEOUT 240
-            ENVIRONMENT "QT_QPA_PLATFORM=offscreen;LC_ALL=C.UTF-8;ASAN_OPTIONS=detect_leaks=1;LSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/tests/support/lsan.supp")
+            ENVIRONMENT "QT_QPA_PLATFORM=offscreen")
 endfunction()

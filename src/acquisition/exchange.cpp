@@ -116,6 +116,14 @@ void Exchange::giveUp()
         finish(true);
 }
 
+void Exchange::abandon()
+{
+    m_timerEroare->stop();
+    m_nextLook->stop();
+    m_line.close();
+    m_state = State::Idle;
+}
+
 void Exchange::finish(bool failed)
 {
     m_state = State::Idle;

@@ -30,6 +30,9 @@ public:
     /// then under way.
     void interogare_aparat(const QString &sensorCount);
 
+    /// Ends an exchange under way without a word: no message, no signal, the line closed.
+    void abandon();
+
     bool isRunning() const { return m_state != State::Idle; }
 
 signals:

@@ -1,4 +1,5 @@
 #include "app/main_menu.h"
+#include "platform/runtime_error.h"
 
 #include <QAction>
 #include <QMenu>
@@ -69,7 +70,7 @@ void buildMainMenu(QMenuBar &bar)
     for (const Item &item : kItems) {
         QAction *action = addItem(bar, submenu, item);
         action->setObjectName(QString::fromLatin1(item.name));
-        // The bar is the whole menu's owner, so every item is found below it by its name.
+        // A system with one menu bar for all programs would move items by their captions.
         action->setMenuRole(QAction::NoRole);
     }
 }
@@ -90,6 +91,5 @@ QAction *menuItem(const QMenuBar &bar, const QString &name)
     for (QAction *item : menuItems(bar))
         if (item->objectName() == name)
             return item;
-    Q_UNREACHABLE();
-    return nullptr;
+    throw RuntimeError(RuntimeError::SubscriptOutOfRange);
 }

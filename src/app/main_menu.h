@@ -13,5 +13,5 @@ void buildMainMenu(QMenuBar &bar);
 /// name.
 QList<QAction *> menuItems(const QMenuBar &bar);
 
-/// The item of that name; there must be one.
+/// The item of that name. Throws RuntimeError 9 when there is none.
 QAction *menuItem(const QMenuBar &bar, const QString &name);

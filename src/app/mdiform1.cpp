@@ -9,6 +9,7 @@
 #include <QMdiSubWindow>
 #include <QMenu>
 #include <QMenuBar>
+#include <QPointer>
 
 MDIForm1::MDIForm1(std::function<bool()> mayClose)
     : m_mayClose(std::move(mayClose)), m_area(new QMdiArea(this))
@@ -57,6 +58,7 @@ QMdiSubWindow *MDIForm1::addChild(QWidget *child)
 
 void MDIForm1::bringUp(QWidget *child)
 {
+    const QPointer<QWidget> stillThere(child); // activation runs the window's own handlers
     QWidget *frame = child->parentWidget();
     child->show();
     if (frame->isMinimized())
@@ -64,7 +66,8 @@ void MDIForm1::bringUp(QWidget *child)
     else
         frame->show();
     m_area->setActiveSubWindow(qobject_cast<QMdiSubWindow *>(frame));
-    child->setFocus();
+    if (stillThere)
+        child->setFocus();
 }
 
 QSize MDIForm1::innerSize() const

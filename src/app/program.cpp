@@ -67,9 +67,10 @@ void Program::start()
 
 void Program::halt()
 {
-    m_station.monitorActive = false;
-    if (m_cycle)
-        m_cycle->stop();
+    if (!m_cycle)
+        return;
+    m_cycle->stop();
+    m_exchange->abandon();
 }
 
 void Program::createControlPlc()
@@ -93,7 +94,7 @@ void Program::connectCommands()
     };
     command("DeschidMdbCurent", &Program::showBrowser);
     command("DeschidMdbArhiva", &Program::openArchiveFolder);
-    command("SalvareArh", &Program::archiveAllStorageFiles);
+    command("SalvareArh", &Program::archiveStorage);
     command("DeschidDiag", &Program::showDiagrams);
     command("DeschidCentruControl", &Program::showControlCentre);
     command("DocProg", &Program::openHelp);
@@ -166,8 +167,15 @@ void Program::showControlCentre()
 void Program::showBrowser()
 {
     if (!m_formMdb) {
-        m_formMdb = new FormMdb(m_station, m_environment.op);
+        m_formMdb = new FormMdb(m_station);
         m_window.addChild(m_formMdb);
+        // Queued: behind the box the archive may close the window that has failed.
+        connect(
+            m_formMdb, &FormMdb::failed, this,
+            [this](int number, const QString &description) {
+                m_storage.tellFailure(number, description);
+            },
+            Qt::QueuedConnection);
         connect(m_formMdb, &FormMdb::closed, this, [this] { m_formMdb = nullptr; });
     }
     m_window.bringUp(m_formMdb);
@@ -186,9 +194,8 @@ void Program::reopenBrowser()
         m_window.bringUp(m_form1);
 }
 
-void Program::archiveAllStorageFiles()
+void Program::archiveStorage()
 {
-    // Only the first storage file is ever written, so only that one has a day to archive.
     m_storage.arhiveaza_baza_date(m_station.NumeFisier[0]);
 }
 
@@ -220,7 +227,7 @@ bool Program::closingDialogue()
     case Operator::Answer::Cancel:
         return false;
     case Operator::Answer::Yes:
-        archiveAllStorageFiles();
+        archiveStorage();
         break;
     case Operator::Answer::No:
         break;

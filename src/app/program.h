@@ -72,7 +72,7 @@ private:
     void showBrowser();
     void closeBrowser();
     void reopenBrowser();
-    void archiveAllStorageFiles();
+    void archiveStorage();
     void openArchiveFolder();
     void openHelp();
     void layOut();

@@ -10,8 +10,9 @@ QString timeText(QTime time, const QLocale &locale)
 {
     // The long form names the time zone, the short one often lacks the seconds.
     QString format = locale.timeFormat(QLocale::ShortFormat);
-    if (!format.contains(QLatin1String("ss")))
-        format.replace(QLatin1String("mm"), QLatin1String("mm:ss"));
+    const qsizetype minutes = format.indexOf(QLatin1String("mm"));
+    if (minutes > 0 && !format.contains(QLatin1String("ss")))
+        format.insert(minutes + 2, format[minutes - 1] + QStringLiteral("ss"));
     return locale.toString(time, format);
 }
 

@@ -4,6 +4,7 @@
 #include <charconv>
 #include <cmath>
 #include <limits>
+#include <optional>
 #include <string>
 
 namespace
@@ -47,20 +48,17 @@ qsizetype numberLength(QStringView text)
     return mantissaEnd;
 }
 
-double parseNumber(QStringView text)
+/// Nothing when the number is beyond what a double holds; too small a number is 0.
+std::optional<double> parseNumber(QStringView text)
 {
     const std::string ascii = text.toLatin1().toStdString();
     const char *begin = ascii.data() + (ascii.front() == '+' ? 1 : 0);
     double number = 0;
     const auto result = std::from_chars(begin, ascii.data() + ascii.size(), number);
-    if (result.ec == std::errc::result_out_of_range) {
-        const bool tooSmall =
-            ascii.find("e-") != std::string::npos || ascii.find("E-") != std::string::npos;
-        if (tooSmall)
-            return 0;
-        throw RuntimeError(RuntimeError::Overflow);
-    }
-    return number;
+    if (result.ec != std::errc::result_out_of_range)
+        return number;
+    const bool tooSmall = text.contains(QLatin1String("E-"), Qt::CaseInsensitive);
+    return tooSmall ? std::optional<double>(0) : std::nullopt;
 }
 
 QString withPoint(QStringView text)
@@ -76,8 +74,11 @@ double leadingNumber(QStringView text)
     for (const QChar c : text)
         if (c != QLatin1Char(' ') && c != QLatin1Char('\t') && c != QLatin1Char('\n'))
             packed += c;
-    const qsizetype length = numberLength(packed);
-    return length == 0 ? 0 : parseNumber(QStringView(packed).first(length));
+    // A digit that would take the number beyond what can be held cannot continue it.
+    for (qsizetype length = numberLength(packed); length > 0; --length)
+        if (const auto number = parseNumber(QStringView(packed).first(length)))
+            return *number;
+    return 0;
 }
 
 bool isNumericText(QStringView text)
@@ -90,7 +91,10 @@ double numberFromText(QStringView text)
 {
     if (!isNumericText(text))
         throw RuntimeError(RuntimeError::TypeMismatch);
-    return parseNumber(withPoint(text));
+    const std::optional<double> number = parseNumber(withPoint(text));
+    if (!number)
+        throw RuntimeError(RuntimeError::Overflow);
+    return *number;
 }
 
 qint16 toInt16(double number)

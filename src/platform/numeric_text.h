@@ -8,13 +8,13 @@
 /// The number at the start of a text, whatever the locale: blanks, tabs and line feeds anywhere are
 /// skipped, then an optional sign, digits with "." as the decimal point, an optional exponent.
 /// Reading stops at the first character that cannot continue the number; 0 when there is none.
-/// Throws RuntimeError 6 when the number is beyond what a double holds.
 double leadingNumber(QStringView text);
 
 /// True when the whole text is one number; "." and "," both count as the decimal separator.
 bool isNumericText(QStringView text);
 
-/// The number that a whole text is. Throws RuntimeError 13 when it is not numeric.
+/// The number that a whole text is. Throws RuntimeError 13 when it is not numeric, 6 when it is
+/// beyond what a double holds.
 double numberFromText(QStringView text);
 
 /// numberFromText rounded half to even into 16 bits. Throws RuntimeError 13, or 6 beyond 16 bits.

@@ -17,13 +17,12 @@ void MeasurementStore::arhiveaza_baza_date(const QString &nume)
         emit browserMustClose();
     const QString archive = m_station.archiveFolder() + QStringLiteral("arh_") +
                             data_pentru_fisier(m_clock, false, false) + QLatin1Char('_') + nume;
-    const std::optional<Failure> failure =
-        attempt([&] { archiveAndEmpty(nume, archive); });
+    const std::optional<Failure> failure = attempt([&] { archiveAndEmpty(nume, archive); });
     if (failure) {
         if (failure->number == static_cast<int>(jet::ErrorCode::NoCurrentRecord))
             m_operator.tell(texts::storageEmpty(nume), Operator::Icon::Exclamation);
         else
-            tellFailure(*failure);
+            tellFailure(failure->number, failure->description);
         return;
     }
     m_gaps.remove(nume);

@@ -1,7 +1,6 @@
 #include "storage/form_mdb.h"
 #include "app/settings/station.h"
 #include "jet/error.h"
-#include "platform/operator.h"
 #include "storage/recordset_model.h"
 #include "storage/texts.h"
 
@@ -38,10 +37,9 @@ QTableView *makeGrid(QWidget *parent, QAbstractItemModel *model)
 
 } // namespace
 
-FormMdb::FormMdb(Station &station, Operator &op, QWidget *parent)
-    : QWidget(parent), m_station(station), m_operator(op),
-      m_data(new RecordsetModel(station, this)), m_grid(makeGrid(this, m_data)),
-      m_refresh(new QPushButton(texts::refresh(), this))
+FormMdb::FormMdb(Station &station, QWidget *parent)
+    : QWidget(parent), m_station(station), m_data(new RecordsetModel(station, this)),
+      m_grid(makeGrid(this, m_data)), m_refresh(new QPushButton(texts::refresh(), this))
 {
     setObjectName(QStringLiteral("FormMdb"));
     setWindowTitle(texts::browserCaption());
@@ -53,8 +51,7 @@ FormMdb::FormMdb(Station &station, Operator &op, QWidget *parent)
     auto *copy = new QShortcut(QKeySequence::Copy, m_grid);
     copy->setContext(Qt::WidgetShortcut);
     connect(copy, &QShortcut::activated, this, &FormMdb::copySelection);
-    // Told from the event loop: the grid is being painted when the file fails.
-    connect(m_data, &RecordsetModel::failed, this, &FormMdb::tellFailure, Qt::QueuedConnection);
+    connect(m_data, &RecordsetModel::failed, this, &FormMdb::failed);
     aranjare();
     m_station.FormMdbDeschis = true;
 }
@@ -73,7 +70,7 @@ void FormMdb::sortare()
     try {
         m_data->open(m_station.storagePath(m_station.NumeFisier[0]));
     } catch (const jet::Error &error) {
-        tellFailure(error.number(), QString::fromUtf8(error.what()));
+        emit failed(error.number(), QString::fromUtf8(error.what()));
         return;
     }
     fitColumns();
@@ -87,11 +84,6 @@ void FormMdb::fitColumns()
     const int room = m_grid->fontMetrics().horizontalAdvance(QLatin1Char('0')) * 2;
     for (int column = 0; column < m_data->columnCount(); ++column)
         m_grid->setColumnWidth(column, m_grid->columnWidth(column) + room);
-}
-
-void FormMdb::tellFailure(int number, const QString &description)
-{
-    m_operator.tell(texts::numberedError(number, description));
 }
 
 void FormMdb::copySelection() const

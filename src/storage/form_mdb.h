@@ -2,7 +2,6 @@
 
 #include <QWidget>
 
-class Operator;
 class QPushButton;
 class QTableView;
 class RecordsetModel;
@@ -17,16 +16,19 @@ class FormMdb : public QWidget
 {
     Q_OBJECT
 public:
-    /// Both must outlive the window.
-    FormMdb(Station &station, Operator &op, QWidget *parent = nullptr);
+    /// The station must outlive the window.
+    explicit FormMdb(Station &station, QWidget *parent = nullptr);
 
     /// Lays out the grid above the refresh button.
     void aranjare();
 
-    /// Loads the grid anew. A failure is told with number and description; the grid is then empty.
+    /// Loads the grid anew. A failure leaves the grid empty and is told, with number and
+    /// description, from the event loop: the window may be gone before the operator has answered.
     void sortare();
 
 signals:
+    /// The file could not be read: number and description.
+    void failed(int number, const QString &description);
     void closed(); ///< unloaded, the file let go; destruction follows
 
 protected:
@@ -38,10 +40,8 @@ protected:
 private:
     void fitColumns();
     void copySelection() const;
-    void tellFailure(int number, const QString &description);
 
     Station &m_station;
-    Operator &m_operator;
     RecordsetModel *m_data;
     QTableView *m_grid;
     QPushButton *m_refresh;

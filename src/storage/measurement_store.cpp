@@ -10,6 +10,7 @@
 
 #include <QFileInfo>
 #include <algorithm>
+#include <limits>
 
 namespace
 {
@@ -71,9 +72,9 @@ MeasurementStore::attempt(const std::function<void()> &action)
     return std::nullopt;
 }
 
-void MeasurementStore::tellFailure(const Failure &failure)
+void MeasurementStore::tellFailure(int number, const QString &description)
 {
-    m_operator.tell(texts::numberedError(failure.number, failure.description));
+    m_operator.tell(texts::numberedError(number, description));
 }
 
 void MeasurementStore::adauga_inregistrare(const QString &nume)
@@ -91,7 +92,7 @@ void MeasurementStore::adauga_inregistrare(const QString &nume)
     else if (failure->number == static_cast<int>(jet::ErrorCode::DuplicateKey))
         repara_baza_date(nume);
     else
-        tellFailure(*failure);
+        tellFailure(failure->number, failure->description);
 }
 
 int MeasurementStore::appendRecord(const QString &nume)
@@ -108,9 +109,11 @@ int MeasurementStore::appendRecord(const QString &nume)
     } catch (const jet::Error &error) {
         // A repair copies the numbers as they are. Where records are missing in the middle the next
         // one collides again, for the rest of the day: each sample would be lost to a new repair.
-        if (error.code() != jet::ErrorCode::DuplicateKey || !m_gaps.contains(nume))
+        const std::int32_t largest = largestId(table);
+        if (error.code() != jet::ErrorCode::DuplicateKey || !m_gaps.contains(nume) ||
+            largest == std::numeric_limits<std::int32_t>::max())
             throw;
-        record.front().second = largestId(table) + 1;
+        record.front().second = largest + 1;
         table.append(record);
     }
     return std::get<std::int32_t>(record.front().second);
@@ -133,11 +136,12 @@ void MeasurementStore::retryWhileLocked(const QString &nume, const std::function
 
 void MeasurementStore::repara_baza_date(const QString &nume)
 {
+    // Before anything else: the station's own browser would lock the file against the repair.
+    if (m_station.FormMdbDeschis)
+        emit browserMustClose();
     std::optional<Failure> failure;
     retryWhileLocked(
         nume, [this] { sterge_tabel_temporar(); }, failure);
-    if (m_station.FormMdbDeschis)
-        emit browserMustClose();
     retryWhileLocked(
         nume,
         [&] {
@@ -146,7 +150,7 @@ void MeasurementStore::repara_baza_date(const QString &nume)
         },
         failure);
     if (failure) {
-        tellFailure(*failure);
+        tellFailure(failure->number, failure->description);
         return;
     }
     m_gaps.insert(nume);

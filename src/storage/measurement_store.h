@@ -20,10 +20,13 @@ class MeasurementStore : public QObject
 {
     Q_OBJECT
 public:
+    /// How the station opens its files: the window does not wait longer for another program.
+    static jet::OpenOptions openOptions() { return {.lockTimeout = std::chrono::seconds(1)}; }
+
     /// All must outlive this object. `options`: how storage files are opened; simulations of whole
     /// days need no syncs.
     MeasurementStore(Station &station, Operator &op, const Clock &clock,
-                     const jet::OpenOptions &options = {});
+                     const jet::OpenOptions &options = openOptions());
 
     /// Appends one record with the sensors' present values to table Tabel of storage file `nume`.
     /// File missing: the operator is told, Station::monitorActive cleared, monitorStopped()
@@ -45,6 +48,9 @@ public:
     /// the archive is safely on the disk.
     void arhiveaza_baza_date(const QString &nume);
 
+    /// Tells the operator of an unexpected failure: number, one blank, description.
+    void tellFailure(int number, const QString &description);
+
 signals:
     /// A missing storage file has ended monitoring.
     void monitorStopped();
@@ -62,7 +68,6 @@ private:
     };
 
     static std::optional<Failure> attempt(const std::function<void()> &action);
-    void tellFailure(const Failure &failure);
     jet::Database openStorage(const QString &nume) const;
     int appendRecord(const QString &nume);
     void retryWhileLocked(const QString &nume, const std::function<void()> &step,

@@ -3,6 +3,7 @@
 #include "jet/value_conversion.h"
 #include "platform/date_text.h"
 #include "platform/numeric_text.h"
+#include "storage/measurement_store.h"
 #include "storage/storage_file.h"
 #include "storage/tabel.h"
 #include "storage/texts.h"
@@ -67,7 +68,7 @@ RecordsetModel::~RecordsetModel() = default;
 void RecordsetModel::open(const QString &path)
 {
     close();
-    jet::OpenOptions options;
+    jet::OpenOptions options = MeasurementStore::openOptions();
     options.readOnly = true;
     auto recordset = std::make_unique<Recordset>(path, options);
     beginResetModel();

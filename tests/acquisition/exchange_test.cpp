@@ -79,6 +79,7 @@ TEST_F(InterogareAparat, FailuresThatAreNotTheRecordersTravelUp)
     EXPECT_THROW(begin(), RuntimeError);
     line.missing = false;
     begin();
-    EXPECT_THROW(line.arrive(replyWith({"9e99999999", "1", "1", "1", "1", "1"})), RuntimeError);
+    station.sensors.resize(5);
+    EXPECT_THROW(line.arrive(reply), RuntimeError);
     EXPECT_EQ(failed, true) << "ended before the report";
 }

@@ -13,6 +13,7 @@
 #include "tests/support/station_folder.h"
 #include "tools/trm10c_simulator/recorder_simulation.h"
 
+#include <QElapsedTimer>
 #include <QFile>
 #include <QLabel>
 #include <QMdiSubWindow>
@@ -23,6 +24,20 @@
 
 namespace
 {
+
+/// Goes like the system's clock, but on a day of its own and far from midnight.
+class MorningClock final : public Clock
+{
+public:
+    MorningClock() { m_watch.start(); }
+    QDateTime now() const override
+    {
+        return wallTime(QDate(2026, 3, 7), QTime(9, 5)).addMSecs(m_watch.elapsed());
+    }
+
+private:
+    QElapsedTimer m_watch;
+};
 
 class FakeShell final : public Shell
 {
@@ -88,7 +103,7 @@ protected:
         return 0;
     }
 
-    SystemClock clock;
+    MorningClock clock;
     QObject timers;
     QtScheduler scheduler{timers};
     StationFolder folder;
@@ -174,8 +189,22 @@ TEST_F(ProgramTest, BrowserShowsTheNewestFirstAndGivesWayToTheArchive)
     QTest::qWait(0); // the frame of the closed browser goes
     EXPECT_TRUE(program->station().FormMdbDeschis);
     EXPECT_EQ(child<QTableView>("DBGrid1")->model()->rowCount(), 0);
-    EXPECT_TRUE(QFile::exists(folder.path() + QStringLiteral("/mdb/arhive/arh_%1_autoclava1.mdb")
-                                                  .arg(clock.now().toString("dd.MM.yyyy"))));
+    EXPECT_TRUE(QFile::exists(folder.path() + "/mdb/arhive/arh_07.03.2026_autoclava1.mdb"));
+}
+
+TEST_F(ProgramTest, BrowserThatFailsMayBeClosedBehindItsOwnMessage)
+{
+    start();
+    QFile::resize(storagePath(), 5 * 4096);
+    op.meanwhile = [&] { // as the archive of the day's end does
+        op.meanwhile = nullptr;
+        item("SalvareArh")->trigger();
+        QTest::qWait(0);
+    };
+    item("DeschidMdbCurent")->trigger();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return op.told.size() == 2; }, 20'000));
+    EXPECT_TRUE(op.told[0].startsWith("3049 ")) << op.told[0].toStdString();
+    EXPECT_FALSE(program->station().FormMdbDeschis);
 }
 
 TEST_F(ProgramTest, StorageFileThatGoesMissingStopsMonitoring)

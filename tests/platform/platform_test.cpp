@@ -14,7 +14,8 @@ TEST(NumericText, LeadingNumberReadsWhatCanContinueIt)
         {"--1", 0},           {".", 0},          {"1E-999", 0},   {"0012", 12},    {"1.2.3", 1.2}};
     for (const auto &[text, number] : cases)
         EXPECT_EQ(leadingNumber(QString::fromLatin1(text)), number) << text;
-    EXPECT_THROW(leadingNumber(u"1e999"), RuntimeError);
+    EXPECT_EQ(leadingNumber(u"1E400"), 1e40) << "line noise must not end the program";
+    EXPECT_THROW(numberFromText(u"1E400"), RuntimeError);
 }
 
 TEST(NumericText, WholeTextIsNumericWithPointOrComma)
@@ -52,6 +53,7 @@ TEST(DateText, DefaultTextLeavesOutWhatIsZero)
     EXPECT_EQ(dateTimeText(wallTime(day, QTime(9, 5, 1)), romanian), "07.03.2006 09:05:01");
     EXPECT_EQ(dateTimeText(wallTime(day, QTime(0, 0)), romanian), "07.03.2006");
     EXPECT_EQ(dateTimeText(zeroDateTime(), romanian), "00:00:00");
+    EXPECT_EQ(timeText(QTime(9, 5, 1), QLocale(QLocale::Finnish)), "9.05.01");
 }
 
 TEST(LineSettings, ShortFormIsTakenWholeOrNotAtAll)

@@ -209,7 +209,12 @@ TEST_F(StorageTest, RepairWaitsForTheProgramThatHoldsTheFileAndDropsALeftover)
         leftover.name = tabel::kScratchName;
         database.createTable(leftover, {46000});
     }
+    // The station's own browser is not another program: it has to go before the lock counts.
+    other.emplace(jet::Database::open(nativePath(storage()), {.readOnly = true}));
+    station.FormMdbDeschis = true;
+    QObject::connect(&store, &MeasurementStore::browserMustClose, [&] { other.reset(); });
     store.repara_baza_date(station.NumeFisier[0]);
+    EXPECT_EQ(op.told.size(), 4);
     EXPECT_EQ(op.told.last(), kRepaired);
     const jet::Database database = jet::Database::open(nativePath(storage()), {.readOnly = true});
     EXPECT_EQ(database.tables(), (std::vector<jet::Text>{tabel::kName}));

@@ -87,10 +87,3 @@ void TestTime::passSilently(milliseconds span)
     m_elapsed += span;
     m_now = m_now.addMSecs(span.count());
 }
-
-bool TestTime::isActive(const QString &name) const
-{
-    return std::any_of(m_timers.begin(), m_timers.end(), [&](const TestTimer *timer) {
-        return timer->isActive() && timer->name() == name;
-    });
-}

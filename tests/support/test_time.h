@@ -23,8 +23,6 @@ public:
     void setClock(const QDateTime &moment) { m_now = moment; }
     /// The wall clock goes on by itself, as while a blocking call runs: no timer ticks.
     void passSilently(std::chrono::milliseconds span);
-    /// Whether a timer of that name is running.
-    bool isActive(const QString &name) const;
     /// How many ticks there were: what the process was woken for.
     int ticks() const { return m_ticks; }
 

@@ -66,8 +66,10 @@ int takeSamples(StationApplication &application, const QString &folder)
         if (stored < kSamples)
             return;
         const QString picture = folder + QStringLiteral("/img/main_window.png");
-        program.window().grab().save(picture);
-        print(QStringLiteral("Picture of the main window: ") + picture);
+        if (program.window().grab().save(picture))
+            print(QStringLiteral("Picture of the main window: ") + picture);
+        else
+            print(QStringLiteral("The picture could not be saved as ") + picture);
         program.controlCentre().StopMonCommand_Click();
         menuItem(*program.window().menuBar(), QStringLiteral("ExitProg"))->trigger();
     });
@@ -77,6 +79,9 @@ int takeSamples(StationApplication &application, const QString &folder)
     });
 
     program.start();
+    // A dozen samples at one second, whatever the settings say.
+    program.station().Diagrame[0].interval_scanare = 1;
+    program.station().Diagrame[0].masura_interval = 0;
     program.window().showNormal();
     program.window().resize(kWindowSize);
     program.showControlCentre();

@@ -37,8 +37,10 @@ TabEntries limitEntries(const QString &name, const QString &lower, double lowerV
 TabEntries scanEntries(const Station &station)
 {
     // Both diagrams and the storage names belong to this tab, whichever dialog asks.
-    const Diagrama &first = station.Diagrame.at(0);
-    const Diagrama &second = station.Diagrame.at(1);
+    if (station.Diagrame.size() < 2)
+        throw RuntimeError(RuntimeError::SubscriptOutOfRange);
+    const Diagrama &first = station.Diagrame[0];
+    const Diagrama &second = station.Diagrame[1];
     TabEntries entries{
         {QStringLiteral("Diagrama1.interval_scanare ="),
          QStringLiteral("Diagrama2.interval_scanare ="),
