@@ -1,0 +1,111 @@
+#include "tests/jet/sample_database.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <functional>
+
+namespace jet
+{
+namespace
+{
+
+class Cursors : public testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        Transaction transaction(m_database);
+        appendSamples(m_table, 1, 500);
+        transaction.commit();
+    }
+
+    TemporaryFolder m_folder;
+    Database m_database = Database::create(m_folder / "autoclava1.mdb", kSomeDay, unsynced());
+    Table m_table = m_database.createTable(tabelDesign(), kSomeDay);
+};
+
+TEST_F(Cursors, EveryOrderGoesBothWays)
+{
+    const std::pair<const char *, std::function<Cursor()>> orders[] = {
+        {"table", [&] { return m_table.records(); }},
+        {"index", [&] { return m_table.byIndex(u"IndexPrimar"); }},
+        {"index backward", [&] { return m_table.byIndex(u"indexprimar", Order::Descending); }},
+        {"column with index", [&] { return m_table.sortedBy(u"Id", Order::Descending); }},
+        {"column without index", [&] { return m_table.sortedBy(u"Senzor1", Order::Descending); }},
+    };
+    for (const auto &[name, open] : orders) {
+        Cursor cursor = open();
+        EXPECT_EQ(errorOf([&] { cursor.row(); }), ErrorCode::NoCurrentRecord) << name;
+        std::vector<std::int32_t> forward = idsOf(open());
+        EXPECT_EQ(forward.size(), 500U) << name;
+        EXPECT_EQ(std::ranges::is_sorted(forward, std::greater<>()),
+                  std::string(name) != "table" && std::string(name) != "index")
+            << name;
+        std::vector<std::int32_t> backward;
+        for (bool found = cursor.last(); found; found = cursor.previous())
+            backward.push_back(std::get<std::int32_t>(cursor.value(u"Id")));
+        std::ranges::reverse(backward);
+        EXPECT_EQ(forward, backward) << name;
+        EXPECT_FALSE(cursor.hasCurrent()) << name;
+    }
+}
+
+TEST_F(Cursors, KeepTheirPlaceWhileRowsComeAndGo)
+{
+    Cursor newest = m_table.byIndex(u"IndexPrimar", Order::Descending);
+    ASSERT_TRUE(newest.next());
+    Database other = Database::open(m_folder / "autoclava1.mdb", unsynced());
+    Table same = other.table(u"Tabel");
+    same.appendRow(sampleRow(501));
+    const Value key = 499;
+    Cursor remover = same.byIndex(u"IndexPrimar");
+    ASSERT_TRUE(remover.seek(std::span(&key, 1)));
+    remover.erase();
+    EXPECT_EQ(errorOf([&] { remover.row(); }), ErrorCode::RecordDeleted);
+    ASSERT_TRUE(newest.next());
+    EXPECT_EQ(newest.value(u"Id"), Value(498));
+    const Value high = 900;
+    ASSERT_TRUE(newest.seek(std::span(&high, 1))); // descending: the first not above it
+    EXPECT_EQ(newest.value(u"Id"), Value(501));
+}
+
+TEST_F(Cursors, UpdatedRowsAreMetOnceAndStayInEveryIndex)
+{
+    {
+        Transaction transaction(m_database);
+        int met = 0;
+        for (Cursor cursor = m_table.records(); cursor.next(); ++met)
+            cursor.update({{u"Id", std::get<std::int32_t>(cursor.value(u"Id")) + 1000},
+                           {u"Alarma", u"Yesyesyes!"}}); // longer, so that rows move
+        EXPECT_EQ(met, 500);
+        transaction.commit();
+    }
+    EXPECT_EQ(findings(m_database), "");
+    Cursor cursor = m_table.byIndex(u"IndexPrimar");
+    ASSERT_TRUE(cursor.first());
+    EXPECT_EQ(errorOf([&] { cursor.update({{u"Id", 1002}}); }), ErrorCode::DuplicateKey);
+    EXPECT_EQ(errorOf([&] { cursor.update({{u"Id", Value()}}); }), ErrorCode::NullNotAllowed);
+    EXPECT_EQ(errorOf([&] { cursor.update({{u"Lipsa", 1}}); }), ErrorCode::NoSuchItem);
+    EXPECT_EQ(cursor.value(u"Id"), Value(1001));
+}
+
+TEST_F(Cursors, RefusedStatementLeavesATransactionUsable)
+{
+    Transaction transaction(m_database);
+    EXPECT_EQ(errorOf([&] { m_table.appendRow(sampleRow(7)); }), ErrorCode::DuplicateKey);
+    EXPECT_EQ(errorOf([&] { m_table.append({{u"Id", u"sapte"}}); }), ErrorCode::TypeConversion);
+    m_table.append({{u"Id", u"501"}, {u"Senzor1", 1}, {u"Alarma", true}});
+    transaction.commit();
+    EXPECT_EQ(m_table.recordCount(), 501U);
+    {
+        Transaction dropped(m_database);
+        m_table.deleteAll();
+        EXPECT_EQ(m_table.recordCount(), 0U);
+    }
+    EXPECT_EQ(m_table.recordCount(), 501U);
+    EXPECT_EQ(findings(m_database), "");
+}
+
+} // namespace
+} // namespace jet

@@ -1,0 +1,209 @@
+#include "jet/journal.h"
+
+#include "tests/jet/sample_database.h"
+
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <fstream>
+#include <sys/wait.h>
+#include <unistd.h>
+
+// Several openers of one file, in this process and others.
+
+namespace jet
+{
+namespace
+{
+
+class Sharing : public testing::Test
+{
+protected:
+    Sharing()
+    {
+        Database database = Database::create(m_path, kSomeDay, unsynced());
+        Table table = database.createTable(tabelDesign(), kSomeDay);
+        appendSamples(table, 1, 20);
+    }
+
+    Database open(bool readOnly = false) const
+    {
+        OpenOptions options = unsynced();
+        options.readOnly = readOnly;
+        return Database::open(m_path, options);
+    }
+    bool exists(const char *name) const { return std::filesystem::exists(m_folder / name); }
+
+    TemporaryFolder m_folder;
+    std::filesystem::path m_path = m_folder / "autoclava1.mdb";
+};
+
+TEST_F(Sharing, OneWritesAtATimeAndNobodySeesHalf)
+{
+    Database writer = open();
+    Database other = open();
+    const Database reader = open(true);
+    Table table = writer.table(u"Tabel");
+    const Table seen = reader.table(u"Tabel");
+    {
+        Transaction transaction(writer);
+        appendSamples(table, 21, 200);
+        EXPECT_EQ(seen.recordCount(), 20U);
+        EXPECT_EQ(errorOf([&] { other.table(u"Tabel").appendRow(sampleRow(21)); }),
+                  ErrorCode::InUse);
+        transaction.commit();
+    }
+    EXPECT_EQ(seen.recordCount(), 200U);
+    EXPECT_EQ(idsOf(seen.byIndex(u"IndexPrimar")).size(), 200U);
+    {
+        const Snapshot snapshot(reader);
+        EXPECT_EQ(errorOf([&] { table.appendRow(sampleRow(201)); }), ErrorCode::InUse);
+        EXPECT_EQ(seen.recordCount(), 200U);
+    }
+    table.appendRow(sampleRow(201));
+    EXPECT_EQ(other.table(u"Tabel").recordCount(), 201U);
+    EXPECT_EQ(errorOf([&] { Database::open(m_path, {true}).table(u"Tabel").deleteAll(); }),
+              ErrorCode::ReadOnly);
+    EXPECT_EQ(findings(other), "");
+}
+
+TEST_F(Sharing, TablesOfADatabaseInUseAreNotDropped)
+{
+    Database owner = open();
+    {
+        const Database other = open(true);
+        EXPECT_EQ(errorOf([&] { owner.dropTable(u"Tabel"); }), ErrorCode::TableLocked);
+        EXPECT_EQ(errorOf([&] { owner.renameTable(u"Tabel", u"T2", kSomeDay); }),
+                  ErrorCode::TableLocked);
+        EXPECT_EQ(other.table(u"Tabel").recordCount(), 20U);
+    }
+    Transaction transaction(owner);
+    owner.renameTable(u"Tabel", u"T2", kSomeDay);
+    EXPECT_EQ(errorOf([&] { open(); }), ErrorCode::InUse);
+    transaction.commit();
+    EXPECT_EQ(open().table(u"t2").recordCount(), 20U);
+    EXPECT_EQ(errorOf([&] { owner.table(u"Tabel"); }), ErrorCode::NoSuchTable);
+}
+
+TEST_F(Sharing, LockFileOfADeadProgramHindersNobody)
+{
+    std::ofstream(m_folder / "autoclava1.ldb") << "left over";
+    open().table(u"Tabel").appendRow(sampleRow(21));
+    EXPECT_FALSE(exists("autoclava1.ldb"));
+    EXPECT_FALSE(exists("autoclava1.jrn"));
+}
+
+TEST_F(Sharing, KilledWriterLosesNothingItReported)
+{
+    long survived = 20;
+    for (int round = 0; round < 12; ++round) {
+        int reports[2];
+        ASSERT_EQ(pipe(reports), 0);
+        const pid_t child = fork();
+        ASSERT_GE(child, 0);
+        if (child == 0) {
+            for (auto id = static_cast<std::int32_t>(survived + 1);; ++id) {
+                open().table(u"Tabel").appendRow(sampleRow(id));
+                if (write(reports[1], &id, sizeof id) != sizeof id)
+                    _exit(1);
+            }
+        }
+        close(reports[1]);
+        std::int32_t last = 0;
+        for (int report = 0; report <= 5 + 7 * round; ++report)
+            ASSERT_EQ(read(reports[0], &last, sizeof last), static_cast<ssize_t>(sizeof last));
+        kill(child, SIGKILL);
+        waitpid(child, nullptr, 0);
+        while (read(reports[0], &last, sizeof last) > 0) {
+        }
+        close(reports[0]);
+        const Database database = open();
+        survived = database.table(u"Tabel").recordCount();
+        EXPECT_TRUE(survived == last || survived == last + 1) << survived << " of " << last;
+        EXPECT_EQ(findings(database), "");
+    }
+}
+
+class LeftOverJournal : public Sharing
+{
+protected:
+    /// Leaves the files as a program does that was stopped before it wrote to the database.
+    void SetUp() override
+    {
+        const auto journal = m_folder / "autoclava1.jrn";
+        const auto old = m_folder / "old.mdb";
+        std::filesystem::copy_file(m_path, old);
+        Database database = open();
+        {
+            Transaction transaction(database);
+            Table table = database.table(u"Tabel");
+            appendSamples(table, 21, 90);
+            transaction.commit();
+        }
+        // The journal was emptied, so it is written once more from the change between the files.
+        const auto load = [](const std::filesystem::path &path) {
+            std::ifstream file(path, std::ios::binary);
+            return Bytes(std::istreambuf_iterator<char>(file), {});
+        };
+        const Bytes before = load(old);
+        const Bytes after = load(m_path);
+        writeJournal(journal, before, after);
+        std::filesystem::copy_file(old, m_path, std::filesystem::copy_options::overwrite_existing);
+    }
+
+    static PageBuffer pageOf(const Bytes &file, PageNo page)
+    {
+        PageBuffer buffer{};
+        std::copy_n(file.begin() + static_cast<std::ptrdiff_t>(fileOffset(page)), kPageSize,
+                    buffer.begin());
+        return buffer;
+    }
+    static void writeJournal(const std::filesystem::path &path, const Bytes &before,
+                             const Bytes &after)
+    {
+        const auto pagesBefore = static_cast<PageNo>(before.size() / kPageSize);
+        const auto pagesAfter = static_cast<PageNo>(after.size() / kPageSize);
+        std::vector<PageBuffer> olds(pagesAfter);
+        std::vector<PageBuffer> news(pagesAfter);
+        std::vector<PageChange> changes;
+        for (PageNo page = 0; page < pagesAfter; ++page) {
+            news[page] = pageOf(after, page);
+            if (page < pagesBefore)
+                olds[page] = pageOf(before, page);
+            if (page >= pagesBefore)
+                changes.push_back({page, nullptr, &news[page]});
+            else if (olds[page] != news[page])
+                changes.push_back({page, &olds[page], &news[page]});
+        }
+        const auto file = makeSystemFiles()->open(path, FileSystem::Access::Create);
+        Journal::write(*file, pagesBefore, pagesAfter, olds[0], olds[1], changes);
+    }
+};
+
+TEST_F(LeftOverJournal, IsFinishedOnOpenAndOnlySeenByAReader)
+{
+    const auto size = std::filesystem::file_size(m_path);
+    {
+        const Database reader = open(true);
+        EXPECT_EQ(reader.table(u"Tabel").recordCount(), 90U);
+        EXPECT_EQ(findings(reader), "");
+    }
+    EXPECT_EQ(std::filesystem::file_size(m_path), size) << "a reader changes nothing";
+    EXPECT_EQ(open().table(u"Tabel").recordCount(), 90U);
+    EXPECT_EQ(mdbCount(m_path, "Tabel"), "90\n");
+    EXPECT_FALSE(exists("autoclava1.jrn"));
+}
+
+TEST_F(LeftOverJournal, IsDroppedWhenAnotherProgramHasChangedTheFile)
+{
+    std::fstream file(m_path, std::ios::binary | std::ios::in | std::ios::out);
+    file.seekp(0xE00); // a user's commit counter, changed whenever the database program writes
+    file.put(7);
+    file.close();
+    const Database database = open();
+    EXPECT_EQ(database.table(u"Tabel").recordCount(), 20U);
+    EXPECT_EQ(findings(database), "");
+}
+
+} // namespace
+} // namespace jet
