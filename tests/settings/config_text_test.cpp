@@ -45,7 +45,8 @@ INSTANTIATE_TEST_SUITE_P(
         ReadCase{"LastKeyWithCommaOnlyIsMissing", "b =,2\r\na =,", "a =", std::nullopt},
         ReadCase{"MissingKey", "a =,1\r\n\r\n", "c =", std::nullopt},
         ReadCase{"EmptyFile", "", "a =", std::nullopt},
-        ReadCase{"UnclosedQuoteEndsTheSearch", "a =,\"x\r\nb =,2\r\n", "b =", std::nullopt},
+        ReadCase{"UnclosedQuoteIsText", "a =,\"x\r\nb =,\"2\"\r\n", "a =", "\"x"},
+        ReadCase{"UnclosedQuoteHidesNothing", "a =,\"x\r\nb =,2\r\n", "b =", "2"},
         ReadCase{"PlainLineFeeds", "a =,1\nb =,2\n\n", "b =", "2"},
         ReadCase{"ByteOrderMark",
                  "\xEF\xBB\xBF"

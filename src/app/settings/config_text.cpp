@@ -58,21 +58,31 @@ public:
     {
         while (!atEnd() && (m_file[m_at] == ' ' || m_file[m_at] == '\t'))
             ++m_at;
-        if (!atEnd() && m_file[m_at] == '"')
-            return quoted();
+        if (const qsizetype close = closingQuote(); close > m_at)
+            return quoted(close);
         const QByteArrayView field = upToSeparator();
         skipSeparator();
         return decoded(field);
     }
 
 private:
-    QString quoted()
+    /// Where a quoted field that begins here ends. A quote that is never closed in its line is part
+    /// of the text: one quote in a sensor's name must not swallow the settings below it.
+    qsizetype closingQuote() const
     {
-        const qsizetype begin = ++m_at;
-        while (!atEnd() && m_file[m_at] != '"')
-            ++m_at;
-        const QByteArrayView field = m_file.sliced(begin, m_at - begin);
-        upToSeparator(); // the closing quote and whatever stands behind it
+        if (atEnd() || m_file[m_at] != '"')
+            return -1;
+        qsizetype at = m_at + 1;
+        while (at < m_file.size() && m_file[at] != '"' && !isLineEnd(m_file[at]))
+            ++at;
+        return at < m_file.size() && m_file[at] == '"' ? at : -1;
+    }
+
+    QString quoted(qsizetype close)
+    {
+        const QByteArrayView field = m_file.sliced(m_at + 1, close - m_at - 1);
+        m_at = close + 1;
+        upToSeparator(); // whatever stands behind the closing quote
         skipSeparator();
         return decoded(field);
     }

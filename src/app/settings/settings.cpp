@@ -1,5 +1,6 @@
 #include "app/settings/settings.h"
 #include "app/settings/config_text.h"
+#include "app/settings/keys.h"
 #include "app/settings/texts.h"
 #include "platform/durable_file.h"
 #include "platform/numeric_text.h"
@@ -49,7 +50,7 @@ TabEntries scanEntries(const Station &station)
         {QString::number(first.interval_scanare), QString::number(second.interval_scanare),
          QString::number(first.masura_interval), QString::number(second.masura_interval)}};
     for (std::size_t i = 0; i < station.NumeFisier.size(); ++i) {
-        entries.keys += QStringLiteral("NumeFisier%1 =").arg(i + 1);
+        entries.keys += keys::storageName(static_cast<int>(i) + 1);
         entries.values += station.NumeFisier[i];
     }
     return entries;
@@ -90,17 +91,18 @@ void Settings::sizeLists(int count)
     m_station.Valori.resize(count);
 }
 
-void Settings::citeste_config(const QStringList &Chei, int last)
+bool Settings::citeste_config(const QStringList &Chei, int last)
 {
     const QByteArray file = readFile();
     for (int i = 0; i <= last; ++i) {
         const std::optional<QString> value = valueOfKey(file, Chei.at(i));
         if (!value) {
             m_operator.tell(texts::configError(), Operator::Icon::Critical);
-            return;
+            return false;
         }
         m_station.Valori[i] = *value;
     }
+    return true;
 }
 
 void Settings::scrie_config(const QStringList &Chei, int last)
@@ -112,6 +114,8 @@ void Settings::scrie_config(const QStringList &Chei, int last)
         QString &value = m_station.Valori[i];
         if (isNumericText(value))
             value.replace(QLatin1Char(','), QLatin1Char('.'));
+        for (const char lineEnd : {'\r', '\n'}) // pasted along; they would end the line in the file
+            value.replace(QLatin1Char(lineEnd), QLatin1Char(' '));
         lines += keys.at(i) + QLatin1Char(',') + value;
     }
     const std::optional<QByteArray> content = withKeysReplaced(file, keys, lines);
@@ -120,6 +124,13 @@ void Settings::scrie_config(const QStringList &Chei, int last)
         return;
     }
     replaceFile(m_station.configPath(), *content);
+}
+
+void Settings::save(const QStringList &keys, const QStringList &values)
+{
+    m_station.Chei = keys;
+    m_station.Valori = values;
+    scrie_config(m_station.Chei, static_cast<int>(keys.size()) - 1);
 }
 
 std::optional<QString> Settings::optionalValue(const QString &key) const
@@ -138,8 +149,8 @@ void Settings::incarca_setari_diagrama(Diagrama &record)
     for (int i = 0; i < suffixes.size(); ++i)
         Chei[i] = record.name + suffixes.at(i);
     for (int i = 0; i < 4; ++i)
-        Chei[i + 6] = QStringLiteral("NumeFisier%1 =").arg(i + 1);
-    Chei[10] = record.name + QStringLiteral(".Titlu =");
+        Chei[i + 6] = keys::storageName(i + 1);
+    Chei[10] = keys::title(record.name);
     citeste_config(Chei, 10);
 
     const QStringList &Valori = m_station.Valori;
@@ -159,7 +170,7 @@ void Settings::incarca_nume_senzori(Diagrama &record)
     record.sensorCount = kSensorsPerDiagram;
     sizeLists(kSensorsPerDiagram);
     for (int i = 0; i < kSensorsPerDiagram; ++i)
-        m_station.Chei[i] = record.name + QStringLiteral(".Senzor%1.Nume =").arg(i + 1);
+        m_station.Chei[i] = keys::sensorName(record.name, i + 1);
     citeste_config(m_station.Chei, kSensorsPerDiagram - 1);
     record.Nume = m_station.Valori;
 }
@@ -169,8 +180,7 @@ void Settings::citeste_calibrari()
     const int count = static_cast<int>(m_station.sensors.size());
     sizeLists(count);
     for (int i = 0; i < count; ++i)
-        m_station.Chei[i] = QStringLiteral("Calibrare.%1 =")
-                                .arg(m_station.sensors[static_cast<std::size_t>(i)].key);
+        m_station.Chei[i] = keys::calibration(m_station.sensors[static_cast<std::size_t>(i)].key);
     citeste_config(m_station.Chei, count - 1);
     for (int i = 0; i < count; ++i)
         m_station.sensors[static_cast<std::size_t>(i)].calibrationText =

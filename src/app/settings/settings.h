@@ -21,14 +21,19 @@ public:
     Settings(Station &station, Operator &op) : m_station(station), m_operator(op) {}
 
     /// Reads the values of Chei 0 to `last` into Valori 0 to `last`. At the first key that is not
-    /// in the file the operator is told and reading ends: the values from there on stay as they
-    /// were.
-    void citeste_config(const QStringList &Chei, int last);
+    /// in the file the operator is told and reading ends with false: the values from there on stay
+    /// as they were.
+    bool citeste_config(const QStringList &Chei, int last);
 
     /// Writes Valori 0 to `last` under Chei 0 to `last`, the decimal comma of a numeric value
-    /// turned into a point (in Valori too). A key that is not in the file: the operator is told and
-    /// nothing is written. The file is replaced as a whole or not at all.
+    /// turned into a point, a line break into blanks (in Valori too). A key that is not in the
+    /// file: the operator is told and nothing is written. The file is replaced as a whole or not at
+    /// all.
     void scrie_config(const QStringList &Chei, int last);
+
+    /// Fills Chei and Valori and writes all of them. Valori may differ from `values` afterwards, as
+    /// scrie_config says.
+    void save(const QStringList &keys, const QStringList &values);
 
     /// The value of a key that a file may lack; never says anything to the operator.
     std::optional<QString> optionalValue(const QString &key) const;

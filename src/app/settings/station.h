@@ -3,6 +3,7 @@
 #include "app/settings/diagram.h"
 #include "app/settings/sensor.h"
 #include "platform/clock.h"
+#include "platform/runtime_error.h"
 
 #include <QLocale>
 #include <QString>
@@ -31,6 +32,14 @@ struct Station {
     bool FormMdbDeschis = false; ///< the database browser is loaded
     bool historyOpen = false;    ///< the history generator is loaded
     qint16 currentRow = 1;       ///< chart row that the next sample writes
+
+    /// Throws RuntimeError 9 when there is no such diagram.
+    Diagrama &diagramAt(std::size_t index)
+    {
+        if (index >= Diagrame.size())
+            throw RuntimeError(RuntimeError::SubscriptOutOfRange);
+        return Diagrame[index];
+    }
 
     QString configPath() const { return appFolder + QStringLiteral("/config/config.ini"); }
     QString storagePath(const QString &name) const

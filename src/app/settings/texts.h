@@ -20,4 +20,17 @@ inline QString tabScanOptions()
 {
     return QStringLiteral("Optiuni scanare");
 }
+/// A tab of numbers holds something else than numbers.
+inline QString checkFields()
+{
+    return QStringLiteral("Verificati corectitudinea campurilor.");
+}
+inline QString okButton()
+{
+    return QStringLiteral("OK");
+}
+inline QString cancelButton()
+{
+    return QStringLiteral("Cancel");
+}
 } // namespace texts

@@ -1,0 +1,15 @@
+#pragma once
+
+#include <QString>
+#include <initializer_list>
+
+/// One number box of a settings tab and the setting behind it.
+struct NumberEntry {
+    QString &text;
+    double &setting;
+};
+
+/// Takes over what was typed on a tab of plain numbers. When every text is numeric ("." and ","
+/// both count), commas become points in the texts, the settings get the numbers, and it returns
+/// true. Otherwise nothing changes. Throws RuntimeError 6 for a number beyond what a double holds.
+bool takeNumbers(std::initializer_list<NumberEntry> entries);

@@ -1,0 +1,16 @@
+#include "app/settings/storage_names.h"
+
+#include <algorithm>
+
+bool nume_fisier_valid(const QString &name)
+{
+    static constexpr QStringView kForbidden = u"\"*/?\\|:<>";
+    return std::none_of(name.cbegin(), name.cend(), [](QChar c) { return kForbidden.contains(c); });
+}
+
+void adauga_extensie_mdb(std::array<QString, 4> &names)
+{
+    const QLatin1String extension(".mdb");
+    for (QString &name : names)
+        name = name.remove(extension) + extension;
+}
