@@ -50,7 +50,9 @@ void writeAll(QSaveFile &file, QByteArrayView bytes)
 
 void commit(QSaveFile &file)
 {
-    if (!file.commit())
+    // The toolkit's commit takes no notice when what it still held back cannot be written: it would
+    // put a cut file in the old one's place.
+    if (!file.flush() || !file.commit())
         throw fileError(file);
     syncFolderOf(file.fileName());
 }
