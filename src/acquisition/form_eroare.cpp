@@ -1,6 +1,7 @@
 #include "acquisition/form_eroare.h"
 #include "acquisition/texts.h"
 #include "app/settings/station.h"
+#include "app/settings/texts.h"
 #include "platform/runtime_error.h"
 #include "platform/twips.h"
 #include "platform/window_frame.h"
@@ -38,7 +39,7 @@ QPixmap warningIcon(const QString &path)
 FormEroare::FormEroare(const Station &station, OpenForms openForms, QSize screenTwips,
                        QWidget *parent)
     : QWidget(parent), m_openForms(std::move(openForms)), m_screen(screenTwips),
-      m_message(new QLabel), m_ok(new QPushButton(texts::ok()))
+      m_message(new QLabel), m_ok(new QPushButton(texts::okButton()))
 {
     setObjectName(QStringLiteral("FormEroare"));
     auto *picture = new QLabel;

@@ -32,8 +32,20 @@ inline QString monitorStopped()
 {
     return QStringLiteral("Monitor oprit.");
 }
-inline QString ok()
+inline QString calibrationCaption()
 {
-    return QStringLiteral("OK");
+    return QStringLiteral("Calibrare senzori");
+}
+inline QString calibrationLabel(const QString &sensorName)
+{
+    return QStringLiteral("Calibrare senzor ") + sensorName;
+}
+inline QString saveButton()
+{
+    return QStringLiteral("Salvare");
+}
+inline QString checkCalibrations()
+{
+    return QStringLiteral("Verificati corectitudinea campurilor");
 }
 } // namespace texts

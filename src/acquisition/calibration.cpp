@@ -1,0 +1,24 @@
+#include "acquisition/calibration.h"
+#include "acquisition/texts.h"
+#include "app/settings/keys.h"
+#include "app/settings/settings.h"
+#include "platform/numeric_text.h"
+#include "platform/operator.h"
+
+bool saveCalibrations(Station &station, Settings &settings, Operator &op, QStringList &texts)
+{
+    QStringList calibrationKeys;
+    for (qsizetype i = 0; i < texts.size(); ++i) {
+        QString &text = texts[i];
+        if (!isNumericText(text)) {
+            op.tell(texts::checkCalibrations(), Operator::Icon::Exclamation);
+            return false;
+        }
+        text.replace(QLatin1Char(','), QLatin1Char('.'));
+        Sensor &sensor = station.sensors.at(static_cast<std::size_t>(i));
+        sensor.calibrationText = numberText(leadingNumber(text), station.locale);
+        calibrationKeys += keys::calibration(sensor.key);
+    }
+    settings.save(calibrationKeys, texts);
+    return true;
+}

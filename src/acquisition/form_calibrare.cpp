@@ -1,0 +1,79 @@
+#include "acquisition/form_calibrare.h"
+#include "acquisition/calibration.h"
+#include "acquisition/texts.h"
+#include "app/settings/station.h"
+#include "app/settings/texts.h"
+#include "platform/dialog_buttons.h"
+#include "platform/twips.h"
+#include "platform/window_frame.h"
+
+#include <QGridLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <algorithm>
+
+namespace
+{
+
+constexpr qsizetype kOffsetCharacters = 5;
+constexpr int kLabelToBoxTwips = 100;
+
+} // namespace
+
+FormCalibrare::FormCalibrare(Station &station, Settings &settings, Operator &op, QSize screenTwips,
+                             QWidget *parent)
+    : QDialog(parent), m_station(station), m_settings(settings), m_operator(op)
+{
+    setObjectName(QStringLiteral("FormCalibrare"));
+    setWindowTitle(texts::calibrationCaption());
+    auto *column = new QVBoxLayout(this);
+    column->addLayout(rows(), 1);
+    column->addLayout(dialogButtons(*this, {QStringLiteral("cmdOk"), texts::saveButton()},
+                                    {QStringLiteral("cmdCancel"), texts::cancelButton()},
+                                    [this] { cmdOk_Click(); }));
+    showOffsets();
+    adjustSize();
+    centreOnScreen(*this, screenTwips);
+    connect(this, &QDialog::finished, this, &FormCalibrare::closed);
+}
+
+QLayout *FormCalibrare::rows()
+{
+    auto *grid = new QGridLayout;
+    grid->setHorizontalSpacing(pixelsFromTwips(kLabelToBoxTwips));
+    for (const Sensor &sensor : m_station.sensors) {
+        const int row = static_cast<int>(m_boxes.size());
+        auto *box = new QLineEdit(this);
+        box->setObjectName(QStringLiteral("CalibText_%1").arg(row));
+        auto *label = new QLabel(texts::calibrationLabel(sensor.name), this);
+        label->setObjectName(QStringLiteral("CalibLabel_%1").arg(row));
+        label->setTextFormat(Qt::PlainText);
+        label->setBuddy(box);
+        grid->addWidget(label, row, 0, Qt::AlignRight | Qt::AlignVCenter);
+        grid->addWidget(box, row, 1);
+        grid->setRowStretch(row, 1);
+        m_boxes.push_back(box);
+    }
+    return grid;
+}
+
+void FormCalibrare::showOffsets()
+{
+    for (std::size_t i = 0; i < m_boxes.size(); ++i) {
+        const QString &offset = m_station.sensors.at(i).calibrationText;
+        // A longer offset from the settings file stays whole: cut, it would be saved as another.
+        m_boxes[i]->setMaxLength(static_cast<int>(std::max(kOffsetCharacters, offset.size())));
+        m_boxes[i]->setText(offset);
+    }
+}
+
+void FormCalibrare::cmdOk_Click()
+{
+    QStringList offsets;
+    for (const QLineEdit *box : m_boxes)
+        offsets += box->text();
+    if (saveCalibrations(m_station, m_settings, m_operator, offsets))
+        accept();
+    else
+        showOffsets();
+}
