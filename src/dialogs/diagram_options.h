@@ -1,0 +1,72 @@
+#pragma once
+
+#include <QString>
+#include <array>
+#include <functional>
+
+class Clock;
+class Settings;
+struct Diagrama;
+struct NumberEntry;
+struct Station;
+
+/// What the boxes of the options dialog hold.
+struct OptionTexts {
+    QString LimInf, LimSup;
+    QString AlarmInf, AlarmSup;
+    QString Scan;
+    int MasuraTimp = -1; ///< position in the list of units, which is the unit code; -1 for none
+    std::array<QString, 4> NumeMdb;
+};
+
+/// The options of one diagram behind its dialog. A tab is named by its caption.
+///
+/// Valid entries take effect in memory and on the chart at once; the settings file changes only
+/// through saveDefaults(). Failures of the settings file leave as Settings says.
+class DiagramOptions
+{
+public:
+    using ShowError = std::function<void(const QString &message)>;
+
+    /// `diagram`: index into the diagram table. `showError` tells the operator why a tab was
+    /// refused. Station, settings and clock must outlive this object.
+    DiagramOptions(Station &station, Settings &settings, const Clock &clock, std::size_t diagram,
+                   ShowError showError);
+
+    /// Fills one tab's texts from memory.
+    void afiseaza_tab(const QString &tab, OptionTexts &texts) const;
+
+    /// Checks one tab's texts; valid ones are stored and applied, and it returns true. Otherwise
+    /// the operator is told and nothing changes. The texts are changed to what was understood: a
+    /// point for a comma, 1 for an interval of 0. Throws RuntimeError 6 for an interval beyond 16
+    /// bits.
+    bool valideaza_tab(const QString &tab, OptionTexts &texts);
+
+    /// Checks all tabs from the first to the last. At the first one that is refused all texts are
+    /// filled from memory again and it returns false; the tabs before it stay applied.
+    bool applyAll(OptionTexts &texts);
+
+    /// Checks one tab, then fills it from memory whatever the result.
+    void apply(const QString &tab, OptionTexts &texts);
+
+    /// Applies one tab, then writes it to the settings file: what is in memory, even when the entry
+    /// was refused.
+    void saveDefaults(const QString &tab, OptionTexts &texts);
+
+    /// Reads one tab from the settings file into memory, applies it and fills its texts. A key that
+    /// the file lacks: the operator is told and nothing changes. Throws RuntimeError 13 for an
+    /// interval or unit that is not a number, 6 for one beyond 16 bits.
+    void restoreDefaults(const QString &tab, OptionTexts &texts);
+
+private:
+    bool takeTab(const QString &tab, std::initializer_list<NumberEntry> entries);
+    bool takeScanOptions(OptionTexts &texts);
+    void takeSavedScanOptions();
+    Diagrama &record() const;
+
+    Station &m_station;
+    Settings &m_settings;
+    const Clock &m_clock;
+    std::size_t m_diagram;
+    ShowError m_showError;
+};

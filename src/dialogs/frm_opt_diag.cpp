@@ -1,0 +1,242 @@
+#include "dialogs/frm_opt_diag.h"
+#include "app/settings/station.h"
+#include "app/settings/texts.h"
+#include "dialogs/texts.h"
+#include "platform/dialog_buttons.h"
+#include "platform/window_frame.h"
+
+#include <QComboBox>
+#include <QCoreApplication>
+#include <QDir>
+#include <QGridLayout>
+#include <QGroupBox>
+#include <QHBoxLayout>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QTabBar>
+#include <QTabWidget>
+#include <QVBoxLayout>
+
+namespace
+{
+
+constexpr int kNameCharacters = 24; // a storage name is seen whole
+
+QLabel *plainLabel(const QString &text, QWidget *buddy = nullptr)
+{
+    auto *label = new QLabel(text);
+    label->setTextFormat(Qt::PlainText);
+    label->setBuddy(buddy);
+    return label;
+}
+
+QLineEdit *addBox(QGridLayout &grid, int row, const QString &name, const QString &caption)
+{
+    auto *box = new QLineEdit;
+    box->setObjectName(name);
+    grid.addWidget(plainLabel(caption, box), row, 0);
+    grid.addWidget(box, row, 1);
+    grid.setColumnStretch(2, 1); // a number's box is no wider than a number
+    return box;
+}
+
+/// A panel that holds frames one below the other.
+QWidget *panelOf(std::initializer_list<QWidget *> parts)
+{
+    auto *panel = new QWidget;
+    auto *column = new QVBoxLayout(panel);
+    for (QWidget *part : parts)
+        column->addWidget(part);
+    column->addStretch();
+    return panel;
+}
+
+} // namespace
+
+frmOptDiag::frmOptDiag(int diagram, Station &station, Settings &settings, const Clock &clock,
+                       ShowError arata_eroare, QSize screenTwips, QWidget *parent)
+    : QDialog(parent), m_options(station, settings, clock, static_cast<std::size_t>(diagram),
+                                 [this, show = std::move(arata_eroare)](const QString &message) {
+                                     show(*this, message);
+                                 }),
+      m_tabs(new QTabWidget)
+{
+    setObjectName(QStringLiteral("frmOptDiag%1").arg(diagram + 1));
+    setWindowTitle(texts::optionsCaption(diagram));
+    m_tabs->setObjectName(QStringLiteral("tbsOptions"));
+    addTab(texts::tabGraphLimits(), QStringLiteral("LimiteGrafic"), texts::graphLimitsTip(),
+           limitsPanel());
+    addTab(texts::tabAlarms(), QStringLiteral("SetAlarme"), texts::alarmsTip(), alarmsPanel());
+    addTab(texts::tabScanOptions(), QStringLiteral("OptiuniScanare"), texts::scanOptionsTip(),
+           scanPanel(diagram, QDir::toNativeSeparators(station.storagePath({}))));
+    auto *column = new QVBoxLayout(this);
+    column->addWidget(m_tabs);
+    column->addLayout(buttonRow());
+
+    OptionTexts texts;
+    for (int tab = 0; tab < m_tabs->count(); ++tab)
+        m_options.afiseaza_tab(m_tabs->tabText(tab), texts);
+    fillBoxes(texts);
+    connect(this, &QDialog::finished, this, &frmOptDiag::closed);
+    adjustSize();
+    centreOnScreen(*this, screenTwips);
+}
+
+void frmOptDiag::addTab(const QString &caption, const QString &key, const QString &tip,
+                        QWidget *panel)
+{
+    const int index = m_tabs->addTab(panel, caption);
+    panel->setObjectName(QStringLiteral("picOptions_%1").arg(index));
+    m_tabs->tabBar()->setTabData(index, key);
+    m_tabs->setTabToolTip(index, tip);
+}
+
+QWidget *frmOptDiag::limitsPanel()
+{
+    auto *frame = new QGroupBox(texts::tabGraphLimits());
+    auto *grid = new QGridLayout(frame);
+    m_limSup = addBox(*grid, 0, QStringLiteral("LimSupText"), texts::upperLimit());
+    m_limInf = addBox(*grid, 1, QStringLiteral("LimInfText"), texts::lowerLimit());
+    return panelOf({frame});
+}
+
+QWidget *frmOptDiag::alarmsPanel()
+{
+    auto *frame = new QGroupBox(texts::tabAlarms());
+    auto *grid = new QGridLayout(frame);
+    m_alarmSup = addBox(*grid, 0, QStringLiteral("AlarmSupText"), texts::upperAlarm());
+    m_alarmInf = addBox(*grid, 1, QStringLiteral("AlarmInfText"), texts::lowerAlarm());
+    return panelOf({frame});
+}
+
+QWidget *frmOptDiag::scanPanel(int diagram, const QString &storageFolder)
+{
+    auto *interval = new QGroupBox(texts::scanInterval());
+    auto *row = new QHBoxLayout(interval);
+    m_scan = new QLineEdit;
+    m_scan->setObjectName(QStringLiteral("ScanText"));
+    m_unit = new QComboBox;
+    m_unit->setObjectName(QStringLiteral("MasuraTimpCombo"));
+    m_unit->addItems(texts::intervalUnits());
+    row->addWidget(m_scan);
+    row->addWidget(m_unit);
+    row->addStretch(1);
+
+    auto *databases = new QGroupBox(texts::databases());
+    auto *grid = new QGridLayout(databases);
+    grid->addWidget(plainLabel(texts::channelValues(diagram)), 0, 0);
+    addStorageNames(*grid, 1);
+    QLabel *folder = plainLabel(texts::storageFolder(storageFolder));
+    folder->setObjectName(QStringLiteral("CaleMdbLabel"));
+    grid->addWidget(folder, grid->rowCount(), 0, 1, 2);
+
+    return panelOf({interval, databases, plainLabel(texts::sharedOptionsNote())});
+}
+
+void frmOptDiag::addStorageNames(QGridLayout &grid, int firstRow)
+{
+    for (int i = 0; i < 4; ++i) {
+        auto *box = new QLineEdit;
+        box->setObjectName(QStringLiteral("NumeMdb%1Text").arg(i + 1));
+        box->setMinimumWidth(box->fontMetrics().averageCharWidth() * kNameCharacters);
+        grid.addWidget(box, firstRow + i, 0);
+        if (i > 0) // only the first storage file is ever written
+            grid.addWidget(plainLabel(texts::unusedName(), box), firstRow + i, 1);
+        m_names[static_cast<std::size_t>(i)] = box;
+    }
+}
+
+QLayout *frmOptDiag::buttonRow()
+{
+    auto *row = new QHBoxLayout;
+    const auto add = [&](const QString &name, const QString &caption, auto &&clicked) {
+        QPushButton *button = dialogButton(*this, {name, caption});
+        connect(button, &QPushButton::clicked, this, clicked);
+        row->addWidget(button);
+        return button;
+    };
+    add(QStringLiteral("cmdSaveDef"), texts::saveDefaultsButton(),
+        [this] { runOnSelectedTab(&DiagramOptions::saveDefaults); });
+    add(QStringLiteral("cmdRestDef"), texts::restoreDefaultsButton(),
+        [this] { runOnSelectedTab(&DiagramOptions::restoreDefaults); });
+    row->addStretch();
+    add(QStringLiteral("cmdOK"), texts::okButton(), [this] { cmdOK_Click(); })->setDefault(true);
+    add(QStringLiteral("cmdCancel"), texts::cancelButton(), [this] { reject(); });
+    add(QStringLiteral("cmdApply"), texts::applyButton(),
+        [this] { runOnSelectedTab(&DiagramOptions::apply); });
+    return row;
+}
+
+void frmOptDiag::selectTab(const QString &key)
+{
+    for (int tab = 0; tab < m_tabs->count(); ++tab)
+        if (m_tabs->tabBar()->tabData(tab) == key)
+            m_tabs->setCurrentIndex(tab);
+    auto *first = m_tabs->currentWidget()->findChild<QLineEdit *>();
+    first->setFocus(Qt::TabFocusReason); // selects the text, as if tabbed into
+}
+
+QString frmOptDiag::selectedTab() const
+{
+    return m_tabs->tabText(m_tabs->currentIndex());
+}
+
+OptionTexts frmOptDiag::readBoxes() const
+{
+    OptionTexts texts{m_limInf->text(),
+                      m_limSup->text(),
+                      m_alarmInf->text(),
+                      m_alarmSup->text(),
+                      m_scan->text(),
+                      m_unit->currentIndex(),
+                      {}};
+    for (std::size_t i = 0; i < m_names.size(); ++i)
+        texts.NumeMdb[i] = m_names[i]->text();
+    return texts;
+}
+
+void frmOptDiag::fillBoxes(const OptionTexts &texts)
+{
+    m_limInf->setText(texts.LimInf);
+    m_limSup->setText(texts.LimSup);
+    m_alarmInf->setText(texts.AlarmInf);
+    m_alarmSup->setText(texts.AlarmSup);
+    m_scan->setText(texts.Scan);
+    m_unit->setCurrentIndex(texts.MasuraTimp);
+    for (std::size_t i = 0; i < m_names.size(); ++i)
+        m_names[i]->setText(texts.NumeMdb[i]);
+}
+
+void frmOptDiag::runOnSelectedTab(TabAction action)
+{
+    OptionTexts texts = readBoxes();
+    (m_options.*action)(selectedTab(), texts);
+    fillBoxes(texts);
+}
+
+void frmOptDiag::cmdOK_Click()
+{
+    OptionTexts texts = readBoxes();
+    const bool valid = m_options.applyAll(texts);
+    fillBoxes(texts);
+    if (valid)
+        accept();
+}
+
+void frmOptDiag::reject()
+{
+    // A window system may still offer the title bar's button of a disabled window.
+    if (isEnabled())
+        QDialog::reject();
+}
+
+void frmOptDiag::keyPressEvent(QKeyEvent *event)
+{
+    // Ctrl+Tab turns the tabs wherever the focus is, also on a button below them.
+    if (event->key() == Qt::Key_Tab && event->modifiers() & Qt::ControlModifier)
+        QCoreApplication::sendEvent(m_tabs, event);
+    else
+        QDialog::keyPressEvent(event);
+}

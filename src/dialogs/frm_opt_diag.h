@@ -1,0 +1,67 @@
+#pragma once
+
+#include "dialogs/diagram_options.h"
+
+#include <QDialog>
+
+class QComboBox;
+class QGridLayout;
+class QLineEdit;
+class QTabWidget;
+
+/// The options of one diagram: graph limits, alarms, scan options. One class serves both diagrams
+/// under the names frmOptDiag1 and frmOptDiag2. Modeless; it expects to be opened as a locked
+/// dialog.
+class frmOptDiag : public QDialog
+{
+    Q_OBJECT
+public:
+    /// arata_eroare: shows a message in the error window with `caller` disabled meanwhile, and
+    /// returns at once.
+    using ShowError = std::function<void(QWidget &caller, const QString &message)>;
+
+    /// `diagram`: index into the diagram table, 0 or 1. The dialog stands in the middle of a screen
+    /// of that size, in twips; all tabs are filled from memory. Station, settings and clock must
+    /// outlive it.
+    frmOptDiag(int diagram, Station &station, Settings &settings, const Clock &clock,
+               ShowError arata_eroare, QSize screenTwips, QWidget *parent = nullptr);
+
+    /// Selects the tab with the key "LimiteGrafic", "SetAlarme" or "OptiuniScanare" and gives its
+    /// first box the focus.
+    void selectTab(const QString &key);
+
+    /// Closes the dialog, unless the error window is open over it.
+    void reject() override;
+
+signals:
+    /// The dialog has closed, whatever the way.
+    void closed();
+
+protected:
+    void keyPressEvent(QKeyEvent *event) override;
+
+private:
+    void addTab(const QString &caption, const QString &key, const QString &tip, QWidget *panel);
+    QWidget *limitsPanel();
+    QWidget *alarmsPanel();
+    QWidget *scanPanel(int diagram, const QString &storageFolder);
+    void addStorageNames(QGridLayout &grid, int firstRow);
+    QLayout *buttonRow();
+
+    QString selectedTab() const;
+    OptionTexts readBoxes() const;
+    void fillBoxes(const OptionTexts &texts);
+    using TabAction = void (DiagramOptions::*)(const QString &tab, OptionTexts &texts);
+    void runOnSelectedTab(TabAction action);
+    void cmdOK_Click();
+
+    DiagramOptions m_options;
+    QTabWidget *m_tabs;
+    QLineEdit *m_limSup = nullptr;
+    QLineEdit *m_limInf = nullptr;
+    QLineEdit *m_alarmSup = nullptr;
+    QLineEdit *m_alarmInf = nullptr;
+    QLineEdit *m_scan = nullptr;
+    QComboBox *m_unit = nullptr;
+    std::array<QLineEdit *, 4> m_names{};
+};

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <QDialog>
+
+class QLineEdit;
+class Settings;
+struct Station;
+
+/// Edits the title of one diagram.
+class frmTitluDiag : public QDialog
+{
+    Q_OBJECT
+public:
+    /// Station and settings must outlive the dialog.
+    frmTitluDiag(Station &station, Settings &settings, QWidget *parent = nullptr);
+
+    /// Takes a diagram by its index into the diagram table and shows its title for editing. Throws
+    /// RuntimeError 9 when there is no such diagram.
+    void incarca_titlu(int diagram);
+
+signals:
+    /// A diagram has a new title: time for scrie_titlu_diagrame.
+    void titleChanged();
+    /// The dialog has closed, whatever the way.
+    void closed();
+
+private:
+    void OKButton_Click();
+
+    Station &m_station;
+    Settings &m_settings;
+    std::size_t m_diagram = 0;
+    QLineEdit *m_title;
+};

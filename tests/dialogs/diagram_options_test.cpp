@@ -1,0 +1,157 @@
+#include "app/settings/storage_names.h"
+#include "dialogs/diagram_options.h"
+#include "tests/dialogs/dialog_rig.h"
+
+namespace
+{
+
+const QString kLimits = QStringLiteral("Limite grafic");
+const QString kAlarms = QStringLiteral("Alarme");
+const QString kScan = QStringLiteral("Optiuni scanare");
+
+class Options : public DialogRig
+{
+protected:
+    Options()
+    {
+        for (const QString &tab : {kLimits, kAlarms, kScan})
+            options.afiseaza_tab(tab, texts);
+    }
+
+    QStringList errors;
+    DiagramOptions options{station, settings, time, 1,
+                           [this](const QString &message) { errors += message; }};
+    OptionTexts texts;
+};
+
+} // namespace
+
+TEST(StorageNames, NeverLeaveTheFolder)
+{
+    const struct {
+        const char *typed, *stored;
+    } cases[] = {{"date.mdb", "date.mdb"}, {"date", "date.mdb"}, {"date.MDB", "date.MDB.mdb"},
+                 {"a.mdb.x", "a.x.mdb"},   {"a,b", "a,b.mdb"},   {"", ".mdb"},
+                 {".", "..mdb"},           {"..", "...mdb"},     {"../x", nullptr},
+                 {"..\\x", nullptr},       {"C:x", nullptr},     {"a\"", nullptr},
+                 {"a*?", nullptr},         {"a?", nullptr},      {"a|b", nullptr},
+                 {"<a", nullptr},          {"a>", nullptr}};
+    for (const auto &c : cases) {
+        EXPECT_EQ(nume_fisier_valid(c.typed), c.stored != nullptr) << c.typed;
+        std::array<QString, 4> names{"w", "x", "y", c.typed};
+        adauga_extensie_mdb(names);
+        EXPECT_TRUE(!c.stored || names[3] == c.stored) << names[3].toStdString();
+    }
+}
+
+TEST_F(Options, NumbersAreTakenWithCommaOrPointAndInAnyOrder)
+{
+    texts.LimInf = "200,25"; // above the upper limit: any two numbers are accepted
+    texts.LimSup = " -12.5";
+    EXPECT_TRUE(options.valideaza_tab(kLimits, texts));
+    EXPECT_EQ(texts.LimInf, "200.25");
+    EXPECT_EQ(diagrams.chart(1).valueAxisMinimum(), 200.25);
+    EXPECT_EQ(diagrams.chart(1).valueAxisMaximum(), -12.5);
+    EXPECT_EQ(diagrams.chart(0).valueAxisMaximum(), 150) << "the other diagram keeps its own";
+
+    for (const char *bad : {"", "abc", "1.2,3", "12 3", "5x"}) {
+        texts.AlarmInf = "3";
+        texts.AlarmSup = bad;
+        options.apply(kAlarms, texts);
+        EXPECT_EQ(texts.AlarmSup, "138") << bad;
+        EXPECT_EQ(station.Diagrame[1].alarma_minim, 10) << bad;
+        EXPECT_EQ(errors.takeLast(), "Verificati corectitudinea campurilor.");
+    }
+}
+
+TEST_F(Options, IntervalIsTheNextLowerWholeNumberForBothDiagrams)
+{
+    const struct {
+        const char *typed;
+        int interval, error;
+    } cases[] = {{"0", 1, 0},          {"0,0", 1, 0},           {"2.7", 2, 0},
+                 {"-2,5", -3, 0},      {"32767.9", 32767, 0},   {"-32768", -32768, 0},
+                 {"32768", -32768, 6}, {"-32768.5", -32768, 6}, {"1e999", -32768, 6}};
+    texts.MasuraTimp = 1;
+    for (const auto &c : cases) {
+        texts.Scan = c.typed;
+        EXPECT_EQ(errorOf([&] { options.valideaza_tab(kScan, texts); }), c.error) << c.typed;
+        EXPECT_EQ(station.Diagrame[0].interval_scanare, c.interval) << c.typed;
+        EXPECT_EQ(station.Diagrame[1].interval_scanare, c.interval) << c.typed;
+        EXPECT_EQ(station.nextSampling, time.now().addSecs(60LL * c.interval)) << c.typed;
+    }
+}
+
+TEST_F(Options, RefusedScanOptionsChangeNothingAndSayWhy)
+{
+    const OptionTexts good = texts;
+    const auto refuse = [&](auto &&spoil) {
+        texts = good;
+        texts.MasuraTimp = 2;
+        spoil();
+        EXPECT_FALSE(options.valideaza_tab(kScan, texts));
+        EXPECT_EQ(errors.takeLast(),
+                  "Verificati corectitudinea campurilor!\r\n"
+                  "Nu folositi in campurile cu valori numerice litere sau simboluri.\r\n"
+                  "Nu folositi caracterele  */?\\|:<>\"in numele fisierelor.");
+        EXPECT_EQ(station.Diagrame[0].masura_interval, 0);
+    };
+    refuse([&] { texts.Scan = "1s"; });
+    refuse([&] { texts.NumeMdb[3] = "../x"; });
+    refuse([&] { texts.MasuraTimp = -1; });
+}
+
+TEST_F(Options, AllTabsStopAtTheFirstRefusedOne)
+{
+    texts.LimSup = "77";
+    texts.AlarmInf = "x";
+    texts.Scan = "9";
+    EXPECT_FALSE(options.applyAll(texts));
+    EXPECT_EQ(errors.size(), 1);
+    EXPECT_EQ(diagrams.chart(1).valueAxisMaximum(), 77);
+    EXPECT_EQ(station.Diagrame[0].interval_scanare, 1);
+    EXPECT_EQ(texts.AlarmInf, "10");
+    EXPECT_EQ(texts.Scan, "1");
+}
+
+TEST_F(Options, SaveWritesTheTabAndRestoreBringsItBackByteForByte)
+{
+    texts.Scan = "5";
+    texts.NumeMdb = {"date", "a,b", "b", "b"};
+    QByteArray expected = configWith(
+        {"Diagrama1.interval_scanare =,5", "Diagrama2.interval_scanare =,5",
+         "Diagrama1.masura_interval =,0", "Diagrama2.masura_interval =,0", "NumeFisier1 =,date.mdb",
+         "NumeFisier2 =,a,b.mdb", "NumeFisier3 =,b.mdb", "NumeFisier4 =,b.mdb"});
+    options.saveDefaults(kScan, texts);
+    EXPECT_EQ(folder.config(), expected);
+
+    texts.AlarmInf = "x"; // refused: what is in memory is saved all the same
+    expected = configWith({"Diagrama2.alarma_minim =,10", "Diagrama2.alarma_maxim =,138"});
+    options.saveDefaults(kAlarms, texts);
+    EXPECT_EQ(folder.config(), expected);
+
+    station.Diagrame[0].interval_scanare = 3;
+    station.NumeFisier.fill("other");
+    station.Diagrame[1].limita_maxima = station.Diagrame[1].alarma_maxim = 1;
+    for (const QString &tab : {kLimits, kAlarms, kScan})
+        options.restoreDefaults(tab, texts);
+    EXPECT_EQ(diagrams.chart(1).valueAxisMaximum(), 150);
+    EXPECT_EQ(diagrams.chart(1).columnData(5)[7], 138);
+    EXPECT_EQ(station.Diagrame[0].interval_scanare, 5);
+    EXPECT_EQ(texts.NumeMdb, (std::array<QString, 4>{"date.mdb", "a", "b.mdb", "b.mdb"}));
+    EXPECT_EQ(folder.config(), expected);
+}
+
+TEST_F(Options, RestoreOfALackingTabKeepsTheRunningOne)
+{
+    folder.setConfig(folder.config().replace("Diagrama2.alarma_maxim =", "gone ="));
+    folder.setValue("Diagrama2.alarma_minim =", "99");
+    options.restoreDefaults(kAlarms, texts);
+    EXPECT_EQ(op.told, QStringList{"Eroare in /config/config.ini"});
+    EXPECT_EQ(station.Diagrame[1].alarma_minim, 10) << "half a tab is no tab";
+
+    folder.setValue("Diagrama2.masura_interval =", "99999");
+    folder.setValue("Diagrama1.interval_scanare =", "7");
+    EXPECT_EQ(errorOf([&] { options.restoreDefaults(kScan, texts); }), RuntimeError::Overflow);
+    EXPECT_EQ(station.Diagrame[0].interval_scanare, 1);
+}

@@ -1,0 +1,242 @@
+#include "acquisition/form_calibrare.h"
+#include "dialogs/frm_nume_senzori.h"
+#include "dialogs/frm_opt_diag.h"
+#include "dialogs/frm_titlu_diag.h"
+#include "tests/dialogs/dialog_rig.h"
+#include "tests/support/controls.h"
+
+#include <QApplication>
+#include <QComboBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QSignalSpy>
+#include <QTabWidget>
+#include <QtTest/QTest>
+
+namespace
+{
+
+constexpr QSize kScreenTwips(15360, 11520);
+
+class Dialogs : public DialogRig
+{
+protected:
+    std::unique_ptr<frmOptDiag> options(int diagram, const char *tabKey = "LimiteGrafic")
+    {
+        const auto refuse = [this](QWidget &caller, const QString &) {
+            ++errors;
+            caller.setEnabled(false); // as the error window does until its OK
+        };
+        auto form =
+            std::make_unique<frmOptDiag>(diagram, station, settings, time, refuse, kScreenTwips);
+        form->selectTab(QLatin1String(tabKey));
+        return shown(std::move(form));
+    }
+    std::unique_ptr<frmNumeSenzori> names()
+    {
+        return shown(std::make_unique<frmNumeSenzori>(1, station, settings));
+    }
+    std::unique_ptr<frmTitluDiag> title()
+    {
+        auto form = std::make_unique<frmTitluDiag>(station, settings);
+        form->incarca_titlu(1);
+        return shown(std::move(form));
+    }
+    std::unique_ptr<FormCalibrare> calibration()
+    {
+        return shown(std::make_unique<FormCalibrare>(station, settings, op, kScreenTwips));
+    }
+    std::vector<std::unique_ptr<QDialog>> allDialogs()
+    {
+        std::vector<std::unique_ptr<QDialog>> all;
+        for (const char *key : {"LimiteGrafic", "SetAlarme", "OptiuniScanare"})
+            all.push_back(options(1, key));
+        all.push_back(names());
+        all.push_back(title());
+        all.push_back(calibration());
+        return all;
+    }
+
+    int errors = 0;
+
+private:
+    template <typename Form>
+    static std::unique_ptr<Form> shown(std::unique_ptr<Form> form)
+    {
+        form->show();
+        form->activateWindow();
+        EXPECT_TRUE(QTest::qWaitForWindowActive(form.get()));
+        return form;
+    }
+};
+
+void press(const QWidget &form, const char *button)
+{
+    QTest::mouseClick(&control<QPushButton>(form, button), Qt::LeftButton);
+}
+
+void type(const QWidget &form, const char *box, const QString &text)
+{
+    auto &edit = control<QLineEdit>(form, box);
+    edit.selectAll();
+    QTest::keyClicks(&edit, text);
+}
+
+QString textOf(const QWidget &form, const char *box)
+{
+    return control<QLineEdit>(form, box).text();
+}
+
+/// The controls that the tab key visits, in its order.
+QList<QWidget *> tabStops(const QDialog &form)
+{
+    QList<QWidget *> stops;
+    for (QWidget *next = form.nextInFocusChain(); next != &form; next = next->nextInFocusChain())
+        if (next->focusPolicy() & Qt::TabFocus && next->isVisible() && !next->focusProxy())
+            stops += next;
+    return stops;
+}
+
+} // namespace
+
+TEST_F(Dialogs, OptionsApplyWhatIsTypedAndShowWhatWasUnderstood)
+{
+    auto form = options(1);
+    EXPECT_EQ(form->objectName(), "frmOptDiag2");
+    EXPECT_EQ(form->windowTitle(), "Diagrama Canale 4,5,6.");
+    type(*form, "LimSupText", "12,5");
+    press(*form, "cmdApply");
+    EXPECT_EQ(textOf(*form, "LimSupText"), "12.5");
+    EXPECT_EQ(diagrams.chart(1).valueAxisMaximum(), 12.5);
+
+    form->selectTab("OptiuniScanare");
+    type(*form, "ScanText", "2.7");
+    control<QComboBox>(*form, "MasuraTimpCombo").setCurrentIndex(2);
+    type(*form, "NumeMdb4Text", "date");
+    press(*form, "cmdSaveDef");
+    EXPECT_EQ(textOf(*form, "ScanText"), "2");
+    EXPECT_EQ(textOf(*form, "NumeMdb4Text"), "date.mdb");
+    EXPECT_TRUE(folder.config().startsWith("Diagrama1.interval_scanare =,2\r\n"));
+    EXPECT_EQ(station.nextSampling, time.now().addSecs(7200)) << "of the first diagram, too";
+    EXPECT_TRUE(control<QLabel>(*form, "CaleMdbLabel")
+                    .text()
+                    .startsWith("Director salvare= " + folder.path()));
+}
+
+TEST_F(Dialogs, RefusedOptionsKeepTheDialogUntilTheErrorWasRead)
+{
+    const QByteArray before = folder.config();
+    auto form = options(0, "SetAlarme");
+    QSignalSpy closed(form.get(), &frmOptDiag::closed);
+    type(*form, "AlarmSupText", "mult");
+    press(*form, "cmdOK");
+    EXPECT_EQ(errors, 1);
+    EXPECT_EQ(textOf(*form, "AlarmSupText"), "138");
+    form->close();
+    EXPECT_TRUE(form->isVisible()) << "the title bar of a disabled window closes nothing";
+    form->setEnabled(true);
+    QTest::keyClick(&control<QLineEdit>(*form, "AlarmSupText"), Qt::Key_Return);
+    EXPECT_FALSE(form->isVisible()) << "Enter presses OK";
+    EXPECT_EQ(closed.size(), 1);
+    EXPECT_EQ(folder.config(), before);
+}
+
+TEST_F(Dialogs, ControlTabTurnsTheTabsFromAnyControl)
+{
+    auto form = options(0, "SetAlarme");
+    const auto &tabs = control<QTabWidget>(*form, "tbsOptions");
+    EXPECT_EQ(tabs.currentIndex(), 1);
+    EXPECT_EQ(QApplication::focusWidget()->objectName(), "AlarmSupText");
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab, Qt::ControlModifier);
+    EXPECT_EQ(QApplication::focusWidget()->objectName(), "ScanText");
+    control<QPushButton>(*form, "cmdApply").setFocus();
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab, Qt::ControlModifier);
+    EXPECT_EQ(tabs.currentIndex(), 0) << "behind the last comes the first";
+    EXPECT_EQ(QApplication::focusWidget()->objectName(), "cmdApply");
+    EXPECT_TRUE(control<QWidget>(*form, "picOptions_0").isVisible());
+    EXPECT_FALSE(control<QWidget>(*form, "picOptions_2").isVisible());
+}
+
+TEST_F(Dialogs, NamesChangeTheLegendAndTitlesAreAnnounced)
+{
+    auto renaming = names();
+    EXPECT_EQ(control<QLabel>(*renaming, "labelNume2").text(), "Senzor3 :");
+    type(*renaming, "textNume2", "Abur");
+    QTest::keyClick(&control<QLineEdit>(*renaming, "textNume2"), Qt::Key_Return);
+    EXPECT_FALSE(renaming->isVisible());
+    EXPECT_EQ(diagrams.chart(1).columnLabelOf(3), "Abur");
+
+    auto retitling = title();
+    QSignalSpy changed(retitling.get(), &frmTitluDiag::titleChanged);
+    type(*retitling, "textTitlu", "Presiune");
+    press(*retitling, "OKButton");
+    EXPECT_EQ(changed.size(), 1);
+    EXPECT_EQ(station.Diagrame[1].Titlu, "Presiune");
+    EXPECT_TRUE(folder.config().startsWith("Diagrama2.Titlu =,Presiune\r\n"));
+}
+
+TEST_F(Dialogs, CalibrationRevertsAllFieldsAndStaysOpen)
+{
+    station.sensors[5].calibrationText = "-12,75";
+    auto form = calibration();
+    type(*form, "CalibText_0", "1,55555");
+    EXPECT_EQ(textOf(*form, "CalibText_0"), "1,555") << "five characters at most";
+    type(*form, "CalibText_1", "-");
+    press(*form, "cmdOk");
+    EXPECT_EQ(op.told.size(), 1);
+    EXPECT_EQ(textOf(*form, "CalibText_0"), "1,555");
+    EXPECT_EQ(textOf(*form, "CalibText_1"), "0");
+    ASSERT_TRUE(form->isVisible());
+    press(*form, "cmdOk");
+    EXPECT_FALSE(form->isVisible());
+    EXPECT_TRUE(folder.config().contains("Calibrare.Diagrama2.Senzor3 =,-12.75\r\n"))
+        << "a longer offset is not cut";
+}
+
+TEST_F(Dialogs, EscapeAndTheTitleBarChangeNothingAndSayThatTheDialogClosed)
+{
+    const QByteArray before = folder.config();
+    for (const bool escape : {true, false}) {
+        for (const auto &form : allDialogs()) {
+            QSignalSpy closed(form.get(), SIGNAL(closed()));
+            form->findChild<QLineEdit *>()->setText("3");
+            if (escape)
+                QTest::keyClick(form.get(), Qt::Key_Escape);
+            else
+                form->close();
+            EXPECT_EQ(closed.size(), 1) << form->objectName().toStdString();
+        }
+    }
+    EXPECT_EQ(folder.config(), before);
+    EXPECT_EQ(station.Diagrame[1].limita_maxima, 150);
+}
+
+TEST_F(Dialogs, TabKeyFollowsTheEyeAndNoTextIsCutInLargeFonts)
+{
+    const QFont normal = QApplication::font();
+    for (const double scale : {1.0, 2.0}) {
+        QFont font = normal;
+        font.setPointSizeF(normal.pointSizeF() * scale);
+        QApplication::setFont(font);
+        for (const auto &form : allDialogs()) {
+            const std::string name = form->objectName().toStdString();
+            QPoint last;
+            for (const QWidget *stop : tabStops(*form)) {
+                const QPoint at = stop->mapTo(form.get(), stop->rect().center());
+                EXPECT_TRUE(at.y() > last.y() + 5 || at.x() > last.x())
+                    << name << ": " << stop->objectName().toStdString();
+                last = at;
+            }
+            EXPECT_GE(tabStops(*form).size(), 3) << name;
+            for (const QWidget *part : form->findChildren<QWidget *>()) {
+                if (!qobject_cast<const QLabel *>(part) && !qobject_cast<const QPushButton *>(part))
+                    continue;
+                const QSize needed = part->sizeHint().boundedTo(part->size());
+                EXPECT_TRUE(!part->isVisible() || needed == part->sizeHint())
+                    << name << ": " << part->objectName().toStdString();
+            }
+        }
+    }
+    QApplication::setFont(normal);
+}
