@@ -48,8 +48,10 @@ Program::Program(Environment environment)
     : m_environment(std::move(environment)), m_settings(m_station, m_environment.op),
       m_storage(m_station, m_environment.op, m_environment.clock),
       m_diagrams(m_station, m_settings, m_environment.clock),
-      m_window([this] { return closingDialogue(); }), m_lock(m_window), m_scheduler(m_window),
-      m_feed(std::make_unique<Feed>(*this)), m_store(std::make_unique<Store>(m_storage))
+      m_window([this] { return closingDialogue(); }),
+      m_dialogs(m_station, m_settings, m_environment.op, m_environment.clock, m_window),
+      m_scheduler(m_window), m_feed(std::make_unique<Feed>(*this)),
+      m_store(std::make_unique<Store>(m_storage))
 {
     m_station.appFolder = m_environment.appFolder;
     m_station.locale = m_environment.locale;
@@ -61,6 +63,7 @@ void Program::start()
 {
     createControlPlc();
     connectCommands();
+    connectDialogs();
     m_window.showMaximized();
     showDiagrams();
 }
@@ -107,6 +110,31 @@ void Program::connectCommands()
     connect(&m_storage, &MeasurementStore::recordStored, this, &Program::sampleStored);
 }
 
+void Program::connectDialogs()
+{
+    const struct {
+        const char *item;
+        int diagram;
+        const char *tab;
+    } options[] = {{"LimitTempGraf", 0, "LimiteGrafic"},  {"AlarmTempGraf", 0, "SetAlarme"},
+                   {"ScanTempGraf", 0, "OptiuniScanare"}, {"LimitPresGraf", 1, "LimiteGrafic"},
+                   {"AlarmPresGraf", 1, "SetAlarme"},     {"ScanPresGraf", 1, "OptiuniScanare"}};
+    for (const auto &option : options)
+        m_window.setCommand(QString::fromLatin1(option.item), [this, option] {
+            showDiagrams();
+            m_dialogs.openOptions(option.diagram, QString::fromLatin1(option.tab));
+        });
+    m_window.setCommand(QStringLiteral("mnuNumeSenzori1"),
+                        [this] { m_dialogs.openSensorNames(0); });
+    m_window.setCommand(QStringLiteral("mnuNumeSenzori2"),
+                        [this] { m_dialogs.openSensorNames(1); });
+    m_window.setCommand(QStringLiteral("MeniuCalib"), [this] { m_dialogs.openCalibration(); });
+    connect(&m_dialogs, &DialogCommands::titleChanged, this, [this] {
+        if (m_form1)
+            m_form1->scrie_titlu_diagrame();
+    });
+}
+
 void Program::showDiagrams()
 {
     if (!m_form1)
@@ -127,6 +155,7 @@ void Program::createForm1()
     connect(m_form1, &Form1::fileMenuRequested, this, [this](const QPoint &position) {
         m_window.popUp(QStringLiteral("MeniuFisier"), position);
     });
+    connect(m_form1, &Form1::titleEditRequested, &m_dialogs, &DialogCommands::openTitle);
     connect(m_form1, &Form1::controlCentreRequested, this, &Program::showControlCentre);
     connect(m_form1, &Form1::menusEnabled, this, [this](bool enabled) {
         for (const char *item : {"MeniuPres", "MeniuPrint", "MeniuTemp"})
@@ -183,14 +212,18 @@ void Program::showBrowser()
 
 void Program::closeBrowser()
 {
-    if (m_formMdb)
-        m_formMdb->parentWidget()->close();
+    if (!m_formMdb)
+        return;
+    m_browserPosition.emplace().save(*m_formMdb);
+    m_formMdb->parentWidget()->close();
 }
 
 void Program::reopenBrowser()
 {
     showBrowser();
-    if (m_station.diagramsOpen)
+    if (m_browserPosition)
+        m_browserPosition->restore(*m_formMdb);
+    if (!m_dialogs.lockToo(*m_formMdb) && m_station.diagramsOpen)
         m_window.bringUp(m_form1);
 }
 

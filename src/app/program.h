@@ -3,10 +3,10 @@
 #include "acquisition/exchange.h"
 #include "acquisition/monitoring_cycle.h"
 #include "acquisition/ports.h"
+#include "app/dialog_commands.h"
 #include "app/mdiform1.h"
 #include "app/settings/settings.h"
 #include "app/settings/station.h"
-#include "app/window_lock.h"
 #include "diagrams/live_diagrams.h"
 #include "platform/scheduler.h"
 #include "platform/window_frame.h"
@@ -15,6 +15,7 @@
 #include <QPointer>
 #include <functional>
 #include <memory>
+#include <optional>
 
 class Form1;
 class Form2;
@@ -66,6 +67,7 @@ private:
 
     void createControlPlc();
     void connectCommands();
+    void connectDialogs();
     void showDiagrams();
     void createForm1();
     void showDiagramsAtOrigin();
@@ -84,10 +86,11 @@ private:
     MeasurementStore m_storage;
     LiveDiagrams m_diagrams;
     MDIForm1 m_window; // owns the windows, which use all that stands above it
-    WindowLock m_lock;
+    DialogCommands m_dialogs;
     QtScheduler m_scheduler;
     WindowPosition m_controlCentrePosition;
     bool m_controlCentrePlaced = false;
+    std::optional<WindowPosition> m_browserPosition; ///< once it was closed for an archive
     std::unique_ptr<Feed> m_feed;
     std::unique_ptr<Store> m_store;
     std::unique_ptr<SerialLine> m_controlPlc;

@@ -1,0 +1,110 @@
+#include "app/dialog_commands.h"
+#include "acquisition/form_calibrare.h"
+#include "acquisition/form_eroare.h"
+#include "app/mdiform1.h"
+#include "app/screen_size.h"
+#include "dialogs/frm_nume_senzori.h"
+#include "dialogs/frm_opt_diag.h"
+#include "dialogs/frm_titlu_diag.h"
+#include "platform/window_frame.h"
+
+#include <QApplication>
+#include <QDialog>
+#include <QMdiArea>
+#include <QMdiSubWindow>
+#include <QScreen>
+
+DialogCommands::DialogCommands(Station &station, Settings &settings, Operator &op,
+                               const Clock &clock, MDIForm1 &window)
+    : m_station(station), m_settings(settings), m_operator(op), m_clock(clock), m_window(window),
+      m_lock(window)
+{
+}
+
+QSize DialogCommands::screenTwips() const
+{
+    const ScreenSize screen = dimensiuni_ecran(m_window.screen()->size());
+    return {screen.LatimeEcran, screen.InaltimeEcran};
+}
+
+QList<QWidget *> DialogCommands::openForms() const
+{
+    QList<QWidget *> forms;
+    for (QMdiArea *area : m_window.findChildren<QMdiArea *>())
+        for (QMdiSubWindow *frame : area->subWindowList())
+            forms += frame->widget();
+    for (QWidget *window : QApplication::topLevelWidgets())
+        if (window->isVisible() && window->isWindow())
+            forms += window;
+    return forms;
+}
+
+void DialogCommands::openLocked(QDialog *dialog)
+{
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->show();
+    dialog->activateWindow();
+    m_lock.lock(*dialog);
+    m_locked = dialog;
+}
+
+bool DialogCommands::lockToo(QWidget &window)
+{
+    if (m_locked)
+        frameOf(window)->setEnabled(false);
+    return m_locked;
+}
+
+void DialogCommands::release(QDialog *dialog)
+{
+    m_locked = nullptr;
+    m_lock.release(*dialog);
+}
+
+void DialogCommands::openModal(QDialog *dialog)
+{
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->setWindowModality(Qt::ApplicationModal);
+    dialog->show();
+}
+
+void DialogCommands::openOptions(int diagram, const QString &tabKey)
+{
+    auto *dialog = new frmOptDiag(
+        diagram, m_station, m_settings, m_clock,
+        [this](QWidget &caller, const QString &message) { arata_eroare(caller, message); },
+        screenTwips(), &m_window);
+    connect(dialog, &frmOptDiag::closed, this, [this, dialog] { release(dialog); });
+    dialog->selectTab(tabKey);
+    openLocked(dialog);
+}
+
+void DialogCommands::openCalibration()
+{
+    auto *dialog = new FormCalibrare(m_station, m_settings, m_operator, screenTwips(), &m_window);
+    connect(dialog, &FormCalibrare::closed, this, [this, dialog] { release(dialog); });
+    openLocked(dialog);
+}
+
+void DialogCommands::openSensorNames(int diagram)
+{
+    openModal(new frmNumeSenzori(diagram, m_station, m_settings, &m_window));
+}
+
+void DialogCommands::openTitle(int diagram)
+{
+    auto *dialog = new frmTitluDiag(m_station, m_settings, &m_window);
+    dialog->incarca_titlu(diagram);
+    connect(dialog, &frmTitluDiag::titleChanged, this, &DialogCommands::titleChanged);
+    openModal(dialog);
+}
+
+void DialogCommands::arata_eroare(QWidget &caller, const QString &message)
+{
+    if (!m_formEroare) {
+        m_formEroare = new FormEroare(
+            m_station, [this] { return openForms(); }, screenTwips(), &m_window);
+        m_formEroare->setWindowFlag(Qt::Dialog);
+    }
+    m_formEroare->arata_eroare(caller, message);
+}

@@ -1,0 +1,59 @@
+#pragma once
+
+#include "app/settings/settings.h"
+#include "app/window_lock.h"
+
+#include <QList>
+#include <QObject>
+#include <QPointer>
+#include <functional>
+
+class Clock;
+class FormEroare;
+class MDIForm1;
+class Operator;
+class QDialog;
+
+/// Opens the configuration dialogs: options and calibration as locked dialogs, names and title
+/// modal. A dialog is destroyed when it closes; a locked one then gives menus and windows back.
+class DialogCommands final : public QObject
+{
+    Q_OBJECT
+public:
+    /// All must outlive this object.
+    DialogCommands(Station &station, Settings &settings, Operator &op, const Clock &clock,
+                   MDIForm1 &window);
+
+    /// The options of a diagram (from 0) on the tab with that key.
+    void openOptions(int diagram, const QString &tabKey);
+    void openSensorNames(int diagram);
+    void openTitle(int diagram);
+    void openCalibration();
+    /// Shows a dialog as a locked one; the dialog says when it has closed.
+    void openLocked(QDialog *dialog);
+    /// Gives back what openLocked() took.
+    void release(QDialog *dialog);
+    /// A window that opens behind a locked dialog is disabled like the others; false when no dialog
+    /// is locked.
+    bool lockToo(QWidget &window);
+
+    /// Shows a message in the error window over `caller`.
+    void arata_eroare(QWidget &caller, const QString &message);
+
+signals:
+    void titleChanged();
+
+private:
+    QSize screenTwips() const;
+    QList<QWidget *> openForms() const;
+    void openModal(QDialog *dialog);
+
+    Station &m_station;
+    Settings &m_settings;
+    Operator &m_operator;
+    const Clock &m_clock;
+    MDIForm1 &m_window;
+    WindowLock m_lock;
+    QPointer<QDialog> m_locked;
+    QPointer<FormEroare> m_formEroare;
+};
