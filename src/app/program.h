@@ -48,6 +48,8 @@ public:
     void start();
 
     void showControlCentre();
+    /// Archives the storage file that is in use.
+    void archiveStorage();
 
     /// Stops whatever acts by itself: a failure is about to end the program.
     void halt();
@@ -74,7 +76,6 @@ private:
     void showBrowser();
     void closeBrowser();
     void reopenBrowser();
-    void archiveStorage();
     void openArchiveFolder();
     void openHelp();
     void layOut();

@@ -13,11 +13,14 @@
 #include "tests/support/station_folder.h"
 #include "tools/trm10c_simulator/recorder_simulation.h"
 
+#include <QDialog>
 #include <QElapsedTimer>
 #include <QFile>
 #include <QLabel>
+#include <QLineEdit>
 #include <QMdiSubWindow>
 #include <QMenuBar>
+#include <QPushButton>
 #include <QTableView>
 #include <QtTest/QTest>
 #include <gtest/gtest.h>
@@ -205,6 +208,78 @@ TEST_F(ProgramTest, BrowserThatFailsMayBeClosedBehindItsOwnMessage)
     ASSERT_TRUE(QTest::qWaitFor([&] { return op.told.size() == 2; }, 20'000));
     EXPECT_TRUE(op.told[0].startsWith("3049 ")) << op.told[0].toStdString();
     EXPECT_FALSE(program->station().FormMdbDeschis);
+}
+
+TEST_F(ProgramTest, LockedDialogDisablesTheRestWhileMonitoringGoesOn)
+{
+    start();
+    program->window().setItemEnabled("MeniuCalib", false);
+    press(Qt::Key_F1);
+    ASSERT_TRUE(reaches(2));
+    item("AlarmPresGraf")->trigger();
+    auto *dialog = child<QDialog>("frmOptDiag2");
+    ASSERT_TRUE(dialog);
+    EXPECT_FALSE(item("ExitProg")->isEnabled());
+    EXPECT_FALSE(child<QWidget>("Form1Frame")->isEnabled());
+    ASSERT_TRUE(reaches(lastId + 2));
+
+    dialog->findChild<QLineEdit *>("AlarmSupText")->setText("mult");
+    QTest::mouseClick(dialog->findChild<QPushButton *>("cmdApply"), Qt::LeftButton);
+    auto *error = child<QWidget>("FormEroare");
+    ASSERT_TRUE(error && error->isVisible());
+    EXPECT_EQ(error->findChild<QLabel *>("EroareLabel")->text(),
+              "Verificati corectitudinea campurilor.");
+    EXPECT_FALSE(dialog->isEnabled());
+    QTest::mouseClick(error->findChild<QPushButton *>("OKButton"), Qt::LeftButton);
+    EXPECT_TRUE(dialog->isEnabled());
+
+    dialog->findChild<QLineEdit *>("AlarmSupText")->setText("20,5");
+    QTest::mouseClick(dialog->findChild<QPushButton *>("cmdApply"), Qt::LeftButton);
+    EXPECT_EQ(program->station().Diagrame[1].chart->columnData(5)[59], 20.5);
+    dialog->close();
+    EXPECT_TRUE(item("ExitProg")->isEnabled());
+    EXPECT_FALSE(item("MeniuCalib")->isEnabled()) << "was disabled before";
+    EXPECT_TRUE(child<QWidget>("Form1Frame")->isEnabled());
+    ASSERT_TRUE(reaches(lastId + 2));
+    EXPECT_TRUE(program->station().sensors[3].alarm);
+}
+
+TEST_F(ProgramTest, ArchiveBehindALockedDialogLeavesItTheFocus)
+{
+    start();
+    press(Qt::Key_F1);
+    ASSERT_TRUE(reaches(2));
+    press(Qt::Key_F2);
+    item("DeschidMdbCurent")->trigger();
+    item("MeniuCalib")->trigger();
+    ASSERT_TRUE(child<QDialog>("FormCalibrare"));
+    program->archiveStorage();
+    QTest::qWait(0);
+    EXPECT_TRUE(program->station().FormMdbDeschis);
+    EXPECT_FALSE(child<QWidget>("FormMdbFrame")->isEnabled());
+    child<QDialog>("FormCalibrare")->close();
+    EXPECT_TRUE(child<QWidget>("FormMdbFrame")->isEnabled());
+}
+
+TEST_F(ProgramTest, TitleAndNamesAreShownAtOnce)
+{
+    start();
+    QTest::mouseDClick(child<QLabel>("Label2"), Qt::LeftButton);
+    auto *title = child<QDialog>("frmTitluDiag");
+    ASSERT_TRUE(title);
+    title->findChild<QLineEdit *>("textTitlu")->setText("Presiune (bar)");
+    QTest::mouseClick(title->findChild<QPushButton *>("OKButton"), Qt::LeftButton);
+    EXPECT_EQ(child<QLabel>("Label2")->text(), "Presiune (bar)");
+    item("mnuNumeSenzori1")->trigger();
+    auto *names = child<QDialog>("frmNumeSenzori1");
+    ASSERT_TRUE(names);
+    EXPECT_TRUE(names->isModal());
+    names->findChild<QLineEdit *>("textNume1")->setText("Camera");
+    QTest::mouseClick(names->findChild<QPushButton *>("OKButton"), Qt::LeftButton);
+    EXPECT_EQ(program->station().Diagrame[0].chart->columnLabelOf(2), "Camera");
+    press(Qt::Key_F1);
+    ASSERT_TRUE(reaches(2));
+    EXPECT_GT(program->station().Diagrame[0].chart->columnData(2)[0], 10);
 }
 
 TEST_F(ProgramTest, StorageFileThatGoesMissingStopsMonitoring)

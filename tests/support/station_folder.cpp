@@ -9,7 +9,10 @@ StationFolder::StationFolder()
     QDir dir(path());
     for (const char *folder : {"config", "mdb/arhive", "img", "res", "Doc"})
         dir.mkpath(QString::fromLatin1(folder));
-    EXPECT_TRUE(QFile::copy(QStringLiteral(STATION_SHIPPED_CONFIG), configPath()));
+    const QString shipped = QStringLiteral(STATION_INSTALLATION);
+    EXPECT_TRUE(QFile::copy(shipped + QStringLiteral("/config/config.ini"), configPath()));
+    EXPECT_TRUE(QFile::copy(shipped + QStringLiteral("/res/Warning.ico"),
+                            path() + QStringLiteral("/res/Warning.ico")));
     // The installed file may be read-only in the source tree; the station's own is not.
     QFile::setPermissions(configPath(), QFile::ReadOwner | QFile::WriteOwner);
 }
