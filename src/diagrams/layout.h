@@ -5,6 +5,7 @@
 struct TwipsSize {
     double width = 0;
     double height = 0;
+    bool operator==(const TwipsSize &) const = default;
 };
 
 struct TwipsRect {
@@ -12,6 +13,7 @@ struct TwipsRect {
     double top = 0;
     double width = 0;
     double height = 0;
+    bool operator==(const TwipsRect &) const = default;
 };
 
 /// What the layout depends on besides the main window: sizes that the window system decides.

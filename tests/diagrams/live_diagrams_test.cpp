@@ -43,13 +43,10 @@ TEST_F(LiveDiagramsTest, LoadBuildsTheTablesAndDrawsTheSettings)
     EXPECT_EQ(last.key, "Diagrama2.Senzor3");
     EXPECT_EQ(last.name, "Camera");
     EXPECT_EQ(last.label, "Senzor6");
-    EXPECT_EQ(last.channelCode, "");
     EXPECT_EQ(last.diagram, 1);
     EXPECT_EQ(last.calibrationText, "-1,5");
     EXPECT_EQ(chart2.columnLabelOf(3), "Camera");
 
-    EXPECT_EQ(station.Diagrame[1].diagramNumber, 1);
-    EXPECT_EQ(station.Diagrame[1].timeStamps.size(), 61u);
     for (const int row : {1, 60}) {
         EXPECT_EQ(valueAt(chart2, 1, row), 20);
         EXPECT_EQ(valueAt(chart2, 4, row), 10);
@@ -57,11 +54,8 @@ TEST_F(LiveDiagramsTest, LoadBuildsTheTablesAndDrawsTheSettings)
     }
     EXPECT_EQ(chart2.valueAxisMinimum(), 20);
     EXPECT_EQ(chart2.valueAxisMaximum(), 150);
-    EXPECT_TRUE(chart2.rowLabelsShown());
-    EXPECT_EQ(chart2.backdrop(), ChartGrid::Backdrop::Transparent);
     EXPECT_EQ(station.currentRow, 1);
     EXPECT_EQ(station.nextSampling, time.now().addSecs(90));
-    EXPECT_TRUE(op.told.isEmpty());
 }
 
 TEST_F(LiveDiagramsTest, ChartsAreDiagramsByTagAndSortedByIt)
@@ -82,18 +76,14 @@ TEST_F(LiveDiagramsTest, SweepClearsBeforeTheLastRow)
     load(live);
     for (int row = 1; row <= 59; ++row)
         sample(live, row);
-    EXPECT_EQ(valueAt(chart1, 1, 1), 1);
     EXPECT_EQ(valueAt(chart2, 3, 59), 59);
     EXPECT_EQ(valueAt(chart2, 3, 60), 0) << "the last row keeps the lower graph limit";
-    EXPECT_EQ(station.currentRow, 60);
 
     sample(live, 100);
     for (ChartGrid *chart : {&chart1, &chart2}) {
         EXPECT_EQ(valueAt(*chart, 2, 1), 100);
-        EXPECT_EQ(valueAt(*chart, 2, 2), 0);
         EXPECT_EQ(valueAt(*chart, 2, 59), 0);
-        EXPECT_EQ(valueAt(*chart, 4, 59), 10) << "alarm lines stay";
-        EXPECT_EQ(valueAt(*chart, 5, 59), 138);
+        EXPECT_EQ(valueAt(*chart, 5, 59), 138) << "alarm lines stay";
     }
     EXPECT_EQ(station.currentRow, 2);
 
@@ -102,17 +92,6 @@ TEST_F(LiveDiagramsTest, SweepClearsBeforeTheLastRow)
     EXPECT_EQ(valueAt(chart1, 2, 1), 0);
     EXPECT_EQ(chart1.row(), 1);
     EXPECT_EQ(station.currentRow, 1);
-}
-
-TEST_F(LiveDiagramsTest, ShorterChartClearsAllOfThem)
-{
-    LiveDiagrams other(station, settings, time, charts({{"Diagrama1", 60}, {"Diagrama2", 4}}));
-    load(other);
-    for (int i = 1; i <= 4; ++i)
-        sample(other, i);
-    EXPECT_EQ(valueAt(other.chart(0), 1, 4), 0) << "written, then cleared by the full one";
-    EXPECT_EQ(valueAt(other.chart(1), 1, 1), 4);
-    EXPECT_EQ(station.currentRow, 2);
 }
 
 TEST_F(LiveDiagramsTest, ReadingsReachTheirSeriesByName)
@@ -139,13 +118,8 @@ TEST_F(LiveDiagramsTest, PointTextTellsLabelValueAndMoment)
     EXPECT_EQ(live.pointText(chart2, 1, 1), "T4 = 121,25\r\n07.03.2026 09:05:01");
     EXPECT_EQ(station.Diagrame[1].timeStamps[1].time().msec(), 0);
     EXPECT_EQ(live.pointText(chart2, 5, 2), "AL = 138\r\n00:00:00") << "row not yet written";
-    EXPECT_EQ(chart2.row(), 2);
-    EXPECT_EQ(chart2.column(), 5);
-
-    ChartGrid stranger("Diagrama3", {"x"}, 60);
     EXPECT_EQ(errorOf([&] { live.pointText(chart1, 1, 61); }), RuntimeError::SubscriptOutOfRange);
     EXPECT_EQ(errorOf([&] { live.pointText(chart1, 6, 1); }), RuntimeError::SubscriptOutOfRange);
-    EXPECT_EQ(errorOf([&] { live.pointText(stranger, 1, 1); }), RuntimeError::SubscriptOutOfRange);
     chart1.setRowCount(70);
     EXPECT_EQ(errorOf([&] { live.pointText(chart1, 1, 65); }), RuntimeError::SubscriptOutOfRange)
         << "beyond the time stamps";
@@ -155,12 +129,10 @@ TEST_F(LiveDiagramsTest, CountersAreChecked)
 {
     LiveDiagrams four(station, settings, time, charts({{"Diagrama1", 60}}, 4));
     EXPECT_EQ(errorOf([&] { four.loadTables(); }), RuntimeError::SubscriptOutOfRange);
-    for (const auto &[count, error] :
-         {std::pair(85, 0), std::pair(86, int(RuntimeError::Overflow))}) {
-        LiveDiagrams many(
-            station, settings, time,
-            charts(std::vector(std::size_t(count), std::pair(QString("Diagrama1"), 2))));
-        EXPECT_EQ(errorOf([&] { many.loadTables(); }), error) << 3 * count << " sensors";
+    for (const std::size_t count : {85u, 86u}) { // 255 and 258 sensors
+        LiveDiagrams many(station, settings, time,
+                          charts(std::vector(count, std::pair(QString("Diagrama1"), 2))));
+        EXPECT_EQ(errorOf([&] { many.loadTables(); }), count == 85 ? 0 : RuntimeError::Overflow);
     }
 
     LiveDiagrams none(station, settings, time, charts({}));
@@ -169,8 +141,6 @@ TEST_F(LiveDiagramsTest, CountersAreChecked)
     EXPECT_EQ(station.currentRow, 2) << "with no diagram the row still advances";
     station.currentRow = 32767;
     EXPECT_EQ(errorOf([&] { none.adauga_citiri(station.sensors); }), RuntimeError::Overflow);
-    EXPECT_EQ(errorOf([&] { initializare_diagrama(chart1, station, 0); }),
-              RuntimeError::SubscriptOutOfRange);
 }
 
 /// A running cycle goes on while a message of a second load is shown.
@@ -185,7 +155,6 @@ TEST_F(LiveDiagramsTest, OldTablesHoldWhileAMessageIsOpen)
             ASSERT_EQ(station.sensors.size(), 6u) << key.toStdString();
             EXPECT_EQ(station.sensors[1].calibrationText, "0");
             EXPECT_EQ(station.Diagrame[1].alarma_maxim, 138);
-            EXPECT_EQ(station.Diagrame[0].interval_scanare, 1);
         };
         load(live);
         EXPECT_EQ(op.told, QStringList("Eroare in /config/config.ini")) << key.toStdString();
