@@ -26,12 +26,15 @@ FormCalibrare::FormCalibrare(Station &station, Settings &settings, Operator &op,
 {
     setObjectName(QStringLiteral("FormCalibrare"));
     setWindowTitle(texts::calibrationCaption());
+    fitCaption(*this);
     auto *column = new QVBoxLayout(this);
     column->addLayout(rows(), 1);
     column->addLayout(dialogButtons(*this, {QStringLiteral("cmdOk"), texts::saveButton()},
                                     {QStringLiteral("cmdCancel"), texts::cancelButton()},
                                     [this] { cmdOk_Click(); }));
     showOffsets();
+    if (!m_boxes.empty())
+        m_boxes.front()->selectAll();
     adjustSize();
     centreOnScreen(*this, screenTwips);
     connect(this, &QDialog::finished, this, &FormCalibrare::closed);

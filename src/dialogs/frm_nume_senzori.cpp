@@ -4,12 +4,11 @@
 #include "dialogs/names_and_title.h"
 #include "dialogs/texts.h"
 #include "platform/dialog_buttons.h"
+#include "platform/window_frame.h"
 
 #include <QGridLayout>
 #include <QLabel>
 #include <QLineEdit>
-
-constexpr int kNameCharacters = 28; // the dialog is then wide enough for its caption, too
 
 frmNumeSenzori::frmNumeSenzori(int diagram, Station &station, Settings &settings, QWidget *parent)
     : QDialog(parent), m_diagram(static_cast<std::size_t>(diagram)), m_station(station),
@@ -18,6 +17,7 @@ frmNumeSenzori::frmNumeSenzori(int diagram, Station &station, Settings &settings
     setObjectName(QStringLiteral("frmNumeSenzori%1").arg(diagram + 1));
     setWindowTitle(texts::sensorNamesCaption(diagram));
     setModal(true);
+    fitCaption(*this);
     incarca_senzori_form();
     aranjare_senzori_form();
     connect(this, &QDialog::finished, this, &frmNumeSenzori::closed);
@@ -29,13 +29,13 @@ void frmNumeSenzori::incarca_senzori_form()
     for (int i = 0; i < record.sensorCount; ++i) {
         auto *box = new QLineEdit(record.Nume.value(i), this);
         box->setObjectName(QStringLiteral("textNume%1").arg(i));
-        box->setMinimumWidth(box->fontMetrics().averageCharWidth() * kNameCharacters);
         auto *label = new QLabel(texts::sensorLabel(i + 1), this);
         label->setObjectName(QStringLiteral("labelNume%1").arg(i));
         label->setBuddy(box);
         m_labels.push_back(label);
         m_boxes.push_back(box);
     }
+    m_boxes.front()->selectAll();
 }
 
 void frmNumeSenzori::aranjare_senzori_form()

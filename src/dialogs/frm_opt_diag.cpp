@@ -174,8 +174,14 @@ void frmOptDiag::selectTab(const QString &key)
     for (int tab = 0; tab < m_tabs->count(); ++tab)
         if (m_tabs->tabBar()->tabData(tab) == key)
             m_tabs->setCurrentIndex(tab);
+    focusFirstBox();
+}
+
+void frmOptDiag::focusFirstBox()
+{
     auto *first = m_tabs->currentWidget()->findChild<QLineEdit *>();
-    first->setFocus(Qt::TabFocusReason); // selects the text, as if tabbed into
+    first->setFocus();
+    first->selectAll();
 }
 
 QString frmOptDiag::selectedTab() const
@@ -230,6 +236,14 @@ void frmOptDiag::reject()
     // A window system may still offer the title bar's button of a disabled window.
     if (isEnabled())
         QDialog::reject();
+}
+
+void frmOptDiag::changeEvent(QEvent *event)
+{
+    QDialog::changeEvent(event);
+    // Being disabled took the focus away; behind the error window the entry is corrected.
+    if (event->type() == QEvent::EnabledChange && isEnabled())
+        focusFirstBox();
 }
 
 void frmOptDiag::keyPressEvent(QKeyEvent *event)

@@ -38,6 +38,7 @@ signals:
     void closed();
 
 protected:
+    void changeEvent(QEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
 
 private:
@@ -48,6 +49,7 @@ private:
     void addStorageNames(QGridLayout &grid, int firstRow);
     QLayout *buttonRow();
 
+    void focusFirstBox();
     QString selectedTab() const;
     OptionTexts readBoxes() const;
     void fillBoxes(const OptionTexts &texts);

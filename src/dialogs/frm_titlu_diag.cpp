@@ -4,6 +4,7 @@
 #include "dialogs/names_and_title.h"
 #include "dialogs/texts.h"
 #include "platform/dialog_buttons.h"
+#include "platform/window_frame.h"
 
 #include <QLineEdit>
 #include <QVBoxLayout>
@@ -15,6 +16,7 @@ frmTitluDiag::frmTitluDiag(Station &station, Settings &settings, QWidget *parent
 {
     setObjectName(QStringLiteral("frmTitluDiag"));
     setWindowTitle(texts::titleCaption());
+    fitCaption(*this);
     m_title->setObjectName(QStringLiteral("textTitlu"));
     m_title->setAccessibleName(texts::titleCaption());
     m_title->setMinimumWidth(m_title->fontMetrics().averageCharWidth() * kTitleCharacters);

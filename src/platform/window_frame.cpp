@@ -2,6 +2,7 @@
 #include "platform/twips.h"
 
 #include <QMdiSubWindow>
+#include <QStyle>
 #include <algorithm>
 
 QWidget *frameOf(QWidget &form)
@@ -24,6 +25,15 @@ void WindowPosition::save(QWidget &form)
 void WindowPosition::restore(QWidget &form) const
 {
     frameOf(form)->move(pixelsFromTwips(left), pixelsFromTwips(top));
+}
+
+void fitCaption(QWidget &form)
+{
+    QFont font = form.font();
+    font.setBold(true);                 // as some window systems write captions
+    constexpr int kTitleBarButtons = 5; // each as wide as the bar is high, the icon included
+    form.setMinimumWidth(QFontMetrics(font).horizontalAdvance(form.windowTitle()) +
+                         form.style()->pixelMetric(QStyle::PM_TitleBarHeight) * kTitleBarButtons);
 }
 
 void centreOnScreen(QWidget &form, QSize screenTwips)

@@ -21,6 +21,9 @@ struct WindowPosition {
     void restore(QWidget &form) const;
 };
 
+/// Makes the form at least as wide as its frame needs to show the caption whole.
+void fitCaption(QWidget &form);
+
 /// Moves the form's frame to the middle of a screen of the given size in twips, as far as what the
 /// frame stands in can show it there.
 void centreOnScreen(QWidget &form, QSize screenTwips);

@@ -136,6 +136,7 @@ TEST_F(Dialogs, RefusedOptionsKeepTheDialogUntilTheErrorWasRead)
     form->close();
     EXPECT_TRUE(form->isVisible()) << "the title bar of a disabled window closes nothing";
     form->setEnabled(true);
+    EXPECT_EQ(form->focusWidget()->objectName(), "AlarmSupText");
     QTest::keyClick(&control<QLineEdit>(*form, "AlarmSupText"), Qt::Key_Return);
     EXPECT_FALSE(form->isVisible()) << "Enter presses OK";
     EXPECT_EQ(closed.size(), 1);
