@@ -25,6 +25,8 @@ static const char *standardDescription(RuntimeError::Number number)
         return "Path not found";
     case RuntimeError::InvalidPropertyValue:
         return "Invalid property value";
+    case RuntimeError::PrinterError:
+        return "Printer error";
     case RuntimeError::InvalidPortNumber:
         return "Invalid port number";
     case RuntimeError::PortAlreadyOpen:
@@ -50,4 +52,9 @@ RuntimeError::RuntimeError(int number, const QString &description)
 QString runtimeErrorReport(int number, const QString &description)
 {
     return QStringLiteral("Run-time error '%1':\n\n%2").arg(number).arg(description);
+}
+
+QString numberedError(int number, const QString &description)
+{
+    return QStringLiteral("%1 %2").arg(number).arg(description);
 }

@@ -21,6 +21,7 @@ public:
         PathFileAccess = 75,
         PathNotFound = 76,
         InvalidPropertyValue = 380,
+        PrinterError = 482,
         InvalidPortNumber = 8002,
         PortAlreadyOpen = 8005,
         InvalidDevice = 8006,
@@ -40,3 +41,7 @@ private:
 
 /// "Run-time error 'N':", an empty line and the description: the text of the runtime error report.
 QString runtimeErrorReport(int number, const QString &description);
+
+/// Number, one blank, description: how unexpected failures of databases, files and printers are
+/// told.
+QString numberedError(int number, const QString &description);

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+#include <memory>
+
+class QImage;
+
+/// One document on one printer. All lengths are twips, measured from the upper left corner of the
+/// printable area. A job that was not ended is abandoned when it is destroyed.
+class PrintJob
+{
+public:
+    struct PageSize {
+        double width = 0;
+        double height = 0;
+    };
+
+    virtual ~PrintJob() = default;
+    /// Printer name, as names() lists it; empty for a job that goes to a file.
+    virtual QString printer() const = 0;
+    /// Starts the document, in landscape. This and every function below throws RuntimeError 482
+    /// when the printer fails.
+    virtual void begin() = 0;
+    /// Size of the printable area.
+    virtual PageSize page() const = 0;
+    /// Draws a picture scaled into a rectangle.
+    virtual void drawPicture(const QImage &picture, double left, double top, PageSize size) = 0;
+    /// Prints one line of text at the left edge; returns the position below it.
+    virtual double printLine(const QString &text, double top) = 0;
+    /// Sends the document to the printer.
+    virtual void end() = 0;
+};
+
+/// The system's printers.
+class Printers
+{
+public:
+    virtual ~Printers() = default;
+    virtual QStringList names() const = 0;
+    /// Device text of the default printer.
+    virtual QString defaultDevice() const = 0;
+    /// Makes that printer the default one again and tells running programs, where choosing a
+    /// printer for one job can change the default at all.
+    virtual void setDefaultDevice(const QString &device) = 0;
+    /// Lets the operator choose a printer; nothing when there is none to choose, or the dialog was
+    /// cancelled.
+    virtual std::unique_ptr<PrintJob> choose() = 0;
+};
