@@ -29,14 +29,6 @@ inline QString scanOptionsTip()
 {
     return QStringLiteral("Setari diverse");
 }
-inline QString upperLimit()
-{
-    return QStringLiteral("Limita superioara");
-}
-inline QString lowerLimit()
-{
-    return QStringLiteral("Limita inferioara");
-}
 inline QString upperAlarm()
 {
     return QStringLiteral("Alarma superioara");
@@ -70,18 +62,6 @@ inline QString storageFolder(const QString &folder)
 inline QString sharedOptionsNote()
 {
     return QStringLiteral("Aceste optiuni sunt comune cu cele ale celeilalte diagrame.");
-}
-inline QString applyButton()
-{
-    return QStringLiteral("Apply");
-}
-inline QString saveDefaultsButton()
-{
-    return QStringLiteral("Salvare ca defaults");
-}
-inline QString restoreDefaultsButton()
-{
-    return QStringLiteral("Restaurare defaults");
 }
 inline QString checkScanOptions()
 {

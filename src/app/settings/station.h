@@ -19,6 +19,7 @@ struct Station {
 
     std::vector<Diagrama> Diagrame;    ///< the live diagrams, sorted by name
     std::vector<Sensor> sensors;       ///< in the order of the diagrams' series
+    std::array<Diagrama, 2> Istoric;   ///< the history diagrams, Diagrama1 first
     std::array<QString, 4> NumeFisier; ///< storage file names; only the first is ever written
 
     QStringList Chei;   ///< keys of the settings being read or written
@@ -31,6 +32,8 @@ struct Station {
     bool diagramsOpen = false;   ///< Form1 is loaded
     bool FormMdbDeschis = false; ///< the database browser is loaded
     bool historyOpen = false;    ///< the history generator is loaded
+    /// Widths of the two history charts since the last day was drawn, twips; 0: none was.
+    std::array<double, 2> historyWidths{};
     qint16 currentRow = 1;       ///< chart row that the next sample writes
 
     /// Throws RuntimeError 9 when there is no such diagram.

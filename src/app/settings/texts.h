@@ -33,4 +33,24 @@ inline QString cancelButton()
 {
     return QStringLiteral("Cancel");
 }
+inline QString applyButton()
+{
+    return QStringLiteral("Apply");
+}
+inline QString saveDefaultsButton()
+{
+    return QStringLiteral("Salvare ca defaults");
+}
+inline QString restoreDefaultsButton()
+{
+    return QStringLiteral("Restaurare defaults");
+}
+inline QString upperLimit()
+{
+    return QStringLiteral("Limita superioara");
+}
+inline QString lowerLimit()
+{
+    return QStringLiteral("Limita inferioara");
+}
 } // namespace texts
