@@ -4,6 +4,7 @@
 #include "chart/chart_view.h"
 #include "diagrams/live_diagrams.h"
 #include "diagrams/texts.h"
+#include "diagrams/window_geometry.h"
 #include "platform/runtime_error.h"
 #include "platform/twips.h"
 #include "platform/window_frame.h"
@@ -11,8 +12,8 @@
 #include <QCloseEvent>
 #include <QKeyEvent>
 #include <QLabel>
-#include <QLayout>
 #include <QMouseEvent>
+#include <QPainter>
 #include <QPushButton>
 #include <algorithm>
 
@@ -23,21 +24,18 @@ constexpr int kLargestTitlePixels = 19;
 constexpr int kSmallestTitlePixels = 10;
 constexpr int kTitleFrameTwips = 60;    // what a label adds around its letters
 constexpr double kFontLineHeight = 1.3; // a line of text against its letters' size
+constexpr int kPictureMarginTwips = 50; // what a picture adds to its chart's width and height
 
-TwipsSize twipsSize(QSize pixels)
+QImage picture(ChartView &chart)
 {
-    return {double(twipsFromPixels(pixels.width())), double(twipsFromPixels(pixels.height()))};
-}
-
-QSize pixelSize(TwipsSize twips)
-{
-    return {pixelsFromTwips(twips.width), pixelsFromTwips(twips.height)};
-}
-
-QRect pixelRect(const TwipsRect &twips)
-{
-    return {pixelsFromTwips(twips.left), pixelsFromTwips(twips.top), pixelsFromTwips(twips.width),
-            pixelsFromTwips(twips.height)};
+    const QColor behind = chart.grid().backdrop() == ChartGrid::Backdrop::White
+                              ? Qt::white
+                              : chart.palette().color(QPalette::Window);
+    const int margin = pixelsFromTwips(kPictureMarginTwips);
+    QImage image(chart.size() + QSize(margin, margin), QImage::Format_RGB32);
+    image.fill(behind);
+    QPainter(&image).drawImage(0, 0, chart.image(behind));
+    return image;
 }
 
 QFont controlCentreFont(QFont font)
@@ -123,7 +121,7 @@ void Form1::centreTitles()
 void Form1::aranjare_diagrame(QSize mainInner)
 {
     const TwipsSize main = twipsSize(mainInner);
-    resizeOuter(form1Size(main));
+    resizeFrame(*this, form1Size(main));
     fitTitles(titleRoom(main));
 
     const DiagramsLayout layout =
@@ -137,19 +135,6 @@ void Form1::aranjare_diagrame(QSize mainInner)
     m_lower.title->setGeometry(pixelRect(layout.label2));
     m_lower.pickedPoint->move(0, pixelsFromTwips(layout.dateLabel2Top));
     m_controlCentre->setGeometry(pixelRect(layout.button));
-}
-
-void Form1::resizeOuter(TwipsSize size)
-{
-    QWidget &outer = *frameOf(*this);
-    if (outer.isMaximized() || outer.isMinimized())
-        return;
-    outer.resize(pixelSize(size));
-    // A hidden sub window would hand its new size on only when it is shown.
-    if (QLayout *frame = outer.layout()) {
-        frame->invalidate();
-        frame->activate();
-    }
 }
 
 /// The room above the upper chart shrinks to a few pixels with the main window: so do the titles.
@@ -208,4 +193,12 @@ void Form1::mouseReleaseEvent(QMouseEvent *event)
         emit fileMenuRequested(event->globalPosition().toPoint());
     else
         QWidget::mouseReleaseEvent(event);
+}
+
+QImage Form1::capture(const Diagrama &record) const
+{
+    for (const Panel &panel : {m_upper, m_lower})
+        if (&panel.chart->grid() == record.chart)
+            return picture(*panel.chart);
+    throw RuntimeError(RuntimeError::SubscriptOutOfRange);
 }

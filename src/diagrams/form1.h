@@ -9,6 +9,7 @@ class ChartView;
 class LiveDiagrams;
 class QLabel;
 class QPushButton;
+struct Diagrama;
 struct Station;
 
 /// The live diagrams window: MSChart1 above, MSChart2 below, each with its title and the text of
@@ -34,6 +35,10 @@ public:
     /// Sizes the window with its frame and lays out its parts; `mainInner` as for load(). A
     /// maximised or minimised window keeps its size.
     void aranjare_diagrame(QSize mainInner);
+
+    /// A picture of one diagram as the window shows it, with alarm lines and legend. Throws
+    /// RuntimeError 9 when the window has no such diagram.
+    QImage capture(const Diagrama &record) const;
 
 signals:
     void startRequested();                    ///< F1
@@ -62,7 +67,6 @@ private:
     Panel createPanel(int index);
     void showPoint(const Panel &panel, int series, int point);
     void centreTitles();
-    void resizeOuter(TwipsSize size);
     void fitTitles(double room);
 
     Station &m_station;

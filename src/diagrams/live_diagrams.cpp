@@ -3,8 +3,8 @@
 #include "app/settings/schedule.h"
 #include "app/settings/settings.h"
 #include "chart/chart_grid.h"
+#include "diagrams/point_text.h"
 #include "diagrams/texts.h"
-#include "platform/date_text.h"
 #include "platform/numeric_text.h"
 #include "platform/runtime_error.h"
 
@@ -14,7 +14,6 @@
 namespace
 {
 
-constexpr int kStationRows = 60;
 constexpr int kAlarmSeries = 2;
 
 std::unique_ptr<ChartGrid> stationChart(const QString &tag, QStringList labels)
@@ -201,15 +200,12 @@ void LiveDiagrams::goleste_diagramele()
 
 QString LiveDiagrams::pointText(ChartGrid &chart, int series, int point) const
 {
-    chart.setRow(point);
-    chart.setColumn(series);
     const auto record =
         std::find_if(m_station.Diagrame.begin(), m_station.Diagrame.end(),
                      [&](const Diagrama &diagram) { return diagram.chart == &chart; });
-    if (record == m_station.Diagrame.end() ||
+    if (record == m_station.Diagrame.end() || point < 0 ||
         static_cast<std::size_t>(point) >= record->timeStamps.size())
         throw RuntimeError(RuntimeError::SubscriptOutOfRange);
-    return chart.columnLabel() + QStringLiteral(" = ") +
-           numberText(chart.data(), m_station.locale) + QStringLiteral("\r\n") +
-           dateTimeText(record->timeStamps[static_cast<std::size_t>(point)], m_station.locale);
+    return ::pointText(chart, series, point, record->timeStamps[static_cast<std::size_t>(point)],
+                       m_station.locale);
 }

@@ -8,6 +8,9 @@
 
 class Settings;
 
+/// Rows of the station's charts.
+inline constexpr int kStationRows = 60;
+
 /// Sets every sensor point of a chart to the lower graph limit of one diagram, shows the row labels
 /// and makes the backdrop transparent. The two alarm series stay. Throws RuntimeError 9 when there
 /// is no such diagram.

@@ -25,4 +25,53 @@ inline QString alarmSeries()
 {
     return QStringLiteral("AL");
 }
+
+// History
+inline QString historyCaption()
+{
+    return QStringLiteral("Istoric diagrame 1.2");
+}
+inline QString datePrompt()
+{
+    return QStringLiteral("Introduceti data la care doriti generarea diagramelor (zz.ll.aaaa)");
+}
+inline QString firstDate()
+{
+    return QStringLiteral("01.01.2006");
+}
+inline QString generateButton()
+{
+    return QStringLiteral("Generare");
+}
+inline QString generating()
+{
+    return QStringLiteral("Generez diagramele, va rog asteptati...");
+}
+inline QString generated(const QString &date)
+{
+    return QStringLiteral("Diagramele la data de ") + date;
+}
+inline QString notGenerated()
+{
+    return QStringLiteral("Diagrame negenerate");
+}
+inline QString historyLimitsCaption()
+{
+    return QStringLiteral("Istoric Diagrame");
+}
+inline QString diagramOfSensors(int diagram)
+{
+    return diagram == 0 ? QStringLiteral("Diagrama Senzori 1,2,3.")
+                        : QStringLiteral("Diagrama Senzori 4,5,6.");
+}
+
+// Printing
+inline QString noPrinter()
+{
+    return QStringLiteral("Nu am reusit sa detectez imprimante in sistem!");
+}
+inline QString printedLine(const QString &diagram, const QString &date, const QString &time)
+{
+    return QStringLiteral("%1 la %2 %3").arg(diagram, date, time);
+}
 } // namespace texts

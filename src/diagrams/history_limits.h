@@ -1,0 +1,46 @@
+#pragma once
+
+#include <QString>
+#include <functional>
+
+class Settings;
+struct Station;
+
+/// The limits of the history charts' value axes: Station::Istoric in memory, the "Istoric." keys in
+/// the settings file. Failures of the settings file leave as Settings says.
+
+/// Reads the limits from the settings file and applies them to the charts. A key that the file
+/// lacks: the operator is told and nothing changes.
+void readHistoryLimits(Station &station, Settings &settings);
+
+/// What the boxes of the history limits dialog hold.
+struct HistoryLimitTexts {
+    QString LimInfTemp, LimSupTemp;
+    QString LimInfPres, LimSupPres;
+};
+
+/// The history limits behind their dialog.
+class HistoryLimits
+{
+public:
+    using ShowError = std::function<void(const QString &message)>;
+
+    /// `showError` tells the operator why the numbers were refused. Station and settings must
+    /// outlive this object.
+    HistoryLimits(Station &station, Settings &settings, ShowError showError);
+
+    /// The limits in memory.
+    HistoryLimitTexts texts() const;
+
+    /// Checks tab "Istoric Diagrame": four numbers are stored and applied, the texts become what
+    /// was understood, and it returns true. Otherwise the operator is told and nothing changes.
+    bool valideaza_tab(HistoryLimitTexts &texts);
+
+    void save() const;
+    void restore();
+
+private:
+    Station &m_station;
+    Settings &m_settings;
+    ShowError m_showError;
+};

@@ -1,0 +1,233 @@
+#include "chart/chart_view.h"
+#include "diagrams/form_ado_chart.h"
+#include "diagrams/frm_istoric.h"
+#include "tests/diagrams/history_rig.h"
+#include "tests/support/controls.h"
+
+#include <QLabel>
+#include <QLineEdit>
+#include <QMdiArea>
+#include <QMdiSubWindow>
+#include <QPointer>
+#include <QPushButton>
+#include <QScrollBar>
+#include <QSignalSpy>
+#include <QtTest/QTest>
+#include <qcustomplot.h>
+
+namespace
+{
+
+/// Notes what the status line says whenever the wait label is painted.
+class WaitWatch : public QObject
+{
+public:
+    explicit WaitWatch(const QWidget &form) : m_form(form)
+    {
+        control<QLabel>(form, "LabelWait").installEventFilter(this);
+    }
+    QStringList statusWhenPainted;
+
+protected:
+    bool eventFilter(QObject *, QEvent *event) override
+    {
+        if (event->type() == QEvent::Paint)
+            statusWhenPainted += control<QLabel>(m_form, "LabelStare").text();
+        return false;
+    }
+
+private:
+    const QWidget &m_form;
+};
+
+class FormAdoChartTest : public HistoryRig
+{
+protected:
+    FormAdoChartTest()
+    {
+        area.resize(kMain);
+        area.show();
+        form = new FormAdoChart(station, history, op, time);
+        frame = area.addSubWindow(form);
+        frame->show();
+        form->load(kMain);
+        QCoreApplication::processEvents(); // what is not yet exposed is not painted
+    }
+    void generate(const QString &date)
+    {
+        control<QLineEdit>(*form, "Text1").setText(date);
+        QTest::mouseClick(&control<QPushButton>(*form, "Command1"), Qt::LeftButton);
+    }
+    QString status() const { return control<QLabel>(*form, "LabelStare").text(); }
+    QWidget &named(const char *name) const { return control<QWidget>(*form, name); }
+
+    static constexpr QSize kMain{1020, 690};
+    QMdiArea area;
+    QPointer<FormAdoChart> form;
+    QPointer<QMdiSubWindow> frame;
+};
+
+} // namespace
+
+TEST_F(FormAdoChartTest, OpensClearedAndClosesWithoutATrace)
+{
+    EXPECT_TRUE(station.historyOpen);
+    EXPECT_EQ(form->windowTitle(), "Istoric diagrame 1.2");
+    EXPECT_EQ(status(), "Diagrame negenerate");
+    EXPECT_EQ(control<QLabel>(*form, "LabelPres").text(), station.Diagrame[1].Titlu);
+    EXPECT_TRUE(named("LabelWait").isHidden());
+    EXPECT_FALSE(named("HScroll1").isEnabled());
+    QSignalSpy closed(form, &FormAdoChart::closed);
+    frame->close();
+    QTRY_VERIFY(!form);
+    EXPECT_EQ(closed.size(), 1);
+    EXPECT_FALSE(station.historyOpen);
+}
+
+TEST_F(FormAdoChartTest, DrawsTheTypedDayAndSaysWhich)
+{
+    writeDay(120);
+    station.locale = QLocale(QLocale::Swedish);
+    WaitWatch watch(*form);
+    generate("7.3.26");
+    ASSERT_FALSE(watch.statusWhenPainted.isEmpty()) << "the wait text was never seen";
+    EXPECT_EQ(watch.statusWhenPainted.first(), "Diagrame negenerate");
+    EXPECT_TRUE(named("LabelWait").isHidden());
+    EXPECT_EQ(status(), "Diagramele la data de 7-3-26");
+    EXPECT_TRUE(control<QLabel>(*form, "Label1").text().endsWith("(zz-ll-aaaa)"));
+    EXPECT_TRUE(op.told.isEmpty());
+
+    auto &plot = *control<ChartView>(*form, "MSChartAdo2").findChild<QCustomPlot *>();
+    plot.replot();
+    QTest::mouseClick(
+        &plot, Qt::LeftButton, {},
+        QPointF(plot.xAxis->coordToPixel(60), plot.yAxis->coordToPixel(40.6)).toPoint());
+    EXPECT_EQ(control<QLabel>(*form, "LabelDate").text(), "T4 = 40,6\r\n2026-03-07 00:01:00");
+}
+
+TEST_F(FormAdoChartTest, WhatIsNoDateDoesNothing)
+{
+    generate("31.02.2026");
+    EXPECT_EQ(status(), "Diagrame negenerate");
+    EXPECT_TRUE(op.told.isEmpty());
+}
+
+TEST_F(FormAdoChartTest, FailureIsToldWhenTheWindowIsClearedAlready)
+{
+    writeDay(400);
+    generate("07.03.2026");
+    EXPECT_EQ(status(), "Diagramele la data de 07.03.2026");
+    op.meanwhile = [this] {
+        EXPECT_TRUE(named("LabelWait").isHidden());
+        EXPECT_EQ(status(), "Diagrame negenerate");
+        EXPECT_EQ(history.chart(0).rowCount(), kStationRows);
+        EXPECT_EQ(named("MSChartAdo1").width(), named("Frame1Chart1").width());
+    };
+    generate("08.03.2026");
+    ASSERT_EQ(op.told.size(), 1);
+    EXPECT_TRUE(op.told[0].startsWith("3024 ")) << op.told[0].toStdString();
+    EXPECT_EQ(op.lastIcon, Operator::Icon::Exclamation);
+}
+
+TEST_F(FormAdoChartTest, LongDaysWidenTheChartsAndScroll)
+{
+    writeDay(300);
+    generate("07.03.2026");
+    EXPECT_EQ(named("MSChartAdo1").width(), named("Frame1Chart1").width());
+    EXPECT_FALSE(named("LegendChart1").isVisible());
+
+    QFile::remove(archive());
+    writeDay(1295);
+    generate("07.03.2026");
+    auto &scroll = control<QScrollBar>(*form, "HScroll2");
+    const QWidget &viewport = named("Frame1Chart2");
+    const QWidget &inner = named("Frame2Chart2");
+    EXPECT_EQ(named("MSChartAdo2").width(), 4400);
+    EXPECT_EQ(inner.width(), 4400);
+    EXPECT_TRUE(named("LegendChart2").isVisible()) << "the legend itself is out of sight";
+    EXPECT_EQ(scroll.minimum(), -32767);
+    EXPECT_EQ(scroll.maximum(), 66000 - 15 * viewport.width() - 32767);
+    EXPECT_EQ(scroll.geometry().left(), viewport.geometry().left());
+    EXPECT_NEAR(scroll.y(), viewport.geometry().bottom() + 1 + 2, 1) << "30 twips below";
+
+    scroll.setValue(scroll.maximum());
+    EXPECT_EQ(inner.x(), viewport.width() - 4400) << "the end of the day is reached";
+    EXPECT_EQ(named("Frame2Chart1").x(), 0) << "each chart has its own scroll bar";
+
+    scroll.setValue(-32767 + 15 * 1000);
+    form->followMainWindow(QSize(800, 560));
+    EXPECT_EQ(frame->width(), 796);
+    EXPECT_EQ(named("MSChartAdo2").width(), 4400);
+    EXPECT_EQ(inner.x(), -1000) << "the same hour stays in sight";
+    generate("07.03.2026");
+    EXPECT_EQ(inner.x(), 0) << "a day begins at its start";
+}
+
+namespace
+{
+
+class FrmIstoricTest : public HistoryRig
+{
+protected:
+    QLineEdit &box(const char *name) { return control<QLineEdit>(form, name); }
+    void click(const char *name) { control<QPushButton>(form, name).click(); }
+    HistoryDiagrams &loaded()
+    {
+        history.load();
+        return history;
+    }
+
+    QStringList errors;
+    HistoryDiagrams &diagrams = loaded(); // the dialog shows the limits it finds
+    FrmIstoric form{station, settings,
+                    [this](QWidget &, const QString &message) { errors += message; },
+                    QSize(15360, 11520)};
+};
+
+} // namespace
+
+TEST_F(FrmIstoricTest, AppliesSavesAndRestoresTheLimits)
+{
+    form.show();
+    EXPECT_EQ(box("LimSupTextTemp").text(), "150");
+    box("LimSupTextTemp").setText("120,5");
+    box("LimInfTextPres").setText("-10");
+    click("cmdApply");
+    EXPECT_EQ(box("LimSupTextTemp").text(), "120.5");
+    EXPECT_EQ(diagrams.chart(0).valueAxisMaximum(), 120.5);
+    EXPECT_EQ(diagrams.chart(1).valueAxisMinimum(), -10);
+    EXPECT_FALSE(folder.config().contains("120.5")) << "only the save button writes";
+
+    click("cmdSaveDef");
+    EXPECT_TRUE(folder.config().contains("Istoric.Diagrama1.limita_maxima =,120.5\r\n"));
+    EXPECT_TRUE(folder.config().contains("Istoric.Diagrama2.limita_minima =,-10\r\n"));
+    folder.setValue("Istoric.Diagrama1.limita_minima =", "5");
+    click("cmdRestDef");
+    EXPECT_EQ(diagrams.chart(0).valueAxisMinimum(), 5);
+    EXPECT_EQ(box("LimInfTextTemp").text(), "5");
+
+    QSignalSpy closed(&form, &FrmIstoric::closed);
+    box("LimSupTextPres").setText("77");
+    click("cmdOK");
+    EXPECT_EQ(closed.size(), 1);
+    EXPECT_EQ(diagrams.chart(1).valueAxisMaximum(), 77);
+}
+
+TEST_F(FrmIstoricTest, RefusedNumbersChangeNothingAndKeepItOpen)
+{
+    form.show();
+    QSignalSpy closed(&form, &FrmIstoric::closed);
+    box("LimSupTextTemp").setText("99");
+    box("LimInfTextPres").setText("zece");
+    click("cmdOK");
+    EXPECT_EQ(errors, QStringList("Verificati corectitudinea campurilor."));
+    EXPECT_TRUE(closed.isEmpty());
+    EXPECT_EQ(diagrams.chart(0).valueAxisMaximum(), 150);
+    form.setEnabled(false); // as the error window leaves it
+    form.reject();
+    EXPECT_TRUE(form.isVisible());
+    form.setEnabled(true);
+    click("cmdCancel");
+    EXPECT_EQ(closed.size(), 1);
+    EXPECT_EQ(diagrams.chart(0).valueAxisMaximum(), 150);
+}

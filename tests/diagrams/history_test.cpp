@@ -1,0 +1,264 @@
+#include "app/settings/chart_settings.h"
+#include "diagrams/history_date.h"
+#include "diagrams/history_layout.h"
+#include "jet/file.h"
+#include "platform/runtime_error.h"
+#include "tests/diagrams/history_rig.h"
+
+#include <QFile>
+#include <cmath>
+#include <random>
+
+TEST(HistoryLayout, ChartsGrowWithTheirRowsUpToALimit)
+{
+    for (const auto &[rows, twips] :
+         {std::pair(300, 15300), {301, 15351}, {1294, 65994}, {1295, 66000}, {86400, 66000}})
+        EXPECT_DOUBLE_EQ(historyChartWidth(rows), twips) << rows;
+}
+
+TEST(HistoryLayout, ScrollBarCoversTheOverflowIn16Bits)
+{
+    struct Case {
+        double inner, viewport;
+        int maximum, factor;
+    };
+    constexpr quint8 kBefore = 7; // kept unless the overflow is too long
+    for (const Case &c : {Case{15000, 15000, -32767, kBefore},
+                          {9000, 15000, -32767, kBefore},
+                          {15351, 15000, 351 - 32767, kBefore},
+                          {66000, 467, 32766, kBefore},
+                          {66000, 466, 32767, 1},
+                          {98301 + 1000, 1000, 32767, 2},
+                          {255 * 65534.0, 0, 32767, 255}}) {
+        const ScrollRange range = scrollRange(0, c.inner, c.viewport, kBefore);
+        EXPECT_EQ(range.minimum, -32767) << c.inner;
+        EXPECT_EQ(range.maximum, c.maximum) << c.inner;
+        EXPECT_EQ(range.factor, c.factor) << c.inner;
+    }
+    EXPECT_EQ(innerFrameLeft(-32767, 5), 0);
+    EXPECT_EQ(innerFrameLeft(32767, 2), -2 * 65534.0);
+    EXPECT_THROW(scrollRange(0, 256 * 65534.0, 0, 1), RuntimeError);
+    EXPECT_THROW(scrollRange(-15, 66000, 15000, 1), RuntimeError) << "its minimum has 16 bits";
+}
+
+TEST(HistoryLayout, PartsLieInTheWindowOneBelowTheOther)
+{
+    for (const TwipsSize window : {TwipsSize{11000, 6200}, TwipsSize{28000, 14000}}) {
+        const HistoryLayout layout =
+            historyLayout({window, {5000, 240}, {1500, 330}, {1200, 360}, 260, 240});
+        double below = layout.button.top + layout.button.height;
+        for (const HistoryPanel &panel : {layout.chart1, layout.chart2}) {
+            EXPECT_GE(panel.title.top, below);
+            EXPECT_GE(panel.viewport.top, panel.title.top + panel.title.height);
+            EXPECT_GT(panel.viewport.height, 1400);
+            EXPECT_EQ(panel.scrollBar.top, panel.viewport.top + panel.viewport.height + 30);
+            EXPECT_EQ(panel.scrollBar.width, panel.viewport.width);
+            below = panel.scrollBar.top + panel.scrollBar.height;
+        }
+        EXPECT_GE(layout.selection.top, below);
+        EXPECT_LE(layout.selection.top + layout.selection.height, window.height);
+        EXPECT_LE(layout.status.left + layout.status.width, window.width);
+    }
+}
+
+TEST(HistoryDate, DaysAreReadAsThePromptAsksForThem)
+{
+    const QLocale romanian(QLocale::Romanian);
+    const QLocale american(QLocale::English, QLocale::UnitedStates);
+    struct Case {
+        const char *text;
+        QLocale locale;
+        QDate date;
+    };
+    for (const Case &c : {Case{"07.03.2026", romanian, {2026, 3, 7}},
+                          {" 7/3/26 ", american, {2026, 3, 7}},
+                          {"07-03-2026", QLocale(QLocale::Swedish), {2026, 3, 7}},
+                          {"2026-03-07", QLocale(QLocale::Swedish), {2026, 3, 7}},
+                          {"12/31/1999", american, {1999, 12, 31}},
+                          {"7 Mar 2026", QLocale::c(), {2026, 3, 7}},
+                          {"07 03 2026", QLocale::c(), {2026, 3, 7}},
+                          {"1.1.30", romanian, {1930, 1, 1}},
+                          {"29.02.2026", romanian, {}},
+                          {"07.03", romanian, {}},
+                          {"azi", romanian, {}},
+                          {"", romanian, {}},
+                          {"07.03.2026x", romanian, {}}})
+        EXPECT_EQ(typedDate(QString::fromUtf8(c.text), c.locale).value_or(QDate()), c.date)
+            << c.text;
+    EXPECT_EQ(archiveName({2026, 3, 7}, "a.mdb"), "arh_07.03.2026_a.mdb");
+
+    const QDate today(2026, 11, 21);
+    EXPECT_EQ(dateSeparator(today, romanian), ".");
+    EXPECT_EQ(dateSeparator(today, american), "/");
+    EXPECT_EQ(dateSeparator(today, QLocale(QLocale::Swedish)), "-");
+    EXPECT_EQ(dateSeparator(today, QLocale::c()), " ");
+}
+
+namespace
+{
+
+class HistoryDiagramsTest : public HistoryRig
+{
+protected:
+    void expectCleared()
+    {
+        for (const std::size_t i : {0u, 1u}) {
+            EXPECT_EQ(history.chart(i).rowCount(), kStationRows);
+            EXPECT_EQ(valueAt(history.chart(i), 1, 60), station.Diagrame[i].limita_minima);
+        }
+        EXPECT_EQ(history.chartWidths()[0], 0);
+    }
+    void expectDay(int samples)
+    {
+        for (int row = 1; row <= samples; ++row)
+            for (int column = 1; column <= 3; ++column) {
+                EXPECT_EQ(valueAt(history.chart(0), column, row), reading(column, row));
+                EXPECT_EQ(valueAt(history.chart(1), column, row), reading(column + 3, row));
+            }
+        EXPECT_EQ(history.chart(1).rowCount(), samples);
+    }
+    /// The number before the description.
+    int failure() { return history.genereaza_diagrame({kArchive}).section(' ', 0, 0).toInt(); }
+};
+
+} // namespace
+
+TEST_F(HistoryDiagramsTest, LoadTakesLimitsAndNamesFromTheSettings)
+{
+    folder.setValue("Istoric.Diagrama1.limita_maxima =", "99.5 grade");
+    folder.setValue("Istoric.Diagrama2.limita_minima =", "");
+    folder.setValue("Istoric.Diagrama2.limita_maxima =", "-4");
+    station.Diagrame[1].Nume[2] = "Usa";
+    history.load();
+    EXPECT_EQ(history.chart(0).valueAxisMaximum(), 99.5);
+    EXPECT_EQ(history.chart(1).valueAxisMinimum(), 0);
+    EXPECT_EQ(history.chart(1).valueAxisMaximum(), -4);
+    EXPECT_EQ(history.chart(1).columnLabelOf(3), "Usa");
+    EXPECT_EQ(history.chart(1).columnLabelOf(4), "AL");
+    expectCleared();
+}
+
+TEST_F(HistoryDiagramsTest, ADayIsDrawnWithThePresentAlarmLimits)
+{
+    writeDay(301);
+    station.Diagrame[0].alarma_minim = 31;
+    station.Diagrame[1].alarma_maxim = 77;
+    history.load();
+    EXPECT_EQ(history.genereaza_diagrame({kArchive}), "");
+    expectDay(301);
+    EXPECT_EQ(valueAt(history.chart(0), 4, 301), 31);
+    EXPECT_EQ(valueAt(history.chart(1), 5, 1), 77);
+    EXPECT_EQ(history.chartWidths(), (std::array{15351.0, 15351.0}));
+    EXPECT_EQ(history.pointText(1, 3, 301), "T6 = 63,01\r\n07.03.2026 00:05:01");
+
+    history.unload();
+    expectCleared();
+}
+
+TEST_F(HistoryDiagramsTest, ForeignTablesShowTheSameDay)
+{
+    // Other order, other types, no Id for the last ones; records not in the order of their Id.
+    jet::TableDesign table = tabel::design();
+    std::swap(table.columns[1], table.columns[8]);
+    table.columns[2].type = jet::ColumnType::Text;
+    table.columns[2].size = 20;
+    table.columns[3].type = jet::ColumnType::Currency;
+    table.columns[8] = {u"Nota", jet::ColumnType::Memo};
+    table.columns.push_back({u"Senzor1", jet::ColumnType::Double});
+    table.columns[1] = {u"Data", jet::ColumnType::Text, 10};
+    std::vector<jet::Assignments> records;
+    for (const int id : {3, 1, 2}) {
+        records.push_back(usualRecord(id));
+        records.back()[1].second = jet::Text(u"07.03.2026");
+    }
+    writeArchive(table, records);
+    EXPECT_EQ(history.genereaza_diagrame({kArchive}), "");
+    expectDay(3);
+    EXPECT_TRUE(history.pointText(0, 1, 2).endsWith("07.03.2026 00:00:02"));
+}
+
+TEST_F(HistoryDiagramsTest, WhatWasNotStoredIsAGap)
+{
+    jet::Assignments second = usualRecord(2);
+    second.erase(second.begin() + 1, second.begin() + 4); // no date, no time, no Senzor1
+    writeArchive(tabel::design(), {usualRecord(1), second, usualRecord(3)});
+    EXPECT_EQ(history.genereaza_diagrame({kArchive}), "");
+    EXPECT_TRUE(std::isnan(valueAt(history.chart(0), 1, 2)));
+    EXPECT_EQ(valueAt(history.chart(0), 2, 2), reading(2, 2));
+    EXPECT_EQ(history.pointText(0, 2, 2), "T2 = 20,02\r\n00:00:00");
+}
+
+TEST_F(HistoryDiagramsTest, FailuresAreNumberedAndLeaveClearedCharts)
+{
+    using jet::ErrorCode;
+    const auto tableWithout = [](const jet::Text &name) {
+        jet::TableDesign table = tabel::design();
+        std::erase_if(table.columns, [&](const auto &column) { return column.name == name; });
+        return table;
+    };
+    const auto writeBytes = [this](const QByteArray &bytes) {
+        QFile file(archive());
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(bytes);
+    };
+    jet::TableDesign other = tabel::design();
+    other.name = u"Altul";
+    jet::TableDesign texts = tabel::design();
+    texts.columns[6] = {u"Senzor6", jet::ColumnType::Text, 20};
+    struct Case {
+        ErrorCode code;
+        std::function<void()> prepare;
+    };
+    for (const Case &c :
+         {Case{ErrorCode::FileNotFound, [] {}},
+          {ErrorCode::NotADatabase, [&] { writeBytes({}); }},
+          {ErrorCode::NotADatabase, [&] { writeBytes(QByteArray(8192, 'x')); }},
+          {ErrorCode::NoSuchTable, [&] { writeArchive(other, {}); }},
+          {ErrorCode::NoSuchItem, [&] { writeArchive(tableWithout(u"Senzor5"), {}); }},
+          {ErrorCode::NoSuchItem, [&] { writeArchive(tableWithout(u"Ora"), {}); }},
+          {ErrorCode::TypeConversion, [&] {
+               writeArchive(texts, {{{u"Id", std::int32_t(1)}, {u"Senzor6", jet::Text(u"cald")}}});
+           }}}) {
+        QFile::remove(archive());
+        c.prepare();
+        EXPECT_EQ(failure(), static_cast<int>(c.code));
+        expectCleared();
+    }
+
+    QFile::remove(archive());
+    writeDay(400);
+    EXPECT_EQ(failure(), 0);
+    const auto lock = jet::makeSystemFiles()->openLock(
+        std::filesystem::path(archivePath()).replace_extension(".ldb"),
+        jet::FileSystem::Access::Create);
+    ASSERT_TRUE(lock->tryLock(jet::LockFile::Part::Opener, jet::LockFile::Mode::Exclusive));
+    EXPECT_EQ(failure(), static_cast<int>(ErrorCode::InUse));
+    expectCleared();
+}
+
+TEST_F(HistoryDiagramsTest, AnArchiveWithoutRecordsIsADayWithoutLines)
+{
+    writeArchive(tabel::design(), {});
+    EXPECT_EQ(failure(), 0);
+    expectCleared();
+    EXPECT_EQ(valueAt(history.chart(0), 5, 1), station.Diagrame[0].alarma_maxim);
+}
+
+TEST_F(HistoryDiagramsTest, DamagedBytesNeverCrash)
+{
+    writeDay(200);
+    QFile file(archive());
+    ASSERT_TRUE(file.open(QIODevice::ReadWrite));
+    const QByteArray whole = file.readAll();
+    std::mt19937 random(20260307);
+    for (int round = 0; round < 200; ++round) {
+        QByteArray damaged = whole;
+        damaged[static_cast<qsizetype>(random() % static_cast<unsigned>(whole.size()))] =
+            static_cast<char>(random());
+        file.seek(0);
+        file.write(damaged);
+        file.flush();
+        if (!history.genereaza_diagrame({kArchive}).isEmpty())
+            expectCleared();
+    }
+}

@@ -1,0 +1,248 @@
+#include "chart/chart_view.h"
+#include "diagrams/diagram_printing.h"
+#include "diagrams/form1.h"
+#include "platform/printers.h"
+#include "platform/qt_printers.h"
+#include "platform/runtime_error.h"
+#include "platform/shell.h"
+#include "tests/diagrams/diagrams_rig.h"
+#include "tests/support/controls.h"
+
+#include <QDir>
+#include <QLabel>
+#include <QMdiArea>
+#include <QMdiSubWindow>
+#include <QPrinter>
+#include <QProcess>
+#include <QRegularExpression>
+
+namespace
+{
+
+class FakeShell final : public Shell
+{
+public:
+    void open(const QString &path, Window window) override
+    {
+        opened += path + (window == Window::Minimised ? " minimised" : "");
+    }
+    QStringList opened;
+};
+
+/// Form1 with a sample in it, and its pictures.
+class PicturesTest : public DiagramsRig
+{
+protected:
+    PicturesTest()
+    {
+        area.resize(1020, 690);
+        area.show();
+        form = new Form1(station, live);
+        area.addSubWindow(form)->show();
+        form->load(area.size());
+        sample(live, 75);
+    }
+    void save() { saveDiagramImages(station, capture, time, shell); }
+    QStringList files() const { return QDir(station.imageFolder()).entryList(QDir::Files); }
+
+    LiveDiagrams live{station, settings, time};
+    QMdiArea area;
+    Form1 *form;
+    FakeShell shell;
+    DiagramCapture capture = [this](const Diagrama &record) { return form->capture(record); };
+};
+
+bool contains(const QImage &picture, QRgb colour)
+{
+    for (int y = 0; y < picture.height(); ++y)
+        for (int x = 0; x < picture.width(); ++x)
+            if (picture.pixel(x, y) == colour)
+                return true;
+    return false;
+}
+
+} // namespace
+
+TEST_F(PicturesTest, OneBitmapPerDiagramShowsWhatIsOnTheScreen)
+{
+    const QStringList names{"Diagrama1_07.03.2026_09.05.bmp", "Diagrama2_07.03.2026_09.05.bmp"};
+    save();
+    EXPECT_EQ(files(), names);
+    EXPECT_EQ(shell.opened, QStringList(station.imageFolder() + " minimised"));
+    save();
+    EXPECT_EQ(files(), names) << "the same minute is replaced";
+    time.setClock(wallTime(QDate(2026, 11, 21), QTime(23, 59, 59)));
+    save();
+    EXPECT_TRUE(files().contains("Diagrama2_21.11.2026_23.59.bmp"));
+
+    const QImage picture(station.imageFolder() + names[0]);
+    EXPECT_EQ(picture.size(), control<ChartView>(*form, "MSChart1").size() + QSize(3, 3));
+    EXPECT_FALSE(picture.hasAlphaChannel());
+    EXPECT_EQ(picture.pixelColor(1, 1), form->palette().color(QPalette::Window));
+    EXPECT_TRUE(contains(picture, 0xFFD55E00)) << "alarm lines";
+    EXPECT_TRUE(contains(picture, 0xFF0072B2)) << "first sensor";
+}
+
+TEST_F(PicturesTest, ASaveThatFailsLeavesNoFileAndOpensNothing)
+{
+    QDir(station.imageFolder()).removeRecursively();
+    try {
+        save();
+        ADD_FAILURE() << "a missing folder is an error";
+    } catch (const RuntimeError &error) {
+        EXPECT_EQ(error.number(), RuntimeError::PathNotFound);
+    }
+    EXPECT_FALSE(QDir(station.imageFolder()).exists());
+    EXPECT_TRUE(shell.opened.isEmpty());
+}
+
+namespace
+{
+
+/// Writes down what is printed, until a step fails that is told to.
+class FakeJob final : public PrintJob
+{
+public:
+    FakeJob(QStringList &log, const QString &failing) : m_log(log), m_failing(failing) {}
+    ~FakeJob() override
+    {
+        if (!m_ended)
+            m_log += QStringLiteral("abandoned");
+    }
+    QString printer() const override { return QStringLiteral("Laser"); }
+    void begin() override { step(QStringLiteral("begin")); }
+    PageSize page() const override { return {15000, 9000}; }
+    void drawPicture(const QImage &picture, double left, double top, PageSize size) override
+    {
+        for (const QPoint corner : {QPoint(1, 1), picture.rect().bottomRight()})
+            EXPECT_EQ(picture.pixelColor(corner), Qt::white) << "paper has no window colour";
+        step(QStringLiteral("picture %1,%2 %3x%4")
+                 .arg(left)
+                 .arg(top)
+                 .arg(size.width)
+                 .arg(size.height));
+    }
+    double printLine(const QString &text, double top) override
+    {
+        step(QStringLiteral("line %1: %2").arg(top).arg(text));
+        return top + 240;
+    }
+    void end() override
+    {
+        step(QStringLiteral("end"));
+        m_ended = true;
+    }
+
+private:
+    void step(const QString &what)
+    {
+        m_log += what;
+        if (!m_failing.isEmpty() && what.startsWith(m_failing))
+            throw RuntimeError(RuntimeError::PrinterError);
+    }
+    QStringList &m_log;
+    QString m_failing;
+    bool m_ended = false;
+};
+
+/// Choosing a printer in the dialog makes it the default one, as some systems do.
+class FakePrinters final : public Printers
+{
+public:
+    QStringList names() const override { return list; }
+    QString defaultDevice() const override { return device; }
+    void setDefaultDevice(const QString &text) override { device = text; }
+    std::unique_ptr<PrintJob> choose() override
+    {
+        device = QStringLiteral("Laser,winspool,LPT1");
+        return std::move(next);
+    }
+    QStringList list{QStringLiteral("Laser"), QStringLiteral("Matriceala")};
+    QString device = QStringLiteral("Matriceala,winspool,LPT2");
+    std::unique_ptr<PrintJob> next;
+};
+
+class PrintingTest : public PicturesTest
+{
+protected:
+    void print() { printDiagrams({station, capture, printers, op, time}); }
+    void expectAllPutBack()
+    {
+        EXPECT_EQ(printers.device, "Matriceala,winspool,LPT2");
+        for (const Diagrama &record : station.Diagrame)
+            EXPECT_EQ(record.chart->backdrop(), ChartGrid::Backdrop::Transparent);
+    }
+    FakePrinters printers;
+    QStringList log;
+};
+
+} // namespace
+
+TEST_F(PrintingTest, BothDiagramsStandOnOnePageWithTheirLines)
+{
+    printers.next = std::make_unique<FakeJob>(log, QString());
+    print();
+    EXPECT_EQ(log, (QStringList{"begin", "picture 0,0 15000x3000",
+                                "line 3200: Diagrama1 la 07.03.2026 09:05:01",
+                                "picture 0,5040 15000x3000",
+                                "line 8240: Diagrama2 la 07.03.2026 09:05:01", "end"}));
+    EXPECT_TRUE(op.told.isEmpty());
+    expectAllPutBack();
+}
+
+TEST_F(PrintingTest, NothingIsPrintedWithoutAPrinterOrWhenCancelled)
+{
+    print();
+    EXPECT_TRUE(op.told.isEmpty()) << "the operator cancelled";
+    expectAllPutBack();
+
+    printers.list.clear();
+    print();
+    EXPECT_EQ(op.told, QStringList("Nu am reusit sa detectez imprimante in sistem!"));
+    EXPECT_EQ(op.lastIcon, Operator::Icon::Exclamation);
+    expectAllPutBack();
+}
+
+TEST_F(PrintingTest, AFailingPrinterIsToldAfterAllIsPutBack)
+{
+    for (const char *step : {"begin", "picture 0,5040", "line 3200", "end"}) {
+        op.told.clear();
+        op.meanwhile = [this] { expectAllPutBack(); };
+        printers.next = std::make_unique<FakeJob>(log, QString::fromLatin1(step));
+        print();
+        EXPECT_EQ(op.told, QStringList("482 Printer error")) << step;
+        EXPECT_EQ(op.lastIcon, Operator::Icon::Critical);
+        EXPECT_EQ(log.last(), "abandoned");
+    }
+}
+
+TEST_F(PrintingTest, APdfHoldsThePage)
+{
+    const auto printerInto = [](const QString &file) {
+        auto printer = std::make_unique<QPrinter>(QPrinter::HighResolution);
+        printer->setOutputFormat(QPrinter::PdfFormat);
+        printer->setPageSize(QPageSize(QPageSize::A4));
+        printer->setOutputFileName(file);
+        return printJobOn(std::move(printer));
+    };
+    const QString file = folder.path() + QStringLiteral("/pagina.pdf");
+    printers.next = printerInto(file);
+    print();
+    EXPECT_TRUE(op.told.isEmpty());
+    const auto outputOf = [](const QString &program, const QStringList &arguments) {
+        QProcess process;
+        process.start(program, arguments);
+        EXPECT_TRUE(process.waitForFinished()) << program.toStdString();
+        return QString::fromUtf8(process.readAllStandardOutput());
+    };
+    const QString text = outputOf(QStringLiteral("pdftotext"), {"-layout", file, "-"});
+    EXPECT_TRUE(text.contains("Diagrama1 la 07.03.2026 09:05:01")) << text.toStdString();
+    EXPECT_TRUE(text.contains("Diagrama2 la 07.03.2026 09:05:01"));
+    const QString about = outputOf(QStringLiteral("pdfinfo"), {file});
+    EXPECT_TRUE(about.contains(QRegularExpression("Pages: +1\n"))) << about.toStdString();
+    EXPECT_TRUE(about.contains(QRegularExpression("Page size: +842 x 595"))) << "landscape";
+
+    printers.next = printerInto(folder.path() + QStringLiteral("/lipsa/pagina.pdf"));
+    print();
+    EXPECT_EQ(op.told, QStringList("482 Printer error"));
+}
