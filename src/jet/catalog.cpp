@@ -1,6 +1,7 @@
 #include "jet/catalog.h"
 
 #include "jet/header_page.h"
+#include "jet/index_cursor.h"
 #include "jet/text_codec.h"
 
 #include <algorithm>

@@ -40,6 +40,27 @@ void copyTable(Session &source, const Catalog::Entry &entry, Session &target, Da
     target.commit();
 }
 
+/// The result keeps others out of the old file, which is closed by then.
+std::unique_ptr<LockFile> copyDatabase(const std::filesystem::path &path,
+                                       const std::filesystem::path &draft, DateTime now)
+{
+    Session source(makeSystemFiles(), path, {});
+    source.lockForReplacing();
+    {
+        const Pager::ReadScope scope(source.pager());
+        source.catalog().refuseOtherObjects();
+        makeNewDatabase(draft, now);
+        OpenOptions options;
+        options.durability = Durability::Unsynced; // synced once, as a whole
+        Session target(makeSystemFiles(), draft, options);
+        for (const Catalog::Entry &entry : source.catalog().tables()) {
+            if (!entry.isSystem)
+                copyTable(source, entry, target, now);
+        }
+    }
+    return source.pager().closeKeepingLock();
+}
+
 } // namespace
 
 void compactDatabase(const std::filesystem::path &path, DateTime now)
@@ -48,21 +69,8 @@ void compactDatabase(const std::filesystem::path &path, DateTime now)
     std::filesystem::path draft = path;
     draft += ".compact";
     files->remove(draft);
-    Session source(makeSystemFiles(), path, {});
-    source.lockForReplacing();
-    const Pager::ReadScope scope(source.pager());
-    source.catalog().refuseOtherObjects();
     try {
-        makeNewDatabase(draft, now);
-        {
-            OpenOptions options;
-            options.durability = Durability::Unsynced; // synced once, as a whole
-            Session target(makeSystemFiles(), draft, options);
-            for (const Catalog::Entry &entry : source.catalog().tables()) {
-                if (!entry.isSystem)
-                    copyTable(source, entry, target, now);
-            }
-        }
+        const std::unique_ptr<LockFile> lock = copyDatabase(path, draft, now);
         files->open(draft, FileSystem::Access::Write)->sync();
         files->replace(draft, path);
         files->syncFolder(path.parent_path());

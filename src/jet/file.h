@@ -6,12 +6,16 @@
 #include <cstdint>
 #include <filesystem>
 #include <memory>
+#include <string>
 
 // Everything the engine asks of the system it runs on. One pair of classes per system implements
 // these interfaces (file_posix.cpp, file_windows.cpp); tests put files in memory in their place.
 
 namespace jet
 {
+
+/// A path as messages show it, UTF-8.
+std::string displayName(const std::filesystem::path &path);
 
 /// An open file. Every failure throws Error: DiskFull when there is no room, else DiskError.
 class File

@@ -1,4 +1,4 @@
-#include "jet/file.h"
+#include "jet/lock_ranges.h"
 
 #include <cerrno>
 #include <fcntl.h>
@@ -120,30 +120,6 @@ private:
     Descriptor m_descriptor;
 };
 
-// Places of the locks, far behind the file's end. The opener's bytes are those where the database
-// program locks one byte for each of its users. The stamp stands behind its 255 user records.
-struct LockRange {
-    off_t start;
-    off_t length;
-};
-constexpr LockRange kOpenerRange{0x10000001, 255};
-constexpr LockRange kWriterRange{0x7FF00000, 1};
-constexpr LockRange kPagesRange{0x7FF00001, 1};
-constexpr std::uint64_t kStampOffset = 255 * 64;
-
-LockRange rangeOf(LockFile::Part part)
-{
-    switch (part) {
-    case LockFile::Part::Opener:
-        return kOpenerRange;
-    case LockFile::Part::Writer:
-        return kWriterRange;
-    case LockFile::Part::Pages:
-        return kPagesRange;
-    }
-    return kOpenerRange;
-}
-
 class PosixLockFile final : public LockFile
 {
 public:
@@ -166,7 +142,7 @@ public:
             // The last opener removed the file after this one had opened it.
             Descriptor fresh = openDescriptor(m_path, m_access);
             if (!fresh.isOpen())
-                throwSystemError("Opening '" + m_path.string() + "' failed", errno);
+                throwSystemError("Opening '" + displayName(m_path) + "' failed", errno);
             m_descriptor = std::move(fresh);
         }
         return false;
@@ -199,13 +175,13 @@ private:
     /// one process must see each other, and closing one must not take away the other's.
     int request(Part part, int type)
     {
-        const LockRange range = rangeOf(part);
+        const LockRange range = lockRange(part);
         struct flock lock {
         };
         lock.l_type = static_cast<short>(type);
         lock.l_whence = SEEK_SET;
-        lock.l_start = range.start;
-        lock.l_len = range.length;
+        lock.l_start = static_cast<off_t>(range.start);
+        lock.l_len = static_cast<off_t>(range.length);
         while (::fcntl(m_descriptor.number(), F_OFD_SETLK, &lock) != 0) {
             if (errno != EINTR)
                 return errno;
@@ -261,13 +237,13 @@ public:
     void remove(const std::filesystem::path &path) override
     {
         if (::unlink(path.c_str()) != 0 && errno != ENOENT)
-            throwSystemError("Removing '" + path.string() + "' failed", errno);
+            throwSystemError("Removing '" + displayName(path) + "' failed", errno);
     }
 
     void replace(const std::filesystem::path &from, const std::filesystem::path &to) override
     {
         if (::rename(from.c_str(), to.c_str()) != 0)
-            throwSystemError("Replacing '" + to.string() + "' failed", errno);
+            throwSystemError("Replacing '" + displayName(to) + "' failed", errno);
     }
 
     void syncFolder(const std::filesystem::path &folder) override
@@ -275,7 +251,7 @@ public:
         const std::filesystem::path name = folder.empty() ? "." : folder;
         const Descriptor descriptor(::open(name.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
         if (!descriptor.isOpen() || ::fsync(descriptor.number()) != 0)
-            throwSystemError("Writing the folder '" + name.string() + "' to the disk failed",
+            throwSystemError("Writing the folder '" + displayName(name) + "' to the disk failed",
                              errno);
     }
 
@@ -296,12 +272,13 @@ private:
     [[noreturn]] static void throwCannotOpen(const std::filesystem::path &path, int number)
     {
         if (number == ENOENT || number == ENOTDIR)
-            throw Error(ErrorCode::FileNotFound, "Could not find file '" + path.string() + "'.");
+            throw Error(ErrorCode::FileNotFound,
+                        "Could not find file '" + displayName(path) + "'.");
         if (number == EACCES || number == EPERM || number == EROFS || number == EISDIR ||
             number == ETXTBSY)
-            throw Error(ErrorCode::ReadOnly, "Cannot open file '" + path.string() +
+            throw Error(ErrorCode::ReadOnly, "Cannot open file '" + displayName(path) +
                                                  "': " + std::system_category().message(number));
-        throwSystemError("Opening '" + path.string() + "' failed", number);
+        throwSystemError("Opening '" + displayName(path) + "' failed", number);
     }
 };
 

@@ -98,7 +98,7 @@ void makeNewDatabase(const std::filesystem::path &path, DateTime now)
 {
     const auto files = makeSystemFiles();
     if (files->exists(path))
-        throw Error(ErrorCode::FileExists, "Database '" + path.string() + "' already exists.");
+        throw Error(ErrorCode::FileExists, "Database '" + displayName(path) + "' already exists.");
     std::filesystem::path draft = path;
     draft += ".new";
     files->remove(draft);

@@ -30,13 +30,13 @@ Pager::Pager(std::unique_ptr<FileSystem> files, std::filesystem::path path, Open
     const ReadScope look(*this);
     if (m_pageCount == 0)
         throw Error(ErrorCode::NotADatabase,
-                    "Unrecognized database format '" + m_path.string() + "'.");
+                    "Unrecognized database format '" + displayName(m_path) + "'.");
 }
 
 Pager::~Pager()
 {
     rollback();
-    if (!m_usedJournal)
+    if (!m_usedJournal || !m_lock)
         return;
     // The next opener would only find an empty journal, so a failure here harms nothing.
     try {
@@ -119,8 +119,8 @@ PageNo Pager::extend()
 void Pager::begin()
 {
     if (m_options.readOnly)
-        throw Error(ErrorCode::ReadOnly,
-                    "'" + m_path.string() + "' is open for reading only and cannot be changed.");
+        throw Error(ErrorCode::ReadOnly, "'" + displayName(m_path) +
+                                             "' is open for reading only and cannot be changed.");
     if (m_inTransaction)
         throw Error(ErrorCode::InvalidArgument, "A transaction is already running.");
     lockWriter();
@@ -266,7 +266,7 @@ void Pager::lock(Lock part, LockFile::Mode mode, const char *who)
 {
     if (!m_lock->lock(part, mode, m_options.lockTimeout))
         throw Error(ErrorCode::InUse,
-                    "Could not use '" + m_path.string() + "': " + std::string(who) + ".");
+                    "Could not use '" + displayName(m_path) + "': " + std::string(who) + ".");
 }
 
 void Pager::lockWriter()
@@ -391,8 +391,14 @@ void Pager::refreshPageCount()
 void Pager::lockOpeners()
 {
     if (!m_lock->lock(Lock::Opener, LockFile::Mode::Exclusive, m_options.lockTimeout))
-        throw Error(ErrorCode::TableLocked, "Could not lock a table of '" + m_path.string() +
+        throw Error(ErrorCode::TableLocked, "Could not lock a table of '" + displayName(m_path) +
                                                 "': another program has the database open.");
+}
+
+std::unique_ptr<LockFile> Pager::closeKeepingLock()
+{
+    m_file.reset();
+    return std::move(m_lock);
 }
 
 void Pager::unlockOpeners()

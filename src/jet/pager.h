@@ -71,6 +71,9 @@ public:
     void lockOpeners();
     void unlockOpeners();
 
+    /// Closes the file; the result keeps the locks that are held. Nothing else may follow.
+    std::unique_ptr<LockFile> closeKeepingLock();
+
     bool isReadOnly() const { return m_options.readOnly; }
     const std::filesystem::path &path() const { return m_path; }
 

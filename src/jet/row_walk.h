@@ -1,6 +1,6 @@
 #pragma once
 
-#include "jet/index_tree.h"
+#include "jet/index_cursor.h"
 #include "jet/table_store.h"
 
 #include <memory>

@@ -105,7 +105,7 @@ void Session::lockForReplacing()
     } catch (const Error &error) {
         if (error.code() != ErrorCode::TableLocked)
             throw;
-        throw Error(ErrorCode::InUse, "Could not use '" + m_pager.path().string() +
+        throw Error(ErrorCode::InUse, "Could not use '" + displayName(m_pager.path()) +
                                           "': another program has the database open.");
     }
 }

@@ -1,9 +1,16 @@
 #include "jet/file.h"
 
+#include <algorithm>
 #include <thread>
 
 namespace jet
 {
+
+std::string displayName(const std::filesystem::path &path)
+{
+    const std::u8string name = path.u8string();
+    return {name.begin(), name.end()};
+}
 
 bool LockFile::lock(Part part, Mode mode, std::chrono::milliseconds timeout)
 {

@@ -1,0 +1,313 @@
+#include "jet/lock_ranges.h"
+
+#ifndef NOMINMAX
+#define NOMINMAX
+#endif
+#include <windows.h>
+
+#include <map>
+#include <system_error>
+#include <utility>
+
+namespace jet
+{
+namespace
+{
+
+std::string messageOf(DWORD number)
+{
+    return std::system_category().message(static_cast<int>(number));
+}
+
+[[noreturn]] void throwSystemError(const std::string &what, DWORD number)
+{
+    const bool full = number == ERROR_DISK_FULL || number == ERROR_HANDLE_DISK_FULL;
+    throw Error(full ? ErrorCode::DiskFull : ErrorCode::DiskError, what + ": " + messageOf(number));
+}
+
+[[noreturn]] void throwCannotOpen(const std::filesystem::path &path, DWORD number)
+{
+    const std::string name = "'" + displayName(path) + "'";
+    switch (number) {
+    case ERROR_FILE_NOT_FOUND:
+    case ERROR_PATH_NOT_FOUND:
+        throw Error(ErrorCode::FileNotFound, "Could not find file " + name + ".");
+    case ERROR_SHARING_VIOLATION:
+    case ERROR_LOCK_VIOLATION:
+        throw Error(ErrorCode::InUse,
+                    "Could not use " + name + ": another program has it open exclusively.");
+    case ERROR_ACCESS_DENIED:
+    case ERROR_WRITE_PROTECT:
+        throw Error(ErrorCode::ReadOnly, "Cannot open file " + name + ": " + messageOf(number));
+    default:
+        throwSystemError("Opening " + name + " failed", number);
+    }
+}
+
+/// Owns a file handle.
+class Handle
+{
+public:
+    explicit Handle(HANDLE handle) : m_handle(handle) {}
+    Handle(Handle &&other) noexcept : m_handle(std::exchange(other.m_handle, INVALID_HANDLE_VALUE))
+    {
+    }
+    Handle &operator=(Handle &&other) noexcept
+    {
+        std::swap(m_handle, other.m_handle);
+        return *this;
+    }
+    ~Handle() { close(); }
+
+    void close()
+    {
+        if (isOpen())
+            CloseHandle(std::exchange(m_handle, INVALID_HANDLE_VALUE));
+    }
+    HANDLE get() const { return m_handle; }
+    bool isOpen() const { return m_handle != INVALID_HANDLE_VALUE; }
+
+private:
+    HANDLE m_handle;
+};
+
+Handle openHandle(const std::filesystem::path &path, FileSystem::Access access)
+{
+    const DWORD rights =
+        access == FileSystem::Access::Read ? GENERIC_READ : GENERIC_READ | GENERIC_WRITE;
+    const DWORD creation = access == FileSystem::Access::Create ? OPEN_ALWAYS : OPEN_EXISTING;
+    return Handle(CreateFileW(path.c_str(), rights, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                              creation, FILE_ATTRIBUTE_NORMAL, nullptr));
+}
+
+OVERLAPPED at(std::uint64_t offset)
+{
+    OVERLAPPED place{};
+    place.Offset = static_cast<DWORD>(offset);
+    place.OffsetHigh = static_cast<DWORD>(offset >> 32);
+    return place;
+}
+
+std::size_t readAt(HANDLE handle, std::uint64_t offset, MutableBytes bytes)
+{
+    std::size_t done = 0;
+    while (done < bytes.size()) {
+        OVERLAPPED place = at(offset + done);
+        DWORD count = 0;
+        if (!ReadFile(handle, bytes.data() + done, static_cast<DWORD>(bytes.size() - done), &count,
+                      &place)) {
+            if (GetLastError() == ERROR_HANDLE_EOF)
+                break;
+            throwSystemError("Reading failed", GetLastError());
+        }
+        if (count == 0)
+            break;
+        done += count;
+    }
+    return done;
+}
+
+void writeAt(HANDLE handle, std::uint64_t offset, ByteView bytes)
+{
+    std::size_t done = 0;
+    while (done < bytes.size()) {
+        OVERLAPPED place = at(offset + done);
+        DWORD count = 0;
+        if (!WriteFile(handle, bytes.data() + done, static_cast<DWORD>(bytes.size() - done), &count,
+                       &place))
+            throwSystemError("Writing failed", GetLastError());
+        done += count;
+    }
+}
+
+class WindowsFile final : public File
+{
+public:
+    explicit WindowsFile(Handle handle) : m_handle(std::move(handle)) {}
+
+    std::size_t read(std::uint64_t offset, MutableBytes bytes) override
+    {
+        return readAt(m_handle.get(), offset, bytes);
+    }
+    void write(std::uint64_t offset, ByteView bytes) override
+    {
+        writeAt(m_handle.get(), offset, bytes);
+    }
+    std::uint64_t size() override
+    {
+        LARGE_INTEGER size{};
+        if (!GetFileSizeEx(m_handle.get(), &size))
+            throwSystemError("Asking for the file size failed", GetLastError());
+        return static_cast<std::uint64_t>(size.QuadPart);
+    }
+    void resize(std::uint64_t size) override
+    {
+        LARGE_INTEGER end{};
+        end.QuadPart = static_cast<LONGLONG>(size);
+        if (!SetFilePointerEx(m_handle.get(), end, nullptr, FILE_BEGIN) ||
+            !SetEndOfFile(m_handle.get()))
+            throwSystemError("Changing the file size failed", GetLastError());
+    }
+    void sync() override
+    {
+        if (!FlushFileBuffers(m_handle.get()))
+            throwSystemError("Writing to the disk failed", GetLastError());
+    }
+
+private:
+    Handle m_handle;
+};
+
+class WindowsLockFile final : public LockFile
+{
+public:
+    WindowsLockFile(std::filesystem::path path, Handle handle)
+        : m_path(std::move(path)), m_handle(std::move(handle))
+    {
+    }
+
+    ~WindowsLockFile() override
+    {
+        // Fails, as it should, while anybody else has the file open.
+        m_handle.close();
+        DeleteFileW(m_path.c_str());
+    }
+
+    bool tryLock(Part part, Mode mode) override
+    {
+        const auto held = m_held.find(part);
+        if (held == m_held.end())
+            return acquire(part, mode);
+        if (held->second == mode)
+            return true;
+        if (mode == Mode::Shared) {
+            // A handle may lay a shared lock over its exclusive one; releasing takes that one
+            // first.
+            const bool done = request(part, mode) && release(part);
+            if (done)
+                m_held[part] = mode;
+            return done;
+        }
+        release(part);
+        m_held.erase(part);
+        if (acquire(part, mode))
+            return true;
+        acquire(part, Mode::Shared);
+        return false;
+    }
+    void unlock(Part part) override
+    {
+        if (m_held.erase(part) != 0)
+            release(part);
+    }
+
+    std::uint64_t stamp() override
+    {
+        std::array<std::uint8_t, 8> bytes{};
+        readAt(m_handle.get(), kStampOffset, bytes);
+        return readLittleEndian<std::uint64_t>(bytes, 0);
+    }
+    void setStamp(std::uint64_t stamp) override
+    {
+        std::array<std::uint8_t, 8> bytes{};
+        writeLittleEndian<8>(bytes, 0, stamp);
+        writeAt(m_handle.get(), kStampOffset, bytes);
+    }
+
+private:
+    bool acquire(Part part, Mode mode)
+    {
+        const bool done = request(part, mode);
+        if (done)
+            m_held[part] = mode;
+        return done;
+    }
+    bool request(Part part, Mode mode)
+    {
+        const LockRange range = lockRange(part);
+        OVERLAPPED place = at(range.start);
+        const DWORD flags =
+            LOCKFILE_FAIL_IMMEDIATELY | (mode == Mode::Exclusive ? LOCKFILE_EXCLUSIVE_LOCK : 0);
+        if (LockFileEx(m_handle.get(), flags, 0, range.length, 0, &place))
+            return true;
+        if (GetLastError() != ERROR_LOCK_VIOLATION && GetLastError() != ERROR_IO_PENDING)
+            throwSystemError("Locking failed", GetLastError());
+        return false;
+    }
+    bool release(Part part)
+    {
+        const LockRange range = lockRange(part);
+        OVERLAPPED place = at(range.start);
+        return UnlockFileEx(m_handle.get(), 0, range.length, 0, &place) != 0;
+    }
+
+    std::filesystem::path m_path;
+    Handle m_handle;
+    std::map<Part, Mode> m_held;
+};
+
+/// For readers in a folder where no lock file can stand, such as a read-only medium.
+class NoLockFile final : public LockFile
+{
+public:
+    bool tryLock(Part, Mode) override { return true; }
+    void unlock(Part) override {}
+    std::uint64_t stamp() override { return 0; }
+    void setStamp(std::uint64_t) override {}
+};
+
+class WindowsFileSystem final : public FileSystem
+{
+public:
+    std::unique_ptr<File> open(const std::filesystem::path &path, Access access) override
+    {
+        Handle handle = openHandle(path, access);
+        if (!handle.isOpen())
+            throwCannotOpen(path, GetLastError());
+        return std::make_unique<WindowsFile>(std::move(handle));
+    }
+
+    bool exists(const std::filesystem::path &path) override
+    {
+        return GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES;
+    }
+
+    void remove(const std::filesystem::path &path) override
+    {
+        if (!DeleteFileW(path.c_str()) && GetLastError() != ERROR_FILE_NOT_FOUND)
+            throwSystemError("Removing '" + displayName(path) + "' failed", GetLastError());
+    }
+
+    void replace(const std::filesystem::path &from, const std::filesystem::path &to) override
+    {
+        if (!MoveFileExW(from.c_str(), to.c_str(),
+                         MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH))
+            throwSystemError("Replacing '" + displayName(to) + "' failed", GetLastError());
+    }
+
+    void syncFolder(const std::filesystem::path &) override
+    {
+        // The system writes the names of files through with the files' own metadata.
+    }
+
+    std::unique_ptr<LockFile> openLock(const std::filesystem::path &path, Access access) override
+    {
+        Handle handle = openHandle(path, Access::Create);
+        if (!handle.isOpen() && access == Access::Read && GetLastError() == ERROR_ACCESS_DENIED)
+            handle = openHandle(path, Access::Read);
+        if (handle.isOpen())
+            return std::make_unique<WindowsLockFile>(path, std::move(handle));
+        if (access != Access::Read || GetLastError() == ERROR_SHARING_VIOLATION)
+            throwCannotOpen(path, GetLastError());
+        return std::make_unique<NoLockFile>();
+    }
+};
+
+} // namespace
+
+std::unique_ptr<FileSystem> makeSystemFiles()
+{
+    return std::make_unique<WindowsFileSystem>();
+}
+
+} // namespace jet
