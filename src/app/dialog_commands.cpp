@@ -3,6 +3,7 @@
 #include "acquisition/form_eroare.h"
 #include "app/mdiform1.h"
 #include "app/screen_size.h"
+#include "diagrams/frm_istoric.h"
 #include "dialogs/frm_nume_senzori.h"
 #include "dialogs/frm_opt_diag.h"
 #include "dialogs/frm_titlu_diag.h"
@@ -83,6 +84,16 @@ void DialogCommands::openCalibration()
 {
     auto *dialog = new FormCalibrare(m_station, m_settings, m_operator, screenTwips(), &m_window);
     connect(dialog, &FormCalibrare::closed, this, [this, dialog] { release(dialog); });
+    openLocked(dialog);
+}
+
+void DialogCommands::openHistoryLimits()
+{
+    auto *dialog = new FrmIstoric(
+        m_station, m_settings,
+        [this](QWidget &caller, const QString &message) { arata_eroare(caller, message); },
+        screenTwips(), &m_window);
+    connect(dialog, &FrmIstoric::closed, this, [this, dialog] { release(dialog); });
     openLocked(dialog);
 }
 

@@ -29,6 +29,7 @@ public:
     void openSensorNames(int diagram);
     void openTitle(int diagram);
     void openCalibration();
+    void openHistoryLimits();
     /// Shows a dialog as a locked one; the dialog says when it has closed.
     void openLocked(QDialog *dialog);
     /// Gives back what openLocked() took.

@@ -4,6 +4,7 @@
 #include "platform/clock.h"
 #include "platform/desktop_shell.h"
 #include "platform/message_box_operator.h"
+#include "platform/qt_printers.h"
 
 int main(int argc, char **argv)
 {
@@ -11,10 +12,11 @@ int main(int argc, char **argv)
     SystemClock clock;
     MessageBoxOperator op(texts::applicationTitle());
     DesktopShell shell;
+    QtPrinters printers;
     int exitCode = 0;
     application.guard([&] {
         Program program({QCoreApplication::applicationDirPath(), QLocale::system(), clock, op,
-                         shell, [] { QCoreApplication::exit(0); }});
+                         shell, printers, [] { QCoreApplication::exit(0); }});
         QObject::connect(&application, &StationApplication::failing, &program, &Program::halt);
         program.start();
         exitCode = application.exec();

@@ -1,12 +1,17 @@
 #include "app/program.h"
 #include "acquisition/form2.h"
+#include "app/about_box.h"
 #include "app/texts.h"
+#include "diagrams/diagram_printing.h"
 #include "diagrams/form1.h"
+#include "diagrams/form_ado_chart.h"
+#include "diagrams/image_export.h"
 #include "platform/line_settings.h"
 #include "platform/operator.h"
 #include "platform/qt_serial_line.h"
 #include "platform/runtime_error.h"
 #include "platform/shell.h"
+#include "platform/system_information.h"
 #include "platform/twips.h"
 #include "storage/form_mdb.h"
 
@@ -47,7 +52,7 @@ private:
 Program::Program(Environment environment)
     : m_environment(std::move(environment)), m_settings(m_station, m_environment.op),
       m_storage(m_station, m_environment.op, m_environment.clock),
-      m_diagrams(m_station, m_settings, m_environment.clock),
+      m_diagrams(m_station, m_settings, m_environment.clock), m_history(m_station, m_settings),
       m_window([this] { return closingDialogue(); }),
       m_dialogs(m_station, m_settings, m_environment.op, m_environment.clock, m_window),
       m_scheduler(m_window), m_feed(std::make_unique<Feed>(*this)),
@@ -64,6 +69,7 @@ void Program::start()
     createControlPlc();
     connectCommands();
     connectDialogs();
+    connectPictures();
     m_window.showMaximized();
     showDiagrams();
 }
@@ -135,6 +141,15 @@ void Program::connectDialogs()
     });
 }
 
+void Program::connectPictures()
+{
+    m_window.setCommand(QStringLiteral("DeschidGenerator"), [this] { showGenerator(); });
+    m_window.setCommand(QStringLiteral("MeniuIstoric"), [this] { openHistoryLimits(); });
+    m_window.setCommand(QStringLiteral("SalvareImg"), [this] { saveImages(); });
+    m_window.setCommand(QStringLiteral("PrintDiag"), [this] { print(); });
+    m_window.setCommand(QStringLiteral("DespreProg"), [this] { showAboutBox(); });
+}
+
 void Program::showDiagrams()
 {
     if (!m_form1)
@@ -158,7 +173,7 @@ void Program::createForm1()
     connect(m_form1, &Form1::titleEditRequested, &m_dialogs, &DialogCommands::openTitle);
     connect(m_form1, &Form1::controlCentreRequested, this, &Program::showControlCentre);
     connect(m_form1, &Form1::menusEnabled, this, [this](bool enabled) {
-        for (const char *item : {"MeniuPres", "MeniuPrint", "MeniuTemp"})
+        for (const char *item : {"MeniuPres", "MeniuPrint", "MeniuTemp", "SalvareImg"})
             m_window.setItemEnabled(QString::fromLatin1(item), enabled);
     });
     connect(m_form1, &Form1::closed, this, [this] { m_form1 = nullptr; });
@@ -232,6 +247,58 @@ void Program::archiveStorage()
     m_storage.arhiveaza_baza_date(m_station.NumeFisier[0]);
 }
 
+void Program::showGenerator()
+{
+    if (m_formAdoChart) {
+        m_window.bringUp(m_formAdoChart);
+        return;
+    }
+    m_formAdoChart = new FormAdoChart(m_station, m_history, m_environment.op, m_environment.clock);
+    m_window.addChild(m_formAdoChart);
+    connect(m_formAdoChart, &FormAdoChart::closed, this, [this] { m_formAdoChart = nullptr; });
+    m_window.bringUp(m_formAdoChart);
+    m_formAdoChart->load(m_window.innerSize());
+}
+
+void Program::openHistoryLimits()
+{
+    showGenerator();
+    m_dialogs.openHistoryLimits();
+}
+
+void Program::saveImages()
+{
+    if (!m_form1)
+        return;
+    const DiagramCapture capture = [this](const Diagrama &record) {
+        return m_form1->capture(record);
+    };
+    try {
+        saveDiagramImages(m_station, capture, m_environment.clock, m_environment.shell);
+    } catch (const RuntimeError &error) {
+        // A picture that cannot be saved is no reason to end the monitoring of a load.
+        m_storage.tellFailure(error.number(), error.description());
+    }
+}
+
+void Program::print()
+{
+    if (!m_form1)
+        return;
+    const DiagramCapture capture = [this](const Diagrama &record) {
+        return m_form1->capture(record);
+    };
+    printDiagrams(
+        {m_station, capture, m_environment.printers, m_environment.op, m_environment.clock});
+}
+
+void Program::showAboutBox()
+{
+    auto *box = new AboutBox(texts::applicationTitle(), QStringLiteral(STATION_VERSION),
+                             systemInformationTool(), m_environment.op, &m_window);
+    box->show();
+}
+
 void Program::openArchiveFolder()
 {
     m_environment.shell.open(m_station.archiveFolder(), Shell::Window::Normal);
@@ -252,6 +319,8 @@ void Program::layOut()
         m_form1->aranjare_diagrame(m_window.innerSize());
     if (m_station.FormMdbDeschis)
         m_formMdb->aranjare();
+    if (m_station.historyOpen)
+        m_formAdoChart->followMainWindow(m_window.innerSize());
 }
 
 bool Program::closingDialogue()

@@ -7,6 +7,7 @@
 #include "app/mdiform1.h"
 #include "app/settings/settings.h"
 #include "app/settings/station.h"
+#include "diagrams/history_diagrams.h"
 #include "diagrams/live_diagrams.h"
 #include "platform/scheduler.h"
 #include "platform/window_frame.h"
@@ -20,7 +21,9 @@
 class Form1;
 class Form2;
 class FormMdb;
+class FormAdoChart;
 class Operator;
+class Printers;
 class SerialLine;
 class Shell;
 
@@ -36,6 +39,7 @@ public:
         Clock &clock;
         Operator &op;
         Shell &shell;
+        Printers &printers;
         std::function<void()> endProgram; ///< after the closing dialogue; ends the event loop
     };
 
@@ -70,12 +74,18 @@ private:
     void createControlPlc();
     void connectCommands();
     void connectDialogs();
+    void connectPictures();
     void showDiagrams();
     void createForm1();
     void showDiagramsAtOrigin();
     void showBrowser();
     void closeBrowser();
     void reopenBrowser();
+    void showGenerator();
+    void openHistoryLimits();
+    void saveImages();
+    void print();
+    void showAboutBox();
     void openArchiveFolder();
     void openHelp();
     void layOut();
@@ -86,6 +96,7 @@ private:
     Settings m_settings;
     MeasurementStore m_storage;
     LiveDiagrams m_diagrams;
+    HistoryDiagrams m_history;
     MDIForm1 m_window; // owns the windows, which use all that stands above it
     DialogCommands m_dialogs;
     QtScheduler m_scheduler;
@@ -100,4 +111,5 @@ private:
     QPointer<Form1> m_form1;
     QPointer<Form2> m_form2;
     QPointer<FormMdb> m_formMdb;
+    QPointer<FormAdoChart> m_formAdoChart;
 };

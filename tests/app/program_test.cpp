@@ -5,6 +5,7 @@
 #include "app/program.h"
 #include "chart/chart_grid.h"
 #include "jet/database.h"
+#include "platform/qt_printers.h"
 #include "platform/runtime_error.h"
 #include "platform/shell.h"
 #include "storage/storage_file.h"
@@ -14,6 +15,7 @@
 #include "tools/trm10c_simulator/recorder_simulation.h"
 
 #include <QDialog>
+#include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
 #include <QLabel>
@@ -68,8 +70,8 @@ protected:
 
     void start()
     {
-        program = std::make_unique<Program>(Program::Environment{folder.path(), QLocale::c(), clock,
-                                                                 op, shell, [this] { ++ends; }});
+        program = std::make_unique<Program>(Program::Environment{
+            folder.path(), QLocale::c(), clock, op, shell, printers, [this] { ++ends; }});
         QObject::connect(program.get(), &Program::sampleStored, [this](int id) { lastId = id; });
         program->start();
     }
@@ -113,6 +115,7 @@ protected:
     RecorderSimulation recorder{RecorderSettings{}, clock, scheduler};
     FakeOperator op;
     FakeShell shell;
+    QtPrinters printers;
     std::unique_ptr<Program> program;
     int lastId = 0;
     int ends = 0;
@@ -147,6 +150,7 @@ TEST_F(ProgramTest, WindowsComeAndGoWhileMonitoringGoesOn)
     start();
     press(Qt::Key_F1);
     ASSERT_TRUE(reaches(3));
+    EXPECT_TRUE(item("SalvareImg")->isEnabled());
     child<QWidget>("Form1")->parentWidget()->close();
     EXPECT_FALSE(item("SalvareImg")->isEnabled());
     EXPECT_FALSE(item("MeniuPrint")->isEnabled());
@@ -259,6 +263,35 @@ TEST_F(ProgramTest, ArchiveBehindALockedDialogLeavesItTheFocus)
     EXPECT_FALSE(child<QWidget>("FormMdbFrame")->isEnabled());
     child<QDialog>("FormCalibrare")->close();
     EXPECT_TRUE(child<QWidget>("FormMdbFrame")->isEnabled());
+}
+
+TEST_F(ProgramTest, PicturesAndHistoryOfTheDay)
+{
+    start();
+    press(Qt::Key_F1);
+    ASSERT_TRUE(reaches(5));
+    press(Qt::Key_F2);
+    item("SalvareImg")->trigger();
+    EXPECT_TRUE(QImage(folder.path() + "/img/Diagrama2_07.03.2026_09.05.bmp").width() > 100);
+    EXPECT_EQ(shell.opened, QStringList({folder.path() + "/img/"}));
+    QDir(folder.path() + "/img").removeRecursively();
+    item("SalvareImg")->trigger();
+    EXPECT_EQ(op.told, QStringList({"76 Path not found"}));
+
+    program->archiveStorage();
+    item("MeniuIstoric")->trigger();
+    auto *limits = child<QDialog>("FrmIstoric");
+    ASSERT_TRUE(limits);
+    EXPECT_FALSE(child<QWidget>("FormAdoChartFrame")->isEnabled());
+    limits->close();
+    child<QLineEdit>("Text1")->setText("07.03.2026");
+    QTest::mouseClick(child<QPushButton>("Command1"), Qt::LeftButton);
+    EXPECT_TRUE(child<QLabel>("LabelStare")->text().startsWith("Diagramele la data de "))
+        << child<QLabel>("LabelStare")->text().toStdString();
+    program->window().resize(900, 700);
+    QTest::qWait(0);
+    child<QWidget>("FormAdoChartFrame")->close();
+    EXPECT_FALSE(program->station().historyOpen);
 }
 
 TEST_F(ProgramTest, TitleAndNamesAreShownAtOnce)

@@ -8,6 +8,7 @@
 #include "jet/database.h"
 #include "jet/value_conversion.h"
 #include "platform/operator.h"
+#include "platform/qt_printers.h"
 #include "platform/shell.h"
 #include "storage/storage_file.h"
 #include "storage/tabel.h"
@@ -56,8 +57,9 @@ int takeSamples(StationApplication &application, const QString &folder)
     SystemClock clock;
     PrintingOperator op;
     PrintingShell shell;
+    QtPrinters printers;
     Program program(
-        {folder, QLocale::system(), clock, op, shell, [] { QCoreApplication::exit(0); }});
+        {folder, QLocale::system(), clock, op, shell, printers, [] { QCoreApplication::exit(0); }});
     QObject::connect(&application, &StationApplication::failing, &program, &Program::halt);
 
     int stored = 0;
