@@ -63,9 +63,9 @@ double readWholeTable(const QString &path)
     return rows == kDay ? watch.milliseconds() : -1;
 }
 
-void measureBrowser(Station &station, Operator &op, const QString &path)
+void measureBrowser(Station &station, const QString &path)
 {
-    FormMdb browser(station, op);
+    FormMdb browser(station);
     browser.resize(1200, 700);
     const double opened = untilPainted(browser, [&] {
         browser.show();
@@ -115,7 +115,7 @@ int main(int argc, char **argv)
     PrintingOperator op;
     const SystemClock clock;
     MeasurementStore store(station, op, clock);
-    measureBrowser(station, op, path);
+    measureBrowser(station, path);
     measureArchive(store, station, path);
     return 0;
 }
