@@ -43,6 +43,7 @@ QList<QWidget *> DialogCommands::openForms() const
 void DialogCommands::openLocked(QDialog *dialog)
 {
     dialog->setAttribute(Qt::WA_DeleteOnClose);
+    m_activeBefore = m_window.activeChild();
     dialog->show();
     dialog->activateWindow();
     m_lock.lock(*dialog);
@@ -60,6 +61,8 @@ void DialogCommands::release(QDialog *dialog)
 {
     m_locked = nullptr;
     m_lock.release(*dialog);
+    if (m_activeBefore)
+        m_window.bringUp(m_activeBefore);
 }
 
 void DialogCommands::openModal(QDialog *dialog)

@@ -56,5 +56,6 @@ private:
     MDIForm1 &m_window;
     WindowLock m_lock;
     QPointer<QDialog> m_locked;
+    QPointer<QWidget> m_activeBefore; ///< a disabled window loses its place in front
     QPointer<FormEroare> m_formEroare;
 };

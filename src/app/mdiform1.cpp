@@ -53,6 +53,8 @@ QMdiSubWindow *MDIForm1::addChild(QWidget *child)
 {
     QMdiSubWindow *frame = m_area->addSubWindow(child);
     frame->setObjectName(child->objectName() + QStringLiteral("Frame"));
+    // Left to itself the area puts a window where it overlaps least: below what can be seen.
+    frame->move(0, 0);
     return frame;
 }
 
@@ -68,6 +70,12 @@ void MDIForm1::bringUp(QWidget *child)
     m_area->setActiveSubWindow(qobject_cast<QMdiSubWindow *>(frame));
     if (stillThere)
         child->setFocus();
+}
+
+QWidget *MDIForm1::activeChild() const
+{
+    const QMdiSubWindow *frame = m_area->currentSubWindow();
+    return frame ? frame->widget() : nullptr;
 }
 
 QSize MDIForm1::innerSize() const

@@ -26,6 +26,9 @@ public:
     /// Shows a child window, restored when it was minimised, and gives it the focus.
     void bringUp(QWidget *child);
 
+    /// The child window in front, null when there is none.
+    QWidget *activeChild() const;
+
     /// Size of the area that holds the child windows, in pixels.
     QSize innerSize() const;
 

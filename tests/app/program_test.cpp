@@ -284,6 +284,7 @@ TEST_F(ProgramTest, PicturesAndHistoryOfTheDay)
     ASSERT_TRUE(limits);
     EXPECT_FALSE(child<QWidget>("FormAdoChartFrame")->isEnabled());
     limits->close();
+    EXPECT_EQ(program->window().activeChild(), child<QWidget>("FormAdoChart"));
     child<QLineEdit>("Text1")->setText("07.03.2026");
     QTest::mouseClick(child<QPushButton>("Command1"), Qt::LeftButton);
     EXPECT_TRUE(child<QLabel>("LabelStare")->text().startsWith("Diagramele la data de "))
