@@ -17,10 +17,8 @@ public:
     };
 
     virtual ~PrintJob() = default;
-    /// Printer name, as names() lists it; empty for a job that goes to a file.
-    virtual QString printer() const = 0;
     /// Starts the document, in landscape. This and every function below throws RuntimeError 482
-    /// when the printer fails.
+    /// when the printer fails, or has gone since it was chosen.
     virtual void begin() = 0;
     /// Size of the printable area.
     virtual PageSize page() const = 0;

@@ -33,14 +33,9 @@ public:
         m_painter.end();
     }
 
-    QString printer() const override
-    {
-        return m_printer->outputFormat() == QPrinter::NativeFormat ? m_printer->printerName()
-                                                                   : QString();
-    }
-
     void begin() override
     {
+        check(isThere());
         m_printer->setPageOrientation(QPageLayout::Landscape);
         m_printer->setDocName(QApplication::applicationDisplayName());
         check(m_painter.begin(m_printer.get()));
@@ -75,6 +70,13 @@ public:
     void end() override { check(m_painter.end()); }
 
 private:
+    /// The toolkit would take the default printer for one that has gone.
+    bool isThere() const
+    {
+        return m_printer->outputFormat() != QPrinter::NativeFormat ||
+               QPrinterInfo::availablePrinterNames().contains(m_printer->printerName());
+    }
+
     void check(bool done) const
     {
         const QPrinter::PrinterState state = m_printer->printerState();

@@ -74,7 +74,7 @@ MeasurementStore::attempt(const std::function<void()> &action)
 
 void MeasurementStore::tellFailure(int number, const QString &description)
 {
-    m_operator.tell(texts::numberedError(number, description));
+    m_operator.tell(numberedError(number, description));
 }
 
 void MeasurementStore::adauga_inregistrare(const QString &nume)

@@ -31,9 +31,4 @@ inline QString refresh()
 {
     return QStringLiteral("Refresh");
 }
-/// An unexpected failure of a database or a file: number, one blank, description.
-inline QString numberedError(int number, const QString &description)
-{
-    return QStringLiteral("%1 %2").arg(number).arg(description);
-}
 } // namespace texts

@@ -105,13 +105,6 @@ TEST_F(FormAdoChartTest, DrawsTheTypedDayAndSaysWhich)
     EXPECT_EQ(control<QLabel>(*form, "LabelDate").text(), "T4 = 40,6\r\n2026-03-07 00:01:00");
 }
 
-TEST_F(FormAdoChartTest, WhatIsNoDateDoesNothing)
-{
-    generate("31.02.2026");
-    EXPECT_EQ(status(), "Diagrame negenerate");
-    EXPECT_TRUE(op.told.isEmpty());
-}
-
 TEST_F(FormAdoChartTest, FailureIsToldWhenTheWindowIsClearedAlready)
 {
     writeDay(400);

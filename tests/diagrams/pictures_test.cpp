@@ -109,7 +109,6 @@ public:
         if (!m_ended)
             m_log += QStringLiteral("abandoned");
     }
-    QString printer() const override { return QStringLiteral("Laser"); }
     void begin() override { step(QStringLiteral("begin")); }
     PageSize page() const override { return {15000, 9000}; }
     void drawPicture(const QImage &picture, double left, double top, PageSize size) override

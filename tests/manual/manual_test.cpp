@@ -1,7 +1,6 @@
 #include "tools/make_manual/rtf_document.h"
 
 #include <QBuffer>
-#include <QFile>
 #include <QImage>
 #include <gtest/gtest.h>
 #include <stdexcept>
@@ -64,19 +63,4 @@ TEST(Manual, EveryBlockFindsItsForm)
     }
     EXPECT_EQ(depth, 0);
     EXPECT_THROW(rtf(QStringLiteral("![Lipsa](nu.png)")), std::runtime_error);
-}
-
-TEST(Manual, ExplainsEveryMessage)
-{
-    QFile file(QStringLiteral(MANUAL_SOURCE));
-    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-    const QString manual = QString::fromUtf8(file.readAll());
-    for (const char *message :
-         {"Eroare de comunicare ! Verificati setarile aparatului si conexiunile.",
-          "Fisierul de stocare nu exista !!", "S-a reparat baza de date", "O aplicatie externa",
-          "e goala!", "Doriti sa salvati arhivele acum?", "Eroare in /config/config.ini",
-          "Verificati corectitudinea campurilor.", "Verificati corectitudinea campurilor!",
-          "Verificati corectitudinea campurilor`", "Diagrame negenerate",
-          "Nu am reusit sa detectez imprimante in sistem!", "Run-time error"})
-        EXPECT_TRUE(manual.contains(QString::fromUtf8(message))) << message;
 }

@@ -19,7 +19,7 @@ constexpr int kTwipsPerPixel = 15;
 constexpr int kIndent = 360;
 
 // Characters, as column widths go.
-constexpr int kNarrowColumn = 10;
+constexpr int kNarrowColumn = 15;
 constexpr int kWideColumn = 60;
 
 QByteArray escaped(const QString &text)
@@ -145,7 +145,7 @@ private:
                                            QByteArray::number(number) + ". " + escaped(block.text) +
                                            "}}");
         }
-        return rtf;
+        return rtf + paragraph("\\fs12", {});
     }
 
     QByteArray chapter(const Block &block)
