@@ -48,7 +48,9 @@ void WindowLock::activeaza_ferestre(const QWidget &dialog, bool enable)
         for (QMdiSubWindow *frame : area->subWindowList())
             if (frame->widget() != &dialog)
                 frame->setEnabled(enable);
+    // A window that is not open, like the error window between two errors, is nobody's to disable.
     for (QWidget *window : QApplication::topLevelWidgets())
-        if (window != &m_window && window != &dialog && window->windowType() != Qt::Popup)
+        if (window != &m_window && window != &dialog && window->windowType() != Qt::Popup &&
+            (enable || window->isVisible()))
             window->setEnabled(enable);
 }

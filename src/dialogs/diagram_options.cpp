@@ -126,8 +126,10 @@ void DiagramOptions::saveDefaults(const QString &tab, OptionTexts &texts)
 void DiagramOptions::restoreDefaults(const QString &tab, OptionTexts &texts)
 {
     const int last = m_settings.chei_tab(record().name, tab, Settings::Mode::Citeste);
-    if (!m_settings.citeste_config(m_station.Chei, last))
+    if (!m_settings.citeste_config(m_station.Chei, last)) {
+        afiseaza_tab(tab, texts);
         return;
+    }
     const QStringList &Valori = m_station.Valori;
     if (tab == texts::tabGraphLimits()) {
         record().limita_minima = leadingNumber(Valori.at(0));

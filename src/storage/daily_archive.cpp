@@ -8,8 +8,6 @@
 #include "storage/tabel.h"
 #include "storage/texts.h"
 
-#include <QFileInfo>
-
 void MeasurementStore::arhiveaza_baza_date(const QString &nume)
 {
     const bool browserWasOpen = m_station.FormMdbDeschis;
@@ -33,7 +31,7 @@ void MeasurementStore::arhiveaza_baza_date(const QString &nume)
 void MeasurementStore::archiveAndEmpty(const QString &nume, const QString &archive) const
 {
     const QString storage = m_station.storagePath(nume);
-    if (!QFileInfo::exists(storage))
+    if (!isStorageFile(nume))
         throw RuntimeError(RuntimeError::FileNotFound);
     // Opening finishes what a stopped program left undone, and the transaction keeps others from
     // writing between the copy and the emptying. A file that cannot be opened is copied all the

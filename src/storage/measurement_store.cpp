@@ -54,6 +54,12 @@ MeasurementStore::MeasurementStore(Station &station, Operator &op, const Clock &
 {
 }
 
+bool MeasurementStore::isStorageFile(const QString &nume) const
+{
+    const QFileInfo file(m_station.storagePath(nume));
+    return file.fileName() == nume && file.isFile();
+}
+
 jet::Database MeasurementStore::openStorage(const QString &nume) const
 {
     return jet::Database::open(nativePath(m_station.storagePath(nume)), m_options);
@@ -79,7 +85,7 @@ void MeasurementStore::tellFailure(int number, const QString &description)
 
 void MeasurementStore::adauga_inregistrare(const QString &nume)
 {
-    if (nume.isEmpty() || !QFileInfo(m_station.storagePath(nume)).isFile()) {
+    if (!isStorageFile(nume)) {
         m_operator.tell(texts::storageFileMissing(), Operator::Icon::Critical);
         m_station.monitorActive = false;
         emit monitorStopped();

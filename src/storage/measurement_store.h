@@ -68,6 +68,8 @@ private:
     };
 
     static std::optional<Failure> attempt(const std::function<void()> &action);
+    /// Whether there is such a file in the storage folder; a name with a path in it is none.
+    bool isStorageFile(const QString &nume) const;
     jet::Database openStorage(const QString &nume) const;
     int appendRecord(const QString &nume);
     void retryWhileLocked(const QString &nume, const std::function<void()> &step,

@@ -237,6 +237,16 @@ TEST_F(ProgramTest, LockedDialogDisablesTheRestWhileMonitoringGoesOn)
     QTest::mouseClick(error->findChild<QPushButton *>("OKButton"), Qt::LeftButton);
     EXPECT_TRUE(dialog->isEnabled());
 
+    dialog->close(); // the error window stays; it must work for the next dialog too
+    item("AlarmPresGraf")->trigger();
+    QTest::qWait(0);
+    dialog = child<QDialog>("frmOptDiag2");
+    dialog->findChild<QLineEdit *>("AlarmSupText")->setText("mult");
+    QTest::mouseClick(dialog->findChild<QPushButton *>("cmdApply"), Qt::LeftButton);
+    EXPECT_TRUE(error->isVisible() && error->isEnabled());
+    QTest::mouseClick(error->findChild<QPushButton *>("OKButton"), Qt::LeftButton);
+    EXPECT_TRUE(dialog->isEnabled());
+
     dialog->findChild<QLineEdit *>("AlarmSupText")->setText("20,5");
     QTest::mouseClick(dialog->findChild<QPushButton *>("cmdApply"), Qt::LeftButton);
     EXPECT_EQ(program->station().Diagrame[1].chart->columnData(5)[59], 20.5);

@@ -133,14 +133,15 @@ TEST_F(StorageTest, TableOfAnotherDesignTakesWhatItHasColumnsFor)
 TEST_F(StorageTest, MissingFileStopsMonitoring)
 {
     QSignalSpy stopped(&store, &MeasurementStore::monitorStopped);
-    for (const QString &name : {QStringLiteral("nothing.mdb"), QString(), QStringLiteral(".")}) {
+    for (const QString &name : {QStringLiteral("nothing.mdb"), QString(), QStringLiteral("."),
+                                QStringLiteral("../mdb/autoclava1.mdb")}) {
         station.monitorActive = true;
         store.adauga_inregistrare(name);
         EXPECT_FALSE(station.monitorActive);
         EXPECT_EQ(op.told.takeLast(), "Fisierul de stocare nu exista !!");
         EXPECT_EQ(op.lastIcon, Operator::Icon::Critical);
     }
-    EXPECT_EQ(stopped.size(), 3);
+    EXPECT_EQ(stopped.size(), 4);
 }
 
 TEST_F(StorageTest, UnusableFileIsToldByNumberAndMonitoringGoesOn)

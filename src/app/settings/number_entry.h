@@ -11,5 +11,5 @@ struct NumberEntry {
 
 /// Takes over what was typed on a tab of plain numbers. When every text is numeric ("." and ","
 /// both count), commas become points in the texts, the settings get the numbers, and it returns
-/// true. Otherwise nothing changes. Throws RuntimeError 6 for a number beyond what a double holds.
+/// true. Otherwise nothing changes.
 bool takeNumbers(std::initializer_list<NumberEntry> entries);
