@@ -294,9 +294,11 @@ void Program::print()
 
 void Program::showAboutBox()
 {
-    auto *box = new AboutBox(texts::applicationTitle(), QStringLiteral(STATION_VERSION),
-                             systemInformationTool(), m_environment.op, &m_window);
-    box->show();
+    if (!m_aboutBox)
+        m_aboutBox = new AboutBox(texts::applicationTitle(), QStringLiteral(STATION_VERSION),
+                                  systemInformationTool(), m_environment.op, &m_window);
+    m_aboutBox->show();
+    m_aboutBox->activateWindow();
 }
 
 void Program::openArchiveFolder()

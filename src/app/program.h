@@ -21,6 +21,7 @@
 class Form1;
 class Form2;
 class FormMdb;
+class AboutBox;
 class FormAdoChart;
 class Operator;
 class Printers;
@@ -112,4 +113,5 @@ private:
     QPointer<Form2> m_form2;
     QPointer<FormMdb> m_formMdb;
     QPointer<FormAdoChart> m_formAdoChart;
+    QPointer<AboutBox> m_aboutBox;
 };

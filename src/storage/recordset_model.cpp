@@ -141,7 +141,9 @@ bool RecordsetModel::isAlarm(const jet::Row &row) const
             continue;
         if (const auto *flag = std::get_if<bool>(&row[i]))
             return *flag;
-        return !jet::isNull(row[i]);
+        // A column designed elsewhere may hold a default such as "No" where there is no alarm.
+        const auto *mark = std::get_if<jet::Text>(&row[i]);
+        return mark && *mark == tabel::kYes;
     }
     return false;
 }
