@@ -34,7 +34,7 @@ struct Station {
     bool historyOpen = false;    ///< the history generator is loaded
     /// Widths of the two history charts since the last day was drawn, twips; 0: none was.
     std::array<double, 2> historyWidths{};
-    qint16 currentRow = 1;       ///< chart row that the next sample writes
+    qint16 currentRow = 1; ///< chart row that the next sample writes
 
     /// Throws RuntimeError 9 when there is no such diagram.
     Diagrama &diagramAt(std::size_t index)
