@@ -8,10 +8,10 @@
 #include "diagrams/image_export.h"
 #include "platform/line_settings.h"
 #include "platform/operator.h"
-#include "platform/qt_serial_line.h"
 #include "platform/runtime_error.h"
 #include "platform/shell.h"
 #include "platform/system_information.h"
+#include "platform/system_serial_line.h"
 #include "platform/twips.h"
 #include "storage/form_mdb.h"
 
@@ -89,7 +89,7 @@ void Program::createControlPlc()
         line.port = *port;
     if (const auto text = m_settings.optionalValue(QStringLiteral("ControlPlc.Settings =")))
         parseLineSettings(*text, line);
-    m_controlPlc = std::make_unique<QtSerialLine>(line, &m_window);
+    m_controlPlc = makeSerialLine(line, &m_window);
     m_exchange =
         std::make_unique<Exchange>(m_station, *m_controlPlc, m_scheduler, m_environment.op);
     m_cycle = std::make_unique<MonitoringCycle>(m_station, *m_exchange, *m_feed, *m_store,

@@ -1,0 +1,39 @@
+#pragma once
+
+#include "platform/line_settings.h"
+#include "platform/serial_line.h"
+
+#include <QTimer>
+#include <memory>
+
+/// The real line on Windows, through the system's own calls: Qt's serial module is not among the
+/// libraries the Windows program is built with. While it is open it looks every 10 ms for what has
+/// arrived. It is named "ControlPlc".
+class WinSerialLine final : public SerialLine
+{
+    Q_OBJECT
+public:
+    /// Throws RuntimeError 8002 for a port number below 1.
+    explicit WinSerialLine(const LineSettings &settings, QObject *parent = nullptr);
+    ~WinSerialLine() override;
+
+    bool isOpen() const override;
+    void open() override;
+    void close() override;
+    void write(const QByteArray &bytes) override;
+    qint64 bytesAvailable() const override;
+    QByteArray readAll() override;
+    void discardInput() override;
+
+private:
+    class Port;
+
+    void collect();
+    void lose();
+
+    LineSettings m_settings;
+    QString m_portName;
+    std::unique_ptr<Port> m_port; ///< null when the line is closed
+    QByteArray m_received;
+    QTimer m_look;
+};
