@@ -1,6 +1,6 @@
 #include "jet/compact.h"
 
-#include "jet/file.h"
+#include "jet/draft.h"
 #include "jet/header_page.h"
 #include "jet/new_database.h"
 #include "jet/session.h"
@@ -41,18 +41,19 @@ void copyTable(Session &source, const Catalog::Entry &entry, Session &target, Da
 }
 
 /// The result keeps others out of the old file, which is closed by then.
-std::unique_ptr<LockFile> copyDatabase(const std::filesystem::path &path,
+std::unique_ptr<LockFile> copyDatabase(const std::shared_ptr<FileSystem> &files,
+                                       const std::filesystem::path &path,
                                        const std::filesystem::path &draft, DateTime now)
 {
-    Session source(makeSystemFiles(), path, {});
+    Session source(files, path, {});
     source.lockForReplacing();
     {
         const Pager::ReadScope scope(source.pager());
         source.catalog().refuseOtherObjects();
-        makeNewDatabase(draft, now);
+        makeNewDatabase(draft, now, files);
         OpenOptions options;
         options.durability = Durability::Unsynced; // synced once, as a whole
-        Session target(makeSystemFiles(), draft, options);
+        Session target(files, draft, options);
         for (const Catalog::Entry &entry : source.catalog().tables()) {
             if (!entry.isSystem)
                 copyTable(source, entry, target, now);
@@ -63,21 +64,12 @@ std::unique_ptr<LockFile> copyDatabase(const std::filesystem::path &path,
 
 } // namespace
 
-void compactDatabase(const std::filesystem::path &path, DateTime now)
+void compactDatabase(const std::filesystem::path &path, DateTime now,
+                     const std::shared_ptr<FileSystem> &files)
 {
-    const auto files = makeSystemFiles();
-    std::filesystem::path draft = path;
-    draft += ".compact";
-    files->remove(draft);
-    try {
-        const std::unique_ptr<LockFile> lock = copyDatabase(path, draft, now);
-        files->open(draft, FileSystem::Access::Write)->sync();
-        files->replace(draft, path);
-        files->syncFolder(path.parent_path());
-    } catch (...) {
-        files->remove(draft);
-        throw;
-    }
+    Draft draft(*files, path, ".compact");
+    const std::unique_ptr<LockFile> lock = copyDatabase(files, path, draft.path(), now);
+    draft.putInPlace();
 }
 
 } // namespace jet

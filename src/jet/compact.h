@@ -1,5 +1,6 @@
 #pragma once
 
+#include "jet/file.h"
 #include "jet/value.h"
 
 #include <filesystem>
@@ -11,6 +12,8 @@ namespace jet
 /// the old one in one step. Nobody else may have the file open. Relationships, queries and other
 /// objects of the database program are not carried over, so a file that has any is refused with
 /// Error(NotSupported). Throws Error(InUse), Error(DiskFull); the old file then is as it was.
-void compactDatabase(const std::filesystem::path &path, DateTime now);
+/// `files` are others than the system's only in tests.
+void compactDatabase(const std::filesystem::path &path, DateTime now,
+                     const std::shared_ptr<FileSystem> &files = makeSystemFiles());
 
 } // namespace jet

@@ -34,7 +34,7 @@ Database Database::open(const std::filesystem::path &path, const OpenOptions &op
 }
 
 Database Database::open(const std::filesystem::path &path, const OpenOptions &options,
-                        std::unique_ptr<FileSystem> files)
+                        std::shared_ptr<FileSystem> files)
 {
     return Database(std::make_shared<Session>(std::move(files), path, options));
 }
@@ -42,7 +42,7 @@ Database Database::open(const std::filesystem::path &path, const OpenOptions &op
 Database Database::create(const std::filesystem::path &path, DateTime now,
                           const OpenOptions &options)
 {
-    makeNewDatabase(path, now);
+    makeNewDatabase(path, now, makeSystemFiles());
     return open(path, options);
 }
 

@@ -31,7 +31,7 @@ public:
     static Database open(const std::filesystem::path &path, const OpenOptions &options = {});
     /// The same on other files than the system's, for tests.
     static Database open(const std::filesystem::path &path, const OpenOptions &options,
-                         std::unique_ptr<FileSystem> files);
+                         std::shared_ptr<FileSystem> files);
 
     /// Makes an empty database and opens it; `now` is noted as the date of its system tables. The
     /// file appears complete or not at all. Throws Error(FileExists).

@@ -1,5 +1,7 @@
 #include "jet/file.h"
 
+#include "jet/error.h"
+
 #include <algorithm>
 #include <thread>
 
@@ -10,6 +12,16 @@ std::string displayName(const std::filesystem::path &path)
 {
     const std::u8string name = path.u8string();
     return {name.begin(), name.end()};
+}
+
+void throwFileNotFound(const std::filesystem::path &path)
+{
+    throw Error(ErrorCode::FileNotFound, "Could not find file '" + displayName(path) + "'.");
+}
+
+std::filesystem::path lockPath(std::filesystem::path database)
+{
+    return database.replace_extension(".ldb");
 }
 
 bool LockFile::lock(Part part, Mode mode, std::chrono::milliseconds timeout)

@@ -17,6 +17,8 @@ namespace jet
 /// A path as messages show it, UTF-8.
 std::string displayName(const std::filesystem::path &path);
 
+[[noreturn]] void throwFileNotFound(const std::filesystem::path &path);
+
 /// An open file. Every failure throws Error: DiskFull when there is no room, else DiskError.
 class File
 {
@@ -86,6 +88,19 @@ public:
     /// Never null. With Access::Read on a folder where no file can be made the locks are dummies.
     virtual std::unique_ptr<LockFile> openLock(const std::filesystem::path &path,
                                                Access access) = 0;
+};
+
+/// Where the lock file of a database stands.
+std::filesystem::path lockPath(std::filesystem::path database);
+
+/// For readers in a folder where no lock file can stand, such as a read-only medium.
+class NoLockFile final : public LockFile
+{
+public:
+    bool tryLock(Part, Mode) override { return true; }
+    void unlock(Part) override {}
+    std::uint64_t stamp() override { return 0; }
+    void setStamp(std::uint64_t) override {}
 };
 
 /// The files of the system the program runs on.

@@ -204,16 +204,6 @@ private:
     Descriptor m_descriptor;
 };
 
-/// For readers in a folder where no lock file can stand, such as a read-only medium.
-class NoLockFile final : public LockFile
-{
-public:
-    bool tryLock(Part, Mode) override { return true; }
-    void unlock(Part) override {}
-    std::uint64_t stamp() override { return 0; }
-    void setStamp(std::uint64_t) override {}
-};
-
 class PosixFileSystem final : public FileSystem
 {
 public:
@@ -272,8 +262,7 @@ private:
     [[noreturn]] static void throwCannotOpen(const std::filesystem::path &path, int number)
     {
         if (number == ENOENT || number == ENOTDIR)
-            throw Error(ErrorCode::FileNotFound,
-                        "Could not find file '" + displayName(path) + "'.");
+            throwFileNotFound(path);
         if (number == EACCES || number == EPERM || number == EROFS || number == EISDIR ||
             number == ETXTBSY)
             throw Error(ErrorCode::ReadOnly, "Cannot open file '" + displayName(path) +

@@ -31,7 +31,7 @@ std::string messageOf(DWORD number)
     switch (number) {
     case ERROR_FILE_NOT_FOUND:
     case ERROR_PATH_NOT_FOUND:
-        throw Error(ErrorCode::FileNotFound, "Could not find file " + name + ".");
+        throwFileNotFound(path);
     case ERROR_SHARING_VIOLATION:
     case ERROR_LOCK_VIOLATION:
         throw Error(ErrorCode::InUse,
@@ -244,16 +244,6 @@ private:
     std::filesystem::path m_path;
     Handle m_handle;
     std::map<Part, Mode> m_held;
-};
-
-/// For readers in a folder where no lock file can stand, such as a read-only medium.
-class NoLockFile final : public LockFile
-{
-public:
-    bool tryLock(Part, Mode) override { return true; }
-    void unlock(Part) override {}
-    std::uint64_t stamp() override { return 0; }
-    void setStamp(std::uint64_t) override {}
 };
 
 class WindowsFileSystem final : public FileSystem

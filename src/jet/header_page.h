@@ -1,6 +1,6 @@
 #pragma once
 
-#include "jet/bytes.h"
+#include "jet/page.h"
 
 #include <cstdint>
 
@@ -13,8 +13,6 @@ namespace jet
 //   0x3E u32 encoding key, 0 | 0x42 40 bytes password | 0x6A u32 build | 0x6E u16 sort order |
 //   0x71 u8 sort version | 0x72 f64 creation date | 0x98 "4.0" | 0xE00 256 commit pairs
 
-inline constexpr PageNo kHeaderPage = 0;
-inline constexpr PageNo kGlobalMapPage = 1;
 inline constexpr PageNo kObjectsDefinitionPage = 2; ///< definition of MSysObjects
 /// The header, the global map and the four system tables: never given away.
 inline constexpr PageNo kFirstAllocatablePage = 6;

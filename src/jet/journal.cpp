@@ -9,8 +9,9 @@ namespace jet
 namespace
 {
 
-constexpr std::array<std::uint8_t, 8> kMagic{'J', 'E', 'T', 'J', 'R', 'N', '1', 0};
-constexpr std::size_t kHeaderSize = 40;
+constexpr std::array<std::uint8_t, 8> kMagic{'J', 'E', 'T', 'J', 'R', 'N', '2', 0};
+constexpr std::size_t kHeaderSize = 24;
+constexpr std::size_t kWitnessSize = 16;
 constexpr std::size_t kSectors = kPageSize / kSectorSize;
 constexpr std::size_t kRecordHeaderSize = 8 + 8 * kSectors;
 constexpr std::size_t kRecordSize = kRecordHeaderSize + kPageSize;
@@ -36,6 +37,11 @@ void appendRecord(Bytes &bytes, const PageChange &change)
 
 } // namespace
 
+std::filesystem::path journalPath(std::filesystem::path database)
+{
+    return database.replace_extension(".jrn");
+}
+
 std::uint64_t hashBytes(ByteView bytes, std::uint64_t seed)
 {
     constexpr std::uint64_t kPrime = 0x100000001B3;
@@ -50,16 +56,19 @@ std::uint64_t hashBytes(ByteView bytes, std::uint64_t seed)
     return hash ^ (hash >> 32);
 }
 
-void Journal::write(File &file, PageNo pagesBefore, PageNo pagesAfter, PageBytes header,
-                    PageBytes globalMap, std::span<const PageChange> changes)
+void Journal::write(File &file, PageNo pagesBefore, PageNo pagesAfter,
+                    std::span<const PageWitness> witnesses, std::span<const PageChange> changes)
 {
     Bytes bytes(kMagic.begin(), kMagic.end());
     appendLittleEndian<4>(bytes, pagesBefore);
     appendLittleEndian<4>(bytes, pagesAfter);
+    appendLittleEndian<4>(bytes, witnesses.size());
     appendLittleEndian<4>(bytes, changes.size());
-    appendLittleEndian<4>(bytes, 0);
-    appendLittleEndian<8>(bytes, hashBytes(header));
-    appendLittleEndian<8>(bytes, hashBytes(globalMap));
+    for (const PageWitness &witness : witnesses) {
+        appendLittleEndian<4>(bytes, witness.page);
+        appendLittleEndian<4>(bytes, 0);
+        appendLittleEndian<8>(bytes, witness.hash);
+    }
 
     std::uint64_t hash = hashBytes(bytes);
     std::uint64_t offset = 0;
@@ -86,30 +95,25 @@ std::optional<Journal> Journal::read(File &file)
     Journal journal;
     journal.m_pagesBefore = readU32(header, 8);
     journal.m_pagesAfter = readU32(header, 12);
-    const std::uint32_t records = readU32(header, 16);
-    journal.m_headerHash = readLittleEndian<std::uint64_t>(header, 24);
-    journal.m_globalMapHash = readLittleEndian<std::uint64_t>(header, 32);
+    const std::uint32_t witnesses = readU32(header, 16);
+    const std::uint32_t records = readU32(header, 20);
+    const std::uint64_t recordsStart = kHeaderSize + std::uint64_t{witnesses} * kWitnessSize;
+    const std::uint64_t end = recordsStart + std::uint64_t{records} * kRecordSize;
     // Also bounds the memory that a damaged count could ask for.
-    const std::uint64_t end = kHeaderSize + std::uint64_t{records} * kRecordSize;
     if (file.size() < end + kHashSize)
         return std::nullopt;
 
-    std::uint64_t hash = hashBytes(header);
+    Bytes head(recordsStart);
+    if (file.read(0, head) != head.size())
+        return std::nullopt;
+    journal.readWitnesses(ByteView(head).subspan(kHeaderSize));
+    std::uint64_t hash = hashBytes(head);
     std::array<std::uint8_t, kRecordSize> record{};
     for (std::uint32_t i = 0; i < records; ++i) {
-        if (file.read(kHeaderSize + std::uint64_t{i} * kRecordSize, record) != record.size())
+        if (file.read(recordsStart + std::uint64_t{i} * kRecordSize, record) != record.size() ||
+            !journal.readRecord(record))
             return std::nullopt;
         hash = hashBytes(record, hash);
-        const PageNo page = readU32(record, 0);
-        if (page >= journal.m_pagesAfter)
-            return std::nullopt;
-        OldPage old;
-        for (std::size_t sector = 0; sector < kSectors; ++sector)
-            old.sectorHashes[sector] = readLittleEndian<std::uint64_t>(record, 8 + 8 * sector);
-        auto content = std::make_shared<PageBuffer>();
-        std::memcpy(content->data(), record.data() + kRecordHeaderSize, kPageSize);
-        journal.m_oldPages.emplace(page, old);
-        journal.m_pages.emplace(page, std::move(content));
     }
     std::array<std::uint8_t, kHashSize> trailer{};
     if (file.read(end, trailer) != trailer.size() ||
@@ -118,38 +122,68 @@ std::optional<Journal> Journal::read(File &file)
     return journal;
 }
 
-bool Journal::sectorsFit(PageNo page, PageBytes found) const
+void Journal::readWitnesses(ByteView bytes)
 {
-    const auto after = m_pages.find(page);
-    const auto old = m_oldPages.find(page);
-    for (std::size_t sector = 0; sector < kSectors; ++sector) {
-        const ByteView bytes = sectorOf(found, sector);
-        const ByteView wanted = sectorOf(*after->second, sector);
-        if (!std::ranges::equal(bytes, wanted) &&
-            hashBytes(bytes) != old->second.sectorHashes[sector])
-            return false;
-    }
+    for (std::size_t at = 0; at < bytes.size(); at += kWitnessSize)
+        m_witnesses.push_back({readU32(bytes, at), readLittleEndian<std::uint64_t>(bytes, at + 8)});
+}
+
+/// False for a page that the database would not have.
+bool Journal::readRecord(ByteView bytes)
+{
+    const PageNo page = readU32(bytes, 0);
+    if (page >= m_pagesAfter)
+        return false;
+    OldPage old;
+    for (std::size_t sector = 0; sector < kSectors; ++sector)
+        old.sectorHashes[sector] = readLittleEndian<std::uint64_t>(bytes, 8 + 8 * sector);
+    auto content = std::make_shared<PageBuffer>();
+    std::memcpy(content->data(), bytes.data() + kRecordHeaderSize, kPageSize);
+    m_oldPages.emplace(page, old);
+    m_pages.emplace(page, std::move(content));
     return true;
 }
 
-bool Journal::fits(File &database) const
+Journal::State Journal::stateOf(PageNo page, PageBytes found) const
+{
+    const PageBuffer &after = *m_pages.at(page);
+    const OldPage &old = m_oldPages.at(page);
+    State state = State::Old;
+    for (std::size_t sector = 0; sector < kSectors; ++sector) {
+        const ByteView bytes = sectorOf(found, sector);
+        if (hashBytes(bytes) == old.sectorHashes[sector])
+            continue;
+        if (!std::ranges::equal(bytes, sectorOf(after, sector)))
+            return State::Foreign;
+        state = State::Begun;
+    }
+    return state;
+}
+
+bool Journal::mustBeFinished(File &database) const
 {
     const std::uint64_t size = database.size();
     if (size < fileOffset(m_pagesBefore) || size > fileOffset(m_pagesAfter))
         return false;
     PageBuffer found{};
-    const auto hashOf = [&](PageNo page) {
-        return database.read(fileOffset(page), found) == found.size() ? hashBytes(found) : 0;
+    const auto load = [&](PageNo page) {
+        return database.read(fileOffset(page), found) == found.size();
     };
-    if (!m_pages.contains(0) && hashOf(0) != m_headerHash)
+    const auto isAsItWas = [&](const PageWitness &witness) {
+        return load(witness.page) && hashBytes(found) == witness.hash;
+    };
+    if (!std::ranges::all_of(m_witnesses, isAsItWas))
         return false;
-    if (!m_pages.contains(1) && hashOf(1) != m_globalMapHash)
-        return false;
-    return std::ranges::all_of(m_pages, [&](const auto &entry) {
-        const PageNo page = entry.first;
-        return page >= m_pagesBefore ||
-               (database.read(fileOffset(page), found) == found.size() && sectorsFit(page, found));
-    });
+    bool begun = size != fileOffset(m_pagesBefore);
+    for (const auto &[page, content] : m_pages) {
+        if (page >= m_pagesBefore)
+            continue;
+        const State state = load(page) ? stateOf(page, found) : State::Foreign;
+        if (state == State::Foreign)
+            return false;
+        begun = begun || state == State::Begun;
+    }
+    return begun;
 }
 
 void writePages(File &database, std::span<const PageChange> changes)

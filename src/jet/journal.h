@@ -7,6 +7,7 @@
 #include <map>
 #include <optional>
 #include <span>
+#include <vector>
 
 namespace jet
 {
@@ -14,8 +15,10 @@ namespace jet
 // The journal, name.jrn beside the database, makes a statement all or nothing: it receives the new
 // content of every page before the first of them is written to the database. Integers are
 // little-endian:
-//    0 "JETJRN1" 0 | 8 u32 pages of the database before | 12 u32 after | 16 u32 number of records |
-//   20 u32 0 | 24 u64 hash of page 0 | 32 u64 hash of page 1 before
+//    0 "JETJRN2" 0 | 8 u32 pages of the database before | 12 u32 after | 16 u32 number of witnesses
+//    |
+//   20 u32 number of records
+//   then per witness: u32 page | u32 0 | u64 hash of the page
 //   then per record, pages ascending: u32 page | u32 0 | 8 x u64 hash of the old page's sectors |
 //   4096 bytes new content
 //   then u64 hash of everything before it
@@ -34,21 +37,27 @@ struct PageChange {
     const PageBuffer *after = nullptr;
 };
 
+/// A page that the statement relies on and leaves as it is.
+struct PageWitness {
+    PageNo page = 0;
+    std::uint64_t hash = 0; ///< hashBytes() of it
+};
+
 class Journal
 {
 public:
-    /// Replaces the journal's content. `header` is page 0, `globalMap` page 1 before the statement;
-    /// `changes` are sorted by page.
-    static void write(File &file, PageNo pagesBefore, PageNo pagesAfter, PageBytes header,
-                      PageBytes globalMap, std::span<const PageChange> changes);
+    /// Replaces the journal's content. `changes` are sorted by page.
+    static void write(File &file, PageNo pagesBefore, PageNo pagesAfter,
+                      std::span<const PageWitness> witnesses, std::span<const PageChange> changes);
 
     /// The statement in a journal, or nothing when it was not written whole.
     static std::optional<Journal> read(File &file);
 
-    /// True when the database is in a state that the interrupted statement can have left: its size
-    /// lies between before and after, and every sector is the old or the new one. Anything else
-    /// was written by another program since, and the journal must not be used.
-    bool fits(File &database) const;
+    /// True when the interrupted statement has begun to change the database and nobody else has
+    /// since: the size lies between before and after, every changed sector is the old or the new
+    /// one, and every witness is as it was. False when nothing of the statement has reached the
+    /// database, which then is whole without it, and when another program has written to it.
+    bool mustBeFinished(File &database) const;
 
     PageNo pagesAfter() const { return m_pagesAfter; }
     const std::map<PageNo, PageRef> &pages() const { return m_pages; }
@@ -58,15 +67,21 @@ private:
         std::array<std::uint64_t, kPageSize / kSectorSize> sectorHashes{};
     };
 
-    bool sectorsFit(PageNo page, PageBytes found) const;
+    enum class State { Old, Begun, Foreign };
+
+    void readWitnesses(ByteView bytes);
+    bool readRecord(ByteView bytes);
+    State stateOf(PageNo page, PageBytes found) const;
 
     PageNo m_pagesBefore = 0;
     PageNo m_pagesAfter = 0;
-    std::uint64_t m_headerHash = 0;
-    std::uint64_t m_globalMapHash = 0;
+    std::vector<PageWitness> m_witnesses;
     std::map<PageNo, PageRef> m_pages;
     std::map<PageNo, OldPage> m_oldPages;
 };
+
+/// Where the journal of a database stands.
+std::filesystem::path journalPath(std::filesystem::path database);
 
 /// Hash against accidents (FNV-1a over words of 8 bytes), not against malice.
 std::uint64_t hashBytes(ByteView bytes, std::uint64_t seed = 0xCBF29CE484222325);

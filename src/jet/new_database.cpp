@@ -1,7 +1,7 @@
 #include "jet/new_database.h"
 
 #include "jet/data_page.h"
-#include "jet/file.h"
+#include "jet/draft.h"
 #include "jet/header_page.h"
 #include "jet/index_page.h"
 #include "jet/pager.h"
@@ -94,31 +94,23 @@ void addSystemRows(Pager &pager, DateTime now)
 
 } // namespace
 
-void makeNewDatabase(const std::filesystem::path &path, DateTime now)
+void makeNewDatabase(const std::filesystem::path &path, DateTime now,
+                     const std::shared_ptr<FileSystem> &files)
 {
-    const auto files = makeSystemFiles();
     if (files->exists(path))
         throw Error(ErrorCode::FileExists, "Database '" + displayName(path) + "' already exists.");
-    std::filesystem::path draft = path;
-    draft += ".new";
-    files->remove(draft);
-    try {
-        {
-            const auto file = files->open(draft, FileSystem::Access::Create);
-            PageNo number = 0;
-            for (const PageBuffer &page : makeFirstPages())
-                file->write(fileOffset(number++), page);
-        }
-        {
-            Pager pager(makeSystemFiles(), draft, {});
-            addSystemRows(pager, now);
-        }
-        files->replace(draft, path);
-        files->syncFolder(path.parent_path());
-    } catch (...) {
-        files->remove(draft);
-        throw;
+    Draft draft(*files, path, ".new");
+    {
+        const auto file = files->open(draft.path(), FileSystem::Access::Create);
+        PageNo number = 0;
+        for (const PageBuffer &page : makeFirstPages())
+            file->write(fileOffset(number++), page);
     }
+    {
+        Pager pager(files, draft.path(), {});
+        addSystemRows(pager, now);
+    }
+    draft.putInPlace();
 }
 
 } // namespace jet

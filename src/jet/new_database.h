@@ -1,5 +1,6 @@
 #pragma once
 
+#include "jet/file.h"
 #include "jet/value.h"
 
 #include <filesystem>
@@ -9,6 +10,8 @@ namespace jet
 
 /// Makes the file of an empty database with its four system tables. It is built under another name
 /// and appears complete. Throws Error(FileExists) when there is a file of that name.
-void makeNewDatabase(const std::filesystem::path &path, DateTime now);
+/// `files` are the system's but in tests.
+void makeNewDatabase(const std::filesystem::path &path, DateTime now,
+                     const std::shared_ptr<FileSystem> &files);
 
 } // namespace jet

@@ -14,6 +14,10 @@ using PageBuffer = std::array<std::uint8_t, kPageSize>;
 /// Keeps a page's content alive, also when the cache has let go of it.
 using PageRef = std::shared_ptr<const PageBuffer>;
 
+/// The pages whose place is fixed.
+inline constexpr PageNo kHeaderPage = 0;
+inline constexpr PageNo kGlobalMapPage = 1;
+
 /// First byte of a page.
 enum class PageType : std::uint8_t {
     Header = 0,

@@ -1,30 +1,22 @@
 #include "jet/pager.h"
 
-#include "jet/journal.h"
-
 #include <algorithm>
 #include <utility>
 
 namespace jet
 {
-namespace
-{
 
-std::filesystem::path besides(std::filesystem::path path, const char *extension)
+Pager::Pager(std::shared_ptr<FileSystem> files, std::filesystem::path path, OpenOptions options)
+    : m_files(std::move(files)), m_path(std::move(path)), m_options(options),
+      m_journal(*m_files, m_path, options.durability), m_cache(options.cachedPages)
 {
-    return path.replace_extension(extension);
-}
-
-} // namespace
-
-Pager::Pager(std::unique_ptr<FileSystem> files, std::filesystem::path path, OpenOptions options)
-    : m_files(std::move(files)), m_path(std::move(path)), m_journalPath(besides(m_path, ".jrn")),
-      m_options(options)
-{
+    if (!m_files->exists(m_path))
+        throwFileNotFound(m_path);
     const auto access = m_options.readOnly ? FileSystem::Access::Read : FileSystem::Access::Write;
-    m_file = m_files->open(m_path, access);
-    m_lock = m_files->openLock(besides(m_path, ".ldb"), access);
+    m_lock = m_files->openLock(lockPath(m_path), access);
     lock(Lock::Opener, LockFile::Mode::Shared, "the file is opened exclusively by another program");
+    // Not before: while the lock was waited for, another file may have taken this one's place.
+    m_file = m_files->open(m_path, access);
     m_stamp = m_lock->stamp();
     m_mustLook = true;
     const ReadScope look(*this);
@@ -36,12 +28,12 @@ Pager::Pager(std::unique_ptr<FileSystem> files, std::filesystem::path path, Open
 Pager::~Pager()
 {
     rollback();
-    if (!m_usedJournal || !m_lock)
+    if (!m_lock || !m_journal.wasOpened())
         return;
     // The next opener would only find an empty journal, so a failure here harms nothing.
     try {
-        if (m_lock->tryLock(Lock::Writer, LockFile::Mode::Exclusive) && journalIsEmpty())
-            m_files->remove(m_journalPath);
+        if (m_lock->tryLock(Lock::Writer, LockFile::Mode::Exclusive))
+            m_journal.removeWhenEmpty();
     } catch (const Error &) {
         return;
     }
@@ -52,16 +44,15 @@ PageRef Pager::read(PageNo page)
     if (m_inTransaction) {
         if (const auto changed = m_changes.find(page); changed != m_changes.end())
             return changed->second.after;
+        m_reliedOn.insert(page);
     }
     return load(page);
 }
 
 std::shared_ptr<PageBuffer> Pager::load(PageNo page)
 {
-    if (const auto cached = m_cache.find(page); cached != m_cache.end()) {
-        m_uses.splice(m_uses.begin(), m_uses, cached->second.use);
-        return cached->second.content;
-    }
+    if (auto cached = m_cache.find(page))
+        return cached;
     if (page >= m_pageCount)
         throwDamaged("a reference leads to page " + std::to_string(page) +
                          " behind the end of the file",
@@ -71,23 +62,8 @@ std::shared_ptr<PageBuffer> Pager::load(PageNo page)
         *content = *waiting->second;
     else if (m_file->read(fileOffset(page), *content) != kPageSize)
         throwDamaged("the file ends inside page " + std::to_string(page), page);
-    keep(page, content);
+    m_cache.keep(page, content);
     return content;
-}
-
-void Pager::keep(PageNo page, std::shared_ptr<PageBuffer> content)
-{
-    if (const auto cached = m_cache.find(page); cached != m_cache.end()) {
-        cached->second.content = std::move(content);
-        m_uses.splice(m_uses.begin(), m_uses, cached->second.use);
-        return;
-    }
-    m_uses.push_front(page);
-    m_cache.emplace(page, CachedPage{std::move(content), m_uses.begin()});
-    if (m_cache.size() > m_options.cachedPages) {
-        m_cache.erase(m_uses.back());
-        m_uses.pop_back();
-    }
 }
 
 PageBuffer &Pager::edit(PageNo page)
@@ -152,45 +128,65 @@ void Pager::commit()
         throw;
     }
     for (auto &[page, change] : m_changes)
-        keep(page, std::move(change.after));
+        m_cache.keep(page, std::move(change.after));
     endTransaction();
 }
 
-void Pager::applyChanges()
+std::vector<PageChange> Pager::sortedChanges() const
 {
     std::vector<PageChange> changes;
     changes.reserve(m_changes.size());
     for (const auto &[page, change] : m_changes)
         changes.push_back({page, change.before.get(), change.after.get()});
     std::ranges::sort(changes, {}, &PageChange::page);
+    return changes;
+}
 
-    const auto old = [&](PageNo page) {
-        const auto changed = m_changes.find(page);
-        return changed != m_changes.end() ? changed->second.before : PageRef(load(page));
-    };
-    const PageRef header = old(0);
-    const PageRef globalMap = old(1);
-    const auto journal = openJournal();
-    File &log = *journal;
+/// Other programs leave traces on the first two pages whatever they write.
+std::vector<PageWitness> Pager::witnesses()
+{
+    m_reliedOn.insert({kHeaderPage, kGlobalMapPage});
+    std::vector<PageWitness> result;
+    for (const PageNo page : m_reliedOn) {
+        if (!m_changes.contains(page))
+            result.push_back({page, hashBytes(*load(page))});
+    }
+    return result;
+}
+
+void Pager::applyChanges()
+{
+    const std::vector<PageChange> changes = sortedChanges();
+    const std::vector<PageWitness> reliedOn = witnesses();
+    const auto journal = m_journal.open();
     try {
-        Journal::write(log, m_pageCountBefore, m_pageCount, *header, *globalMap, changes);
-        syncIfWanted(log);
+        Journal::write(*journal, m_pageCountBefore, m_pageCount, reliedOn, changes);
+        syncIfWanted(*journal);
         m_lock->setStamp(++m_stamp);
     } catch (const Error &) {
-        log.resize(0);
+        journal->resize(0);
         throw;
     }
+    writeOrUndo(*journal, changes);
+    emptyJournal(*journal);
+}
+
+void Pager::writeOrUndo(File &journal, const std::vector<PageChange> &changes)
+{
     try {
         writePages(*m_file, changes);
         syncIfWanted(*m_file);
-    } catch (const Error &) {
-        // Should this fail as well, the journal stays, and the next writer or opener finishes the
-        // statement from it.
-        undoChanges();
-        log.resize(0);
+    } catch (const Error &failure) {
+        try {
+            undoChanges();
+        } catch (const Error &) {
+            throw Error(failure.code(), std::string(failure.what()) +
+                                            " The change is kept beside the file and is finished "
+                                            "as soon as the disk can be written again.");
+        }
+        journal.resize(0);
         throw;
     }
-    emptyJournal(log);
 }
 
 /// The statement is stored by now; a journal that cannot be emptied only repeats it.
@@ -229,6 +225,7 @@ void Pager::rollback()
 void Pager::endTransaction()
 {
     m_changes.clear();
+    m_reliedOn.clear();
     m_inTransaction = false;
     releasePages();
     unlockWriter();
@@ -291,7 +288,7 @@ void Pager::noticeOthers()
     forgetPages();
     if (m_options.readOnly) {
         loadOverlay();
-    } else if (!journalIsEmpty()) {
+    } else if (!m_journal.isEmpty()) {
         m_lock->unlock(Lock::Pages);
         recover();
         lock(Lock::Pages, LockFile::Mode::Shared, "another program is writing to it");
@@ -317,52 +314,39 @@ void Pager::recover()
 
 void Pager::finishJournal()
 {
-    if (journalIsEmpty())
+    if (m_journal.isEmpty())
         return;
-    const auto log = openJournal();
+    const auto log = m_journal.open();
     const auto left = Journal::read(*log);
-    if (left && left->fits(*m_file)) {
-        std::vector<PageChange> changes;
-        for (const auto &[page, content] : left->pages())
-            changes.push_back({page, nullptr, content.get()});
-        lock(Lock::Pages, LockFile::Mode::Exclusive, "another program is reading it");
-        m_lock->setStamp(++m_stamp);
-        writePages(*m_file, changes);
-        m_file->resize(fileOffset(left->pagesAfter()));
+    if (left && left->mustBeFinished(*m_file))
+        finish(*left);
+    else if (left) // undone or written whole, but perhaps only in the system's memory so far
         syncIfWanted(*m_file);
-        forgetPages();
-        refreshPageCount();
-        releasePages();
-    }
     emptyJournal(*log);
+}
+
+void Pager::finish(const Journal &journal)
+{
+    std::vector<PageChange> changes;
+    for (const auto &[page, content] : journal.pages())
+        changes.push_back({page, nullptr, content.get()});
+    lock(Lock::Pages, LockFile::Mode::Exclusive, "another program is reading it");
+    m_lock->setStamp(++m_stamp);
+    writePages(*m_file, changes);
+    m_file->resize(fileOffset(journal.pagesAfter()));
+    syncIfWanted(*m_file);
+    forgetPages();
+    refreshPageCount();
+    releasePages();
 }
 
 void Pager::loadOverlay()
 {
-    if (journalIsEmpty())
+    if (m_journal.isEmpty())
         return;
-    const auto log = m_files->open(m_journalPath, FileSystem::Access::Read);
-    const auto left = Journal::read(*log);
-    if (!left || !left->fits(*m_file))
-        return;
-    m_overlay = left->pages();
-}
-
-bool Pager::journalIsEmpty()
-{
-    return !m_files->exists(m_journalPath) ||
-           m_files->open(m_journalPath, FileSystem::Access::Read)->size() == 0;
-}
-
-std::unique_ptr<File> Pager::openJournal()
-{
-    const bool isNew = !m_files->exists(m_journalPath);
-    auto journal = m_files->open(m_journalPath, FileSystem::Access::Create);
-    m_usedJournal = true;
-    // Without its name on the disk the journal would be lost with the power.
-    if (isNew && m_options.durability == Durability::Synced)
-        m_files->syncFolder(m_journalPath.parent_path());
-    return journal;
+    const auto left = m_journal.read();
+    if (left && left->mustBeFinished(*m_file))
+        m_overlay = left->pages();
 }
 
 void Pager::syncIfWanted(File &file)
@@ -374,7 +358,6 @@ void Pager::syncIfWanted(File &file)
 void Pager::forgetPages()
 {
     m_cache.clear();
-    m_uses.clear();
     m_overlay.clear();
     ++m_version;
     ++m_foreignVersion;

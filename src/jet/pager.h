@@ -1,14 +1,15 @@
 #pragma once
 
 #include "jet/file.h"
+#include "jet/journal_file.h"
 #include "jet/open_options.h"
-#include "jet/page.h"
+#include "jet/page_cache.h"
 
 #include <filesystem>
-#include <list>
 #include <map>
 #include <memory>
 #include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 namespace jet
@@ -24,7 +25,7 @@ public:
     /// Opens the file and, when an interrupted statement left a journal, finishes or drops it; a
     /// read-only opener only sees the file as it will be then. Throws Error(FileNotFound),
     /// Error(ReadOnly), Error(InUse), Error(NotADatabase) for a file of less than one page.
-    Pager(std::unique_ptr<FileSystem> files, std::filesystem::path path, OpenOptions options);
+    Pager(std::shared_ptr<FileSystem> files, std::filesystem::path path, OpenOptions options);
     ~Pager();
     Pager(const Pager &) = delete;
     Pager &operator=(const Pager &) = delete;
@@ -42,7 +43,9 @@ public:
 
     /// Starts a transaction. Throws Error(ReadOnly), Error(InUse) when another opener writes.
     void begin();
-    /// Writes the transaction. On failure the file is put back and the transaction rolled back.
+    /// Writes the transaction. On failure the file is put back and the transaction rolled back; on
+    /// a disk that does not even take the old pages back, the journal keeps the transaction, the
+    /// error's description says so, and the next opener or statement finishes it.
     void commit();
     void rollback();
     bool inTransaction() const { return m_inTransaction; }
@@ -78,10 +81,6 @@ public:
     const std::filesystem::path &path() const { return m_path; }
 
 private:
-    struct CachedPage {
-        std::shared_ptr<PageBuffer> content;
-        std::list<PageNo>::iterator use;
-    };
     struct ChangedPage {
         PageRef before; ///< null for a new page
         std::shared_ptr<PageBuffer> after;
@@ -98,22 +97,23 @@ private:
     void recover();
     void loadOverlay();
     void finishJournal();
+    void finish(const Journal &journal);
+    std::vector<PageChange> sortedChanges() const;
+    std::vector<PageWitness> witnesses();
     void applyChanges();
+    void writeOrUndo(File &journal, const std::vector<PageChange> &changes);
     void undoChanges();
     void emptyJournal(File &journal);
-    bool journalIsEmpty();
-    std::unique_ptr<File> openJournal();
     void syncIfWanted(File &file);
     void endTransaction();
     std::shared_ptr<PageBuffer> load(PageNo page);
-    void keep(PageNo page, std::shared_ptr<PageBuffer> content);
     void forgetPages();
     void refreshPageCount();
 
-    std::unique_ptr<FileSystem> m_files;
+    std::shared_ptr<FileSystem> m_files;
     std::filesystem::path m_path;
-    std::filesystem::path m_journalPath;
     OpenOptions m_options;
+    JournalFile m_journal;
     std::unique_ptr<LockFile> m_lock;
     std::unique_ptr<File> m_file;
 
@@ -125,14 +125,13 @@ private:
     int m_readDepth = 0;
     bool m_inTransaction = false;
     bool m_holdsWriter = false;
-    bool m_usedJournal = false;
     bool m_mustLook = false; ///< what is in memory may not be what is in the file
 
-    std::unordered_map<PageNo, CachedPage> m_cache;
-    std::list<PageNo> m_uses; ///< most recent first
-    std::map<PageNo, PageRef>
-        m_overlay; ///< pages of a journal that a read-only opener may not apply
+    PageCache m_cache;
+    /// Pages of a journal that a read-only opener may not apply.
+    std::map<PageNo, PageRef> m_overlay;
     std::unordered_map<PageNo, ChangedPage> m_changes;
+    std::unordered_set<PageNo> m_reliedOn; ///< pages that the transaction has read
 };
 
 } // namespace jet

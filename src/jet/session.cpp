@@ -6,7 +6,7 @@
 namespace jet
 {
 
-Session::Session(std::unique_ptr<FileSystem> files, const std::filesystem::path &path,
+Session::Session(std::shared_ptr<FileSystem> files, const std::filesystem::path &path,
                  const OpenOptions &options)
     : m_pager(std::move(files), path, options)
 {
@@ -34,13 +34,7 @@ void Session::commit()
                     "The transaction was rolled back because a statement in it had failed.");
     }
     m_explicit = false;
-    try {
-        m_pager.commit();
-    } catch (...) {
-        afterTransaction();
-        throw;
-    }
-    afterTransaction();
+    commitPages();
 }
 
 void Session::rollback()
@@ -66,15 +60,8 @@ void Session::startStatement()
 void Session::finishStatement()
 {
     m_inStatement = false;
-    if (m_explicit)
-        return;
-    try {
-        m_pager.commit();
-    } catch (...) {
-        afterTransaction();
-        throw;
-    }
-    afterTransaction();
+    if (!m_explicit)
+        commitPages();
 }
 
 void Session::abandonStatement()
@@ -87,6 +74,17 @@ void Session::abandonStatement()
         return;
     }
     m_pager.rollback();
+    afterTransaction();
+}
+
+void Session::commitPages()
+{
+    try {
+        m_pager.commit();
+    } catch (...) {
+        afterTransaction();
+        throw;
+    }
     afterTransaction();
 }
 

@@ -16,7 +16,7 @@ namespace jet
 class Session
 {
 public:
-    Session(std::unique_ptr<FileSystem> files, const std::filesystem::path &path,
+    Session(std::shared_ptr<FileSystem> files, const std::filesystem::path &path,
             const OpenOptions &options);
 
     Pager &pager() { return m_pager; }
@@ -82,6 +82,7 @@ private:
     void startStatement();
     void finishStatement();
     void abandonStatement();
+    void commitPages();
     void afterTransaction();
     void forgetWhenChanged();
 

@@ -1,9 +1,11 @@
 #include "tests/jet/memory_disk.h"
 #include "tests/jet/sample_database.h"
 
+#include "jet/compact.h"
+#include "jet/new_database.h"
+
 #include <gtest/gtest.h>
 
-#include <fstream>
 #include <functional>
 #include <iostream>
 
@@ -35,6 +37,39 @@ TableDesign notesDesign()
     design.columns = {
         {u"Nr", ColumnType::Long}, {u"Text", ColumnType::Memo}, {u"Da", ColumnType::Boolean}};
     design.indexes = {{u"Nr", {{u"Nr"}}, true}};
+    return design;
+}
+
+/// Keys of two kinds, one of them descending, and an index of texts.
+TableDesign loadsDesign()
+{
+    TableDesign design;
+    design.name = u"Sarje";
+    design.columns = {{u"Nume", ColumnType::Text, 40},
+                      {u"Data", ColumnType::DateTime},
+                      {u"Nota", ColumnType::Text, 255}};
+    design.indexes = {{u"Cheie", {{u"Nume"}, {u"Data", true}}, true}, {u"Nota", {{u"Nota"}}}};
+    return design;
+}
+
+void prepareLoads(Database &database, int rows)
+{
+    Transaction transaction(database);
+    Table table = database.createTable(loadsDesign(), kSomeDay);
+    for (int i = 0; i < rows; ++i)
+        table.appendRow({Text(u"Șarja ") + static_cast<char16_t>(u'a' + i % 26),
+                         DateTime{38000.0 + i}, Text(static_cast<std::size_t>(i), u'é')});
+    transaction.commit();
+}
+
+TableDesign wideDesign()
+{
+    TableDesign design;
+    design.name = u"Lat";
+    for (char16_t column = 0; column < 200; ++column)
+        design.columns.push_back({Text(u"C") + static_cast<char16_t>(u'A' + column / 20) +
+                                      static_cast<char16_t>(u'a' + column % 20),
+                                  ColumnType::Double});
     return design;
 }
 
@@ -89,6 +124,37 @@ const Scenario kScenarios[] = {
     {"drop a table", [](Database &database) { prepareTabel(database, 60); },
      [](Database &database) { database.dropTable(u"Tabel"); }},
     {"copy, drop and rename", [](Database &database) { prepareTabel(database, 60); }, repair},
+    {"empty and refill", [](Database &database) { prepareTabel(database, 130); },
+     [](Database &database) {
+         Transaction transaction(database);
+         Table table = database.table(u"Tabel");
+         table.deleteAll();
+         appendSamples(table, 1, 70);
+         transaction.commit();
+     }},
+    {"text and composite keys", [](Database &database) { prepareLoads(database, 60); },
+     [](Database &database) {
+         Transaction transaction(database);
+         Table table = database.table(u"Sarje");
+         Cursor cursor = table.records();
+         for (int row = 0; cursor.next(); ++row) {
+             if (row % 5 == 0)
+                 cursor.update({{u"Nume", u"Altă șarjă"}, {u"Nota", Text(200, u'w')}});
+             else if (row % 7 == 0)
+                 cursor.erase();
+         }
+         transaction.commit();
+     }},
+    {"rows that outgrow their page", [](Database &database) { prepareLoads(database, 40); },
+     [](Database &database) {
+         Transaction transaction(database);
+         Cursor cursor = database.table(u"Sarje").records();
+         while (cursor.next())
+             cursor.update({{u"Nota", Text(255, u'ș')}});
+         transaction.commit();
+     }},
+    {"200 columns", [](Database &database) { database.createTable(wideDesign(), kSomeDay); },
+     [](Database &database) { database.table(u"Lat").appendRow(Row(200, Value(1.5))); }},
     {"long values of every form",
      [](Database &database) {
          Table table = database.createTable(notesDesign(), kSomeDay);
@@ -109,22 +175,22 @@ const Scenario kScenarios[] = {
      }},
 };
 
+std::shared_ptr<FileSystem> filesOf(MemoryDisk &disk)
+{
+    return std::make_shared<MemoryFileSystem>(disk);
+}
+
 MemoryDisk emptyDisk()
 {
-    const TemporaryFolder folder;
-    const auto path = folder / "empty.mdb";
-    Database::create(path, kSomeDay);
-    std::ifstream file(path, std::ios::binary);
     MemoryDisk disk;
-    MemoryDisk::Entry &entry = disk.files[kFile];
-    entry.content.assign(std::istreambuf_iterator<char>(file), {});
-    entry.durable = entry.content;
+    makeNewDatabase(kFile, kSomeDay, filesOf(disk));
+    disk.endProgram();
     return disk;
 }
 
 Database openOn(MemoryDisk &disk)
 {
-    return Database::open(kFile, {}, std::make_unique<MemoryFileSystem>(disk));
+    return Database::open(kFile, {}, filesOf(disk));
 }
 
 /// All tables with all rows: what must be the one or the other state.
@@ -138,6 +204,43 @@ Content contentOf(const Database &database)
     return content;
 }
 
+/// The states tried by all tests of this process.
+class StateCount : public testing::Environment
+{
+public:
+    void add(const char *fault, long states)
+    {
+        std::cout << "states after " << fault << ": " << states << '\n';
+        m_total += states;
+    }
+    void TearDown() override { std::cout << "states tried in all: " << m_total << '\n'; }
+
+private:
+    long m_total = 0;
+};
+StateCount *const stateCount =
+    static_cast<StateCount *>(testing::AddGlobalTestEnvironment(new StateCount));
+
+/// Calls `inspect(disk, done, what)` after each operation of `run(disk)` in turn was hit, writes at
+/// each sector; `done` when it was carried out all the same.
+template <typename Run, typename Inspect>
+void tryEveryFault(const MemoryDisk &start, MemoryDisk::Fault fault, Run &&run, Inspect &&inspect)
+{
+    for (long at = 1;; ++at) {
+        std::size_t length = 0;
+        for (std::size_t kept = 0; kept <= length; kept += 512) {
+            MemoryDisk disk = start;
+            disk.setFault(fault, at, kept);
+            const bool done = !errorOf([&] { run(disk); });
+            if (!disk.fired)
+                return;
+            length = disk.lastWrite;
+            inspect(disk, done,
+                    "operation " + std::to_string(at) + ", " + std::to_string(kept) + " bytes");
+        }
+    }
+}
+
 class Crash : public testing::TestWithParam<Scenario>
 {
 protected:
@@ -149,7 +252,6 @@ protected:
             GetParam().prepare(database);
         }
         m_start.endProgram();
-        m_start.removed.clear();
         MemoryDisk disk = m_start;
         Database database = openOn(disk);
         m_before = contentOf(database);
@@ -159,16 +261,10 @@ protected:
         ASSERT_FALSE(m_before == m_after);
     }
 
-    /// Runs the statement on a disk with a fault; true when it was carried out.
-    static bool runStatement(MemoryDisk &disk)
+    static void runStatement(MemoryDisk &disk)
     {
-        try {
-            Database database = openOn(disk);
-            GetParam().statement(database);
-            return true;
-        } catch (const Error &) {
-            return false;
-        }
+        Database database = openOn(disk);
+        GetParam().statement(database);
     }
 
     void expectOneOrTheOther(MemoryDisk disk, bool mustBeAfter, const std::string &what)
@@ -180,25 +276,6 @@ protected:
         EXPECT_EQ(findings(database), "") << what;
     }
 
-    /// Calls `inspect` with the disk after each operation in turn was hit, writes at each sector.
-    template <typename Inspect>
-    void tryEveryFault(MemoryDisk::Fault fault, Inspect &&inspect)
-    {
-        for (long at = 1;; ++at) {
-            std::size_t length = 0;
-            for (std::size_t kept = 0; kept <= length; kept += 512) {
-                MemoryDisk disk = m_start;
-                disk.setFault(fault, at, kept);
-                const bool done = runStatement(disk);
-                if (!disk.fired)
-                    return;
-                length = disk.lastWrite;
-                inspect(disk, done,
-                        "operation " + std::to_string(at) + ", " + std::to_string(kept) + " bytes");
-            }
-        }
-    }
-
     MemoryDisk m_start;
     Content m_before;
     Content m_after;
@@ -207,28 +284,28 @@ protected:
 
 TEST_P(Crash, StoppedOrTornWriteLeavesAllOrNothing)
 {
-    tryEveryFault(MemoryDisk::Fault::Stop,
+    tryEveryFault(m_start, MemoryDisk::Fault::Stop, runStatement,
                   [&](MemoryDisk &disk, bool done, const std::string &what) {
                       disk.endProgram();
                       expectOneOrTheOther(disk, done, what);
                   });
-    std::cout << "states after a stopped or torn write: " << m_states << '\n';
+    stateCount->add("a stopped or torn write", m_states);
 }
 
 TEST_P(Crash, LostPowerLeavesAllOrNothing)
 {
     std::uint32_t seed = 1;
-    tryEveryFault(MemoryDisk::Fault::Stop,
+    tryEveryFault(m_start, MemoryDisk::Fault::Stop, runStatement,
                   [&](MemoryDisk &disk, bool done, const std::string &what) {
                       disk.losePower(++seed);
                       expectOneOrTheOther(disk, done, what + ", power lost");
                   });
-    std::cout << "states after a loss of power: " << m_states << '\n';
+    stateCount->add("a loss of power", m_states);
 }
 
 TEST_P(Crash, FailedWriteKeepsOldContent)
 {
-    tryEveryFault(MemoryDisk::Fault::Fail,
+    tryEveryFault(m_start, MemoryDisk::Fault::Fail, runStatement,
                   [&](MemoryDisk &disk, bool done, const std::string &what) {
                       disk.endProgram();
                       ++m_states;
@@ -236,7 +313,7 @@ TEST_P(Crash, FailedWriteKeepsOldContent)
                       EXPECT_TRUE(contentOf(database) == (done ? m_after : m_before)) << what;
                       EXPECT_EQ(findings(database), "") << what;
                   });
-    std::cout << "states after a failed write: " << m_states << '\n';
+    stateCount->add("a failed write", m_states);
 }
 
 INSTANTIATE_TEST_SUITE_P(Statements, Crash, testing::ValuesIn(kScenarios),
@@ -245,6 +322,77 @@ INSTANTIATE_TEST_SUITE_P(Statements, Crash, testing::ValuesIn(kScenarios),
                              std::erase_if(name, [](char c) { return c == ' ' || c == ','; });
                              return name;
                          });
+
+// What makes a whole file: the name leads to the old file or to the new one, never to a part of it.
+class WholeFile : public testing::Test
+{
+protected:
+    using Bytes = jet::Bytes;
+
+    /// The database's bytes; nothing when there is none.
+    static std::optional<Bytes> bytesOf(const MemoryDisk &disk)
+    {
+        const auto file = disk.files.find(kFile);
+        return file == disk.files.end() ? std::nullopt : std::optional(file->second.content);
+    }
+
+    template <typename Run>
+    void expectOldOrNew(const MemoryDisk &start, Run &&run)
+    {
+        const auto old = bytesOf(start);
+        MemoryDisk undisturbed = start;
+        run(undisturbed);
+        const auto renewed = bytesOf(undisturbed);
+        ASSERT_TRUE(renewed && renewed != old);
+        long states = 0;
+        std::uint32_t seed = 1;
+        for (const auto fault : {MemoryDisk::Fault::Stop, MemoryDisk::Fault::Fail}) {
+            tryEveryFault(start, fault, run,
+                          [&](MemoryDisk &disk, bool done, const std::string &what) {
+                              MemoryDisk powerless = disk;
+                              powerless.losePower(++seed);
+                              disk.endProgram();
+                              for (MemoryDisk *found : {&disk, &powerless}) {
+                                  ++states;
+                                  const auto bytes = bytesOf(*found);
+                                  EXPECT_TRUE(bytes == renewed || (!done && bytes == old)) << what;
+                                  if (!bytes)
+                                      run(*found); // nothing left over is in the way
+                                  EXPECT_EQ(findings(openOn(*found)), "") << what;
+                              }
+                          });
+        }
+        stateCount->add("a fault", states);
+    }
+};
+
+TEST_F(WholeFile, CreatedDatabaseIsThereWholeOrNotAtAll)
+{
+    MemoryDisk disk;
+    // Of a database that had this name once: nothing of it may come back in the new one.
+    disk.files["folder/autoclava1.jrn"].content = Bytes(4096, 7);
+    expectOldOrNew(disk, [](MemoryDisk &target) {
+        makeNewDatabase(kFile, kSomeDay, filesOf(target));
+        EXPECT_FALSE(target.files.contains("folder/autoclava1.jrn"));
+    });
+}
+
+TEST_F(WholeFile, CompactedDatabaseIsTheOldOrTheNewOne)
+{
+    MemoryDisk start = emptyDisk();
+    {
+        Database database = openOn(start);
+        prepareTabel(database, 120);
+        Cursor cursor = database.table(u"Tabel").records();
+        while (cursor.next()) {
+            if (std::get<std::int32_t>(cursor.value(0)) % 3 == 0)
+                cursor.erase();
+        }
+    }
+    start.endProgram();
+    expectOldOrNew(start,
+                   [](MemoryDisk &disk) { compactDatabase(kFile, kSomeDay, filesOf(disk)); });
+}
 
 } // namespace
 } // namespace jet

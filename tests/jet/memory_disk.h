@@ -27,6 +27,12 @@ struct MemoryDisk {
         std::vector<Change> pending; ///< changes since the last sync
         bool nameIsDurable = true;
     };
+    /// A replaced name; the old state can come back until the folder is synced.
+    struct Renaming {
+        std::string from;
+        std::string to;
+        std::optional<Entry> replaced;
+    };
     enum class Fault {
         None,
         Stop, ///< the operation is cut off and nothing happens any more
@@ -35,6 +41,7 @@ struct MemoryDisk {
 
     std::map<std::string, Entry> files;
     std::map<std::string, Entry> removed; ///< until the folder is synced
+    std::vector<Renaming> renamings;      ///< likewise
     Fault fault = Fault::None;
     long faultAt = 0;          ///< number of the operation it hits
     std::size_t keptBytes = 0; ///< of a write that is hit
@@ -80,9 +87,12 @@ struct MemoryDisk {
     void endProgram()
     {
         fault = Fault::None;
+        removed.clear();
+        renamings.clear();
         for (auto &[name, entry] : files) {
             entry.durable = entry.content;
             entry.pending.clear();
+            entry.nameIsDurable = true;
         }
     }
 
@@ -97,6 +107,15 @@ struct MemoryDisk {
                 files.try_emplace(name, entry);
         }
         removed.clear();
+        while (!renamings.empty() && chance()) {
+            Renaming last = std::move(renamings.back());
+            renamings.pop_back();
+            files[last.from] = std::move(files[last.to]);
+            files.erase(last.to);
+            if (last.replaced)
+                files[last.to] = std::move(*last.replaced);
+        }
+        renamings.clear();
         std::erase_if(files,
                       [&](const auto &file) { return !file.second.nameIsDurable && chance(); });
         for (auto &[name, entry] : files) {
@@ -223,8 +242,12 @@ public:
     {
         m_disk.operation(
             [&] {
-                m_disk.files[to.string()] = m_disk.files[from.string()];
+                auto replaced = m_disk.files.extract(to.string());
+                m_disk.files[to.string()] = std::move(m_disk.files[from.string()]);
                 m_disk.files.erase(from.string());
+                m_disk.renamings.push_back({from.string(), to.string(), {}});
+                if (replaced)
+                    m_disk.renamings.back().replaced = std::move(replaced.mapped());
             },
             [] {});
     }
@@ -233,6 +256,7 @@ public:
         m_disk.operation(
             [&] {
                 m_disk.removed.clear();
+                m_disk.renamings.clear();
                 for (auto &[name, entry] : m_disk.files)
                     entry.nameIsDurable = true;
             },

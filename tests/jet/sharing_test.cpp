@@ -1,9 +1,11 @@
+#include "jet/compact.h"
 #include "jet/journal.h"
 
 #include "tests/jet/sample_database.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <csignal>
 #include <fstream>
 #include <sys/wait.h>
@@ -127,7 +129,8 @@ TEST_F(Sharing, KilledWriterLosesNothingItReported)
 class LeftOverJournal : public Sharing
 {
 protected:
-    /// Leaves the files as a program does that was stopped before it wrote to the database.
+    /// Leaves the files as a program does that was stopped after the first page it wrote to the
+    /// database.
     void SetUp() override
     {
         const auto journal = m_folder / "autoclava1.jrn";
@@ -145,10 +148,25 @@ protected:
             std::ifstream file(path, std::ios::binary);
             return Bytes(std::istreambuf_iterator<char>(file), {});
         };
-        const Bytes before = load(old);
+        m_before = load(old);
         const Bytes after = load(m_path);
-        writeJournal(journal, before, after);
+        writeJournal(journal, m_before, after);
         std::filesystem::copy_file(old, m_path, std::filesystem::copy_options::overwrite_existing);
+        m_firstChange = firstDifference(m_before, after);
+        put(m_path, m_firstChange, after);
+    }
+
+    static std::streamoff firstDifference(const Bytes &before, const Bytes &after)
+    {
+        const auto place = std::ranges::mismatch(before, after).in1;
+        return (place - before.begin()) / 512 * 512;
+    }
+    /// Writes one sector of `content` into the file.
+    static void put(const std::filesystem::path &path, std::streamoff offset, const Bytes &content)
+    {
+        std::fstream file(path, std::ios::binary | std::ios::in | std::ios::out);
+        file.seekp(offset);
+        file.write(reinterpret_cast<const char *>(content.data()) + offset, 512);
     }
 
     static PageBuffer pageOf(const Bytes &file, PageNo page)
@@ -176,8 +194,16 @@ protected:
                 changes.push_back({page, &olds[page], &news[page]});
         }
         const auto file = makeSystemFiles()->open(path, FileSystem::Access::Create);
-        Journal::write(*file, pagesBefore, pagesAfter, olds[0], olds[1], changes);
+        std::vector<PageWitness> witnesses;
+        for (PageNo page = 0; page < pagesBefore; ++page) {
+            if (olds[page] == news[page])
+                witnesses.push_back({page, hashBytes(olds[page])});
+        }
+        Journal::write(*file, pagesBefore, pagesAfter, witnesses, changes);
     }
+
+    Bytes m_before;
+    std::streamoff m_firstChange = 0;
 };
 
 TEST_F(LeftOverJournal, IsFinishedOnOpenAndOnlySeenByAReader)
@@ -194,15 +220,66 @@ TEST_F(LeftOverJournal, IsFinishedOnOpenAndOnlySeenByAReader)
     EXPECT_FALSE(exists("autoclava1.jrn"));
 }
 
+TEST_F(LeftOverJournal, IsDroppedWhenNothingOfItReachedTheFile)
+{
+    put(m_path, m_firstChange, m_before);
+    EXPECT_EQ(open(true).table(u"Tabel").recordCount(), 20U);
+    EXPECT_EQ(open().table(u"Tabel").recordCount(), 20U);
+    EXPECT_FALSE(exists("autoclava1.jrn"));
+}
+
 TEST_F(LeftOverJournal, IsDroppedWhenAnotherProgramHasChangedTheFile)
 {
-    std::fstream file(m_path, std::ios::binary | std::ios::in | std::ios::out);
-    file.seekp(0xE00); // a user's commit counter, changed whenever the database program writes
-    file.put(7);
-    file.close();
-    const Database database = open();
-    EXPECT_EQ(database.table(u"Tabel").recordCount(), 20U);
-    EXPECT_EQ(findings(database), "");
+    const auto torn = m_folder / "torn.mdb";
+    std::filesystem::copy_file(m_path, torn);
+    const auto files = makeSystemFiles();
+    const auto log = files->open(m_folder / "autoclava1.jrn", FileSystem::Access::Read);
+    const auto usedAfterChange = [&](std::streamoff offset) {
+        std::filesystem::copy_file(torn, m_path, std::filesystem::copy_options::overwrite_existing);
+        std::fstream file(m_path, std::ios::binary | std::ios::in | std::ios::out);
+        file.seekp(offset);
+        file.put(7);
+        file.close();
+        return Journal::read(*log)->mustBeFinished(*files->open(m_path, FileSystem::Access::Read));
+    };
+    EXPECT_FALSE(usedAfterChange(0xE00)) << "a user's commit counter";
+    EXPECT_FALSE(usedAfterChange(2 * 4096 + 100)) << "a page that the statement only relied on";
+    EXPECT_FALSE(usedAfterChange(m_firstChange + 5)) << "a page that the statement has changed";
+}
+
+/// A compaction comes between the first look at a database and its lock.
+class CompactingFiles final : public FileSystem
+{
+public:
+    std::unique_ptr<File> open(const std::filesystem::path &path, Access access) override
+    {
+        return m_files->open(path, access);
+    }
+    bool exists(const std::filesystem::path &path) override { return m_files->exists(path); }
+    void remove(const std::filesystem::path &path) override { m_files->remove(path); }
+    void replace(const std::filesystem::path &from, const std::filesystem::path &to) override
+    {
+        m_files->replace(from, to);
+    }
+    void syncFolder(const std::filesystem::path &folder) override { m_files->syncFolder(folder); }
+    std::unique_ptr<LockFile> openLock(const std::filesystem::path &path, Access access) override
+    {
+        auto lock = m_files->openLock(path, access);
+        compactDatabase(std::filesystem::path(path).replace_extension(".mdb"), kSomeDay);
+        return lock;
+    }
+
+private:
+    std::unique_ptr<FileSystem> m_files = makeSystemFiles();
+};
+
+TEST_F(Sharing, OpenerThatWaitedForACompactionWritesToTheNewFile)
+{
+    {
+        Database waited = Database::open(m_path, unsynced(), std::make_shared<CompactingFiles>());
+        waited.table(u"Tabel").appendRow(sampleRow(21));
+    }
+    EXPECT_EQ(open().table(u"Tabel").recordCount(), 21U);
 }
 
 } // namespace
