@@ -40,26 +40,19 @@ void copyTable(Session &source, const Catalog::Entry &entry, Session &target, Da
     target.commit();
 }
 
-/// The result keeps others out of the old file, which is closed by then.
-std::unique_ptr<LockFile> copyDatabase(const std::shared_ptr<FileSystem> &files,
-                                       const std::filesystem::path &path,
-                                       const std::filesystem::path &draft, DateTime now)
+void copyTables(Session &source, const std::shared_ptr<FileSystem> &files,
+                const std::filesystem::path &path, DateTime now)
 {
-    Session source(files, path, {});
-    source.lockForReplacing();
-    {
-        const Pager::ReadScope scope(source.pager());
-        source.catalog().refuseOtherObjects();
-        makeNewDatabase(draft, now, files);
-        OpenOptions options;
-        options.durability = Durability::Unsynced; // synced once, as a whole
-        Session target(files, draft, options);
-        for (const Catalog::Entry &entry : source.catalog().tables()) {
-            if (!entry.isSystem)
-                copyTable(source, entry, target, now);
-        }
+    const Pager::ReadScope scope(source.pager());
+    source.catalog().refuseOtherObjects();
+    makeNewDatabase(path, now, files);
+    OpenOptions options;
+    options.durability = Durability::Unsynced; // synced once, as a whole
+    Session target(files, path, options);
+    for (const Catalog::Entry &entry : source.catalog().tables()) {
+        if (!entry.isSystem)
+            copyTable(source, entry, target, now);
     }
-    return source.pager().closeKeepingLock();
 }
 
 } // namespace
@@ -67,8 +60,13 @@ std::unique_ptr<LockFile> copyDatabase(const std::shared_ptr<FileSystem> &files,
 void compactDatabase(const std::filesystem::path &path, DateTime now,
                      const std::shared_ptr<FileSystem> &files)
 {
+    Session source(files, path, {});
+    source.lockForReplacing();
+    std::unique_ptr<LockFile>
+        lock; // outlives the source: nobody opens the file before it is replaced
     Draft draft(*files, path, ".compact");
-    const std::unique_ptr<LockFile> lock = copyDatabase(files, path, draft.path(), now);
+    copyTables(source, files, draft.path(), now);
+    lock = source.pager().closeKeepingLock();
     draft.putInPlace();
 }
 

@@ -34,7 +34,8 @@ public:
                          std::shared_ptr<FileSystem> files);
 
     /// Makes an empty database and opens it; `now` is noted as the date of its system tables. The
-    /// file appears complete or not at all. Throws Error(FileExists).
+    /// file appears complete or not at all. Throws Error(FileExists), Error(FileNotFound) when
+    /// there is no folder for it, Error(InUse).
     static Database create(const std::filesystem::path &path, DateTime now,
                            const OpenOptions &options = {});
 

@@ -92,11 +92,29 @@ void addSystemRows(Pager &pager, DateTime now)
     pager.commit();
 }
 
+/// Keeps everybody else from the name, also those who want to make the same file.
+std::unique_ptr<LockFile> lockName(FileSystem &files, const std::filesystem::path &path)
+{
+    std::unique_ptr<LockFile> lock;
+    try {
+        lock = files.openLock(lockPath(path), FileSystem::Access::Write);
+    } catch (const Error &error) {
+        if (error.code() == ErrorCode::FileNotFound)
+            throwFileNotFound(path); // it is the folder that is missing
+        throw;
+    }
+    if (!lock->lock(LockFile::Part::Opener, LockFile::Mode::Exclusive, OpenOptions{}.lockTimeout))
+        throw Error(ErrorCode::InUse,
+                    "Could not use '" + displayName(path) + "': another program has it open.");
+    return lock;
+}
+
 } // namespace
 
 void makeNewDatabase(const std::filesystem::path &path, DateTime now,
                      const std::shared_ptr<FileSystem> &files)
 {
+    const auto lock = lockName(*files, path);
     if (files->exists(path))
         throw Error(ErrorCode::FileExists, "Database '" + displayName(path) + "' already exists.");
     Draft draft(*files, path, ".new");
