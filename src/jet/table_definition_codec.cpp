@@ -81,6 +81,8 @@ void checkColumn(const ColumnDefinition &column, std::uint16_t maxColumns)
     const bool inFixedArea = column.isFixed() && column.type != ColumnType::Boolean;
     if (inFixedArea && column.fixedOffset + std::size_t{column.length} > kMaxRowSize)
         throwDamaged("a column lies outside its row");
+    if (column.isAutonumber() && column.type != ColumnType::Long)
+        throwDamaged("a column counts by itself but is no Long");
     if (column.isFixed() && column.isLongValue())
         throwDamaged("a long value cannot have a fixed length");
     if (!column.isFixed() && column.variableIndex >= kMaxColumns)

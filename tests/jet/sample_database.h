@@ -48,6 +48,25 @@ inline void appendSamples(Table &table, std::int32_t first, std::int32_t last)
         table.appendRow(sampleRow(id));
 }
 
+/// Calls a function inside one transaction.
+template <typename Work>
+void inTransaction(Database &database, Work &&work)
+{
+    Transaction transaction(database);
+    work();
+    transaction.commit();
+}
+
+/// Deletes the first record, and then each one that is `which` further.
+inline void eraseEvery(Table table, int which)
+{
+    Cursor cursor = table.records();
+    for (int i = 0; cursor.next(); ++i) {
+        if (i % which == 0)
+            cursor.erase();
+    }
+}
+
 inline std::vector<Row> rowsOf(Cursor cursor)
 {
     std::vector<Row> rows;

@@ -1,0 +1,127 @@
+#pragma once
+
+#include "jet/data_page.h"
+#include "jet/index_page.h"
+#include "jet/row_codec.h"
+#include "jet/table_definition_codec.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <memory>
+#include <vector>
+
+// A database file as bytes, for tests that change pages behind the engine's back: as other programs
+// would have written them, or damaged.
+
+namespace jet
+{
+
+inline Bytes bytesOf(const std::filesystem::path &path)
+{
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+inline void writeFile(const std::filesystem::path &path, const Bytes &bytes)
+{
+    std::ofstream file(path, std::ios::binary);
+    for (const std::uint8_t byte : bytes)
+        file.put(static_cast<char>(byte));
+}
+
+/// The pages of a file whose first user table is the one that is changed.
+class FileImage
+{
+public:
+    FileImage() = default;
+    explicit FileImage(Bytes bytes) : m_bytes(std::move(bytes))
+    {
+        // the first definition behind those of the system
+        for (m_definition = 6; page(m_definition)[0] != 2;)
+            ++m_definition;
+    }
+
+    const Bytes &bytes() const { return m_bytes; }
+    PageNo definitionPage() const { return m_definition; }
+    MutablePageBytes page(PageNo number)
+    {
+        return MutableBytes(m_bytes).subspan(number * kPageSize).first<kPageSize>();
+    }
+    PageNo firstDataPage()
+    {
+        PageNo number = m_definition + 1;
+        while (page(number)[0] != 1 || readU32(page(number), 4) != m_definition)
+            ++number;
+        return number;
+    }
+    TableDefinition definition()
+    {
+        Bytes bytes;
+        appendDefinitionPage(bytes, page(m_definition));
+        return parseTableDefinition(bytes);
+    }
+    void setDefinition(const TableDefinition &table)
+    {
+        const Bytes bytes = encodeTableDefinition(table);
+        const std::vector<PageNo> pages{m_definition};
+        writeBytes(page(m_definition), 0, splitDefinition(bytes, pages).front());
+    }
+    IndexPage indexPage(PageNo number)
+    {
+        auto copy = std::make_shared<PageBuffer>();
+        std::ranges::copy(page(number), copy->begin());
+        return {copy, number, m_definition};
+    }
+    /// Bit of an inline map; for the global map 1 means free.
+    void setMapBit(RowPointer map, PageNo number, bool value)
+    {
+        const Slot slot = slotAt(page(map.page), map.page, map.row);
+        std::uint8_t &byte = page(map.page)[slot.start + 5 + number / 8];
+        const auto bit = static_cast<std::uint8_t>(1u << number % 8);
+        byte = static_cast<std::uint8_t>(value ? byte | bit : byte & ~bit);
+    }
+    /// Moves a row to another slot of its page, and leaves a pointer in its own.
+    void leavePointerBehind(PageNo data, std::size_t slot)
+    {
+        const ByteView row = rowAt(page(data), data, slot);
+        const Bytes image(row.begin(), row.end());
+        const std::uint8_t moved = insertRow(page(data), image).value();
+        setFlag(data, moved, SlotFlag::Moved);
+        setFlag(data, slot, SlotFlag::Pointer);
+        writeRowPointer(page(data), slotAt(page(data), data, slot).start, {data, moved});
+    }
+    /// Makes a page a leaf as other programs fill it: all entries but the first without the prefix
+    /// they share.
+    void writeCompressedLeaf(PageNo number, const std::vector<Bytes> &entries)
+    {
+        const MutablePageBytes leaf = page(number);
+        const auto shared = std::ranges::mismatch(entries.front(), entries.back()).in1;
+        const auto prefix = shared - entries.front().begin();
+        writeLeaf(leaf, m_definition, {}, {});
+        std::size_t end = 0;
+        for (const Bytes &entry : entries) {
+            const ByteView stored =
+                ByteView(entry).subspan(end == 0 ? 0 : static_cast<std::size_t>(prefix));
+            writeBytes(leaf, kEntryArea + end, stored);
+            end += stored.size();
+            std::uint8_t &bits = leaf[27 + end / 8];
+            bits = static_cast<std::uint8_t>(bits | 1u << end % 8);
+        }
+        writeU16(leaf, 2, static_cast<std::uint16_t>(kEntryAreaSize - end));
+        writeU16(leaf, 24, static_cast<std::uint16_t>(prefix));
+    }
+
+private:
+    void setFlag(PageNo data, std::size_t slot, unsigned flag)
+    {
+        const std::size_t place = kDataPageHeader + 2 * slot;
+        writeU16(page(data), place, static_cast<std::uint16_t>(readU16(page(data), place) | flag));
+    }
+
+    Bytes m_bytes;
+    PageNo m_definition = 0;
+};
+
+} // namespace jet
