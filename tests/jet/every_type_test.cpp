@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <random>
 
 // Tables that the measurements do not need but other people's files have, written by the engine
 // and read back by it and by mdbtools.
@@ -110,124 +109,6 @@ TEST_F(EveryType, AssignmentsAreConvertedOrRefusedWhole)
 
     table.append({{u"Id", Text(u"7")}, {u"Scurt", 2.5}, {u"Nume", 0.1}, {u"Lung", kSomeDay}});
     EXPECT_EQ(exported(), "7,0,,2,,,,,,\"0.1\",\"2026-11-21 12:00:00\",,,\n");
-}
-
-TEST_F(EveryType, TwoHundredColumnsOverManyPages)
-{
-    TableDesign design;
-    const ColumnType types[] = {ColumnType::Integer, ColumnType::Text, ColumnType::Boolean,
-                                ColumnType::Double};
-    for (std::size_t i = 0; i < 200; ++i)
-        design.columns.push_back(
-            {u"Coloana cu nume lung " + fromUtf8(std::to_string(i)), types[i % 4], 50});
-    design.indexes = {{u"Prima", {{design.columns[0].name}}, true}};
-    Table table = make(design);
-
-    std::string expected;
-    for (int row = 0; row < 30; ++row) {
-        Assignments values;
-        for (std::size_t i = 0; i < design.columns.size(); ++i) {
-            const int number = 200 * row + static_cast<int>(i);
-            const bool null = i != 0 && number % 7 == 0;
-            values.emplace_back(design.columns[i].name, null ? Value{} : Value(number));
-            expected += i == 0 ? "" : ",";
-            if (types[i % 4] == ColumnType::Boolean)
-                expected += null ? "0" : "1";
-            else if (types[i % 4] == ColumnType::Text && !null)
-                expected += '"' + std::to_string(number) + '"';
-            else if (!null)
-                expected += std::to_string(number);
-        }
-        expected += '\n';
-        table.append(values);
-    }
-    expectSound();
-    EXPECT_EQ(exported(), expected);
-    EXPECT_EQ(rowsOf(Database::open(m_path).table(u"T").records()).size(), 30u);
-
-    m_database.dropTable(u"T");
-    expectSound();
-}
-
-TEST_F(EveryType, LongTextsOfEveryForm)
-{
-    Table table = make({u"", {{u"Id", ColumnType::Long}, {u"Text", ColumnType::Memo}}, {}});
-    // inline up to 64 bytes, one row up to 4076, then chains; one and two bytes per character
-    std::vector<Text> texts;
-    for (const std::size_t length : {1, 31, 32, 33, 62, 65, 2038, 2039, 4074, 4077, 9000, 70000}) {
-        texts.push_back(Text(length, u'a'));
-        texts.push_back(Text(length, u'ș'));
-    }
-    std::string expected;
-    for (std::size_t i = 0; i < texts.size(); ++i) {
-        table.append({{u"Id", static_cast<std::int32_t>(i)}, {u"Text", texts[i]}});
-        expected += std::to_string(i) + ",\"" + toUtf8(texts[i]) + "\"\n";
-    }
-    expectSound();
-    EXPECT_EQ(exported(), expected);
-
-    // longer, shorter, gone: each text takes the place of the one that follows it
-    Cursor cursor = table.records();
-    for (std::size_t i = 0; cursor.next(); ++i) {
-        if (i % 3 == 0)
-            cursor.erase();
-        else
-            cursor.update({{u"Text", texts[(i + 1) % texts.size()]}});
-    }
-    expectSound();
-    for (const Row &row : rowsOf(table.records())) {
-        const auto i = static_cast<std::size_t>(std::get<std::int32_t>(row[0]));
-        EXPECT_NE(i % 3, 0u);
-        EXPECT_EQ(row[1], Value(texts[(i + 1) % texts.size()])) << i;
-    }
-    table.deleteAll();
-    expectSound();
-}
-
-TEST_F(EveryType, TextKeysWithEveryAsciiCharacter)
-{
-    Table table =
-        make({u"",
-              {{u"Cheie", ColumnType::Text, 20}, {u"Nr", ColumnType::Integer}},
-              {{u"Sus", {{u"Cheie"}}, false, true}, {u"Jos", {{u"Cheie", true}, {u"Nr"}}}}});
-    std::vector<Text> keys;
-    for (char16_t c = 1; c < 0x80; ++c) {
-        if (c >= u'a' && c <= u'z')
-            continue; // the same keys as the upper case
-        for (const Text &rest : {Text(u""), Text(u"x"), Text(u"ăâîşţ")}) {
-            keys.push_back(Text(1, c) + rest);
-            keys.push_back(u"q" + Text(2, c) + u"Z" + rest);
-        }
-    }
-    std::erase(keys, Text(u" ")); // trailing blanks do not count: an empty key
-    std::shuffle(keys.begin(), keys.end(), std::mt19937(7));
-    for (std::size_t i = 0; i < keys.size(); ++i)
-        table.append({{u"Cheie", keys[i]}, {u"Nr", static_cast<std::int32_t>(i)}});
-    EXPECT_EQ(errorOf([&] {
-                  table.append(Assignments{{u"Cheie", Text(u"QaAz ")}});
-              }),
-              ErrorCode::DuplicateKey);
-    expectSound();
-    EXPECT_EQ(mdbCount(m_path, "T"), std::to_string(keys.size()) + "\n");
-
-    Cursor up = table.byIndex(u"Sus");
-    for (const Text &key : keys) {
-        const Value wanted(key);
-        ASSERT_TRUE(up.seek(std::span(&wanted, 1)));
-        EXPECT_EQ(up.value(u"Cheie"), wanted);
-    }
-    std::vector<Row> ascending = rowsOf(table.byIndex(u"Sus"));
-    const std::vector<Row> descending = rowsOf(table.byIndex(u"Jos"));
-    std::reverse(ascending.begin(), ascending.end());
-    EXPECT_EQ(ascending, descending);
-
-    Cursor all = table.records();
-    for (bool erase = true; all.next(); erase = !erase) {
-        if (erase)
-            all.erase();
-    }
-    expectSound();
-    EXPECT_EQ(rowsOf(table.byIndex(u"Sus")).size(), keys.size() / 2);
 }
 
 TEST_F(EveryType, SortsByColumnsThatNoIndexCouldHave)

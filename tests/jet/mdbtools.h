@@ -1,6 +1,12 @@
 #pragma once
 
+#include "jet/cursor.h"
+#include "jet/text_codec.h"
+#include "jet/value_conversion.h"
+
 #include <array>
+#include <chrono>
+#include <cmath>
 #include <cstdio>
 #include <filesystem>
 #include <initializer_list>
@@ -55,11 +61,56 @@ inline std::string outputOf(std::initializer_list<std::string> command)
     return output;
 }
 
-/// A table as comma-separated lines, without the line of names.
+/// A table as comma-separated lines, without the line of names; rows as in table order.
 inline std::string mdbExport(const std::filesystem::path &database, const std::string &table)
 {
     return outputOf({"mdb-export", "-H", "-D", "%Y-%m-%d", "-T", "%Y-%m-%d %H:%M:%S",
                      database.string(), table});
+}
+
+/// A value as mdbExport() has it: two programs write the same number or date in one way only here.
+inline std::string exported(const Value &value)
+{
+    char text[64] = "";
+    if (const bool *flag = std::get_if<bool>(&value))
+        return *flag ? "1" : "0";
+    if (const double *number = std::get_if<double>(&value)) {
+        std::snprintf(text, sizeof text, "%.16g", *number);
+        return text;
+    }
+    if (const DateTime *moment = std::get_if<DateTime>(&value)) {
+        using namespace std::chrono;
+        const auto seconds = static_cast<long long>(std::llround(moment->days * 86400));
+        const auto day = sys_days(year(1899) / 12 / 30) + days(seconds / 86400);
+        const year_month_day date(day);
+        const hh_mm_ss time(std::chrono::seconds(seconds % 86400));
+        std::snprintf(text, sizeof text, "\"%04d-%02u-%02u %02ld:%02ld:%02ld\"",
+                      static_cast<int>(date.year()), static_cast<unsigned>(date.month()),
+                      static_cast<unsigned>(date.day()), static_cast<long>(time.hours().count()),
+                      static_cast<long>(time.minutes().count()),
+                      static_cast<long>(time.seconds().count()));
+        return text;
+    }
+    if (const Text *words = std::get_if<Text>(&value)) {
+        std::string quoted = "\"";
+        for (const char letter : toUtf8(*words))
+            quoted.append(letter == '"' ? 2 : 1, letter);
+        return quoted + '"';
+    }
+    return defaultText(value);
+}
+
+/// The rows a cursor goes through, as mdbExport() has them.
+inline std::string exported(Cursor cursor)
+{
+    std::string lines;
+    for (Row row; cursor.next();) {
+        cursor.read(row);
+        for (const Value &value : row)
+            lines += exported(value) + ',';
+        lines.back() = '\n';
+    }
+    return lines;
 }
 
 inline std::string mdbTables(const std::filesystem::path &database)
