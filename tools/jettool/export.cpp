@@ -142,8 +142,12 @@ void writeCsv(std::ostream &out, const jet::Table &table)
     }
 }
 
-void writeJsonLines(std::ostream &out, const jet::Table &table)
+void writeJsonLines(std::ostream &out, const jet::Table &table, JsonLine form)
 {
+    const bool isNamed = form == JsonLine::NamedRecord;
+    const std::string start =
+        isNamed ? "{\"table\": " + jsonText(jet::toUtf8(table.name())) + ", \"record\": {" : "{";
+    const char *const end = isNamed ? "}}\n" : "}\n";
     std::vector<std::string> names;
     for (const jet::ColumnDesign &column : table.design().columns)
         names.push_back(jsonText(jet::toUtf8(column.name)));
@@ -151,8 +155,8 @@ void writeJsonLines(std::ostream &out, const jet::Table &table)
     for (jet::Row row; cursor.next();) {
         cursor.read(row);
         for (std::size_t column = 0; column < row.size(); ++column)
-            out << (column == 0 ? "{" : ", ") << names[column] << ": " << jsonField(row[column]);
-        out << "}\n";
+            out << (column == 0 ? start : ", ") << names[column] << ": " << jsonField(row[column]);
+        out << end;
     }
 }
 

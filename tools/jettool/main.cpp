@@ -25,15 +25,19 @@ constexpr std::string_view kUsage =
     "  tables FILE             names of the tables, one per line\n"
     "  schema FILE [TABLE]     columns and indexes as CREATE statements\n"
     "  count FILE TABLE        number of records\n"
-    "  dump FILE [TABLE]       records as comma-separated values; every table when none is named\n"
+    "  dump FILE [TABLE]       records as comma-separated values; without TABLE those of every "
+    "table,\n"
+    "                          each after a line \"# NAME\"\n"
     "  dump --json FILE [TABLE]\n"
-    "                          records as JSON, one object per line\n"
+    "                          records as JSON lines; without TABLE each line is\n"
+    "                          {\"table\": NAME, \"record\": {...}}\n"
     "  check FILE              walk every page, map, row and index; exit code 1 when something is\n"
     "                          wrong, with the page and the reason on each line\n"
     "  compact FILE            write all tables into a new file that replaces FILE\n"
     "\n"
-    "exit code: 0 done, 1 damage found or failed, 2 wrong usage\n";
+    "Only create and compact write. Exit code: 0 done, 1 damage found or failed, 2 wrong usage.\n";
 
+constexpr std::string_view kJsonOption = "--json"; // of dump
 constexpr int kFailed = 1;
 constexpr int kWrongUsage = 2;
 
@@ -47,12 +51,7 @@ using Arguments = std::vector<std::string>;
 jet::DateTime now()
 {
     const std::time_t seconds = std::time(nullptr);
-    std::tm local{};
-#ifdef _WIN32
-    localtime_s(&local, &seconds);
-#else
-    localtime_r(&seconds, &local);
-#endif
+    const std::tm local = *std::localtime(&seconds); // the only thread
     using namespace std::chrono;
     const sys_days day = year(local.tm_year + 1900) / (local.tm_mon + 1) / local.tm_mday;
     const auto days = (day - sys_days(year(1899) / 12 / 30)).count();
@@ -122,18 +121,20 @@ int count(const Arguments &arguments)
 
 int dump(Arguments arguments)
 {
-    const bool json = std::erase(arguments, "--json") != 0;
+    const bool json = std::erase(arguments, kJsonOption) != 0;
     wantArguments(arguments, 1, 2);
     const jet::Database database = openForReading(arguments[0]);
     const jet::Snapshot snapshot(database);
     const bool several = arguments.size() == 1;
+    const auto line = several ? jettool::JsonLine::NamedRecord : jettool::JsonLine::Record;
     for (const jet::Table &table : chosenTables(database, arguments)) {
+        if (json) {
+            jettool::writeJsonLines(std::cout, table, line);
+            continue;
+        }
         if (several)
-            std::cout << (json ? "// " : "# ") << jet::toUtf8(table.name()) << '\n';
-        if (json)
-            jettool::writeJsonLines(std::cout, table);
-        else
-            jettool::writeCsv(std::cout, table);
+            std::cout << "# " << jet::toUtf8(table.name()) << '\n';
+        jettool::writeCsv(std::cout, table);
     }
     return 0;
 }
@@ -169,8 +170,13 @@ int run(const Arguments &words)
         return 0;
     }
     for (const auto &[name, function] : commands) {
-        if (name == command)
-            return function(arguments);
+        if (name != command)
+            continue;
+        for (const std::string &argument : arguments) {
+            if (argument.starts_with("--") && (name != "dump" || argument != kJsonOption))
+                throw UsageError{"unknown option '" + argument + "' of " + command};
+        }
+        return function(arguments);
     }
     throw UsageError{"unknown command '" + command + "'"};
 }
