@@ -109,7 +109,7 @@ public:
 
     void moved(const TableStore &table, RowPointer place) override
     {
-        const auto key = table.keyOf(m_index, table.read(place));
+        const auto key = table.storedKeyOf(m_index, table.read(place), place);
         if (key)
             m_cursor.seek(indexEntry(key->bytes, place));
     }

@@ -1,5 +1,6 @@
 #include "jet/table_store.h"
 
+#include "jet/index_cursor.h"
 #include "jet/table_definition_codec.h"
 #include "jet/text_codec.h"
 #include "jet/usage_map.h"
@@ -177,6 +178,47 @@ std::optional<IndexKey> TableStore::keyOf(std::size_t realIndex, const Row &valu
     return key;
 }
 
+std::optional<IndexKey> TableStore::storedKeyOf(std::size_t realIndex, const Row &values,
+                                                RowPointer row) const
+{
+    try {
+        return keyOf(realIndex, values);
+    } catch (const Error &error) {
+        if (error.code() != ErrorCode::NotSupported)
+            throw;
+    }
+    IndexCursor cursor(tree(realIndex));
+    for (bool found = cursor.moveFirst(); found; found = cursor.next()) {
+        if (cursor.row() != row)
+            continue;
+        IndexKey key;
+        key.bytes.assign(cursor.entry().begin(), cursor.entry().end() - kRowIdSize);
+        return key;
+    }
+    throwDamaged("an index has no entry of a row", tree(realIndex).root());
+}
+
+TableStore::Keys TableStore::storedKeysOf(const Row &values, RowPointer row) const
+{
+    Keys keys;
+    for (std::size_t index = 0; index < m_definition.realIndexes.size(); ++index)
+        keys.push_back(storedKeyOf(index, values, row));
+    return keys;
+}
+
+/// Keys of a row that is to get new values; where no column of an index changes, the old one.
+TableStore::Keys TableStore::changedKeys(const Row &values, const std::vector<bool> &changed,
+                                         const Keys &old) const
+{
+    Keys keys;
+    for (std::size_t index = 0; index < m_definition.realIndexes.size(); ++index) {
+        const bool isNew = std::ranges::any_of(m_keyPlaces[index],
+                                               [&](std::size_t place) { return changed[place]; });
+        keys.push_back(isNew ? keyOf(index, values) : old[index]);
+    }
+    return keys;
+}
+
 TableStore::Keys TableStore::keysOf(const Row &values) const
 {
     Keys keys;
@@ -280,8 +322,8 @@ void TableStore::removeEntry(std::size_t realIndex, const IndexKey &key, RowPoin
 
 RowPointer TableStore::update(RowPointer row, const Row &values, const std::vector<bool> &changed)
 {
-    const Keys oldKeys = keysOf(read(row));
-    const Keys newKeys = keysOf(values);
+    const Keys oldKeys = storedKeysOf(read(row), row);
+    const Keys newKeys = changedKeys(values, changed, oldKeys);
     const auto sameKey = [&](std::size_t index) {
         const auto &left = oldKeys[index];
         const auto &right = newKeys[index];
@@ -331,7 +373,7 @@ Bytes TableStore::storeChanged(RowPointer row, const Row &values, const std::vec
 
 void TableStore::erase(RowPointer row)
 {
-    const Keys keys = keysOf(read(row));
+    const Keys keys = storedKeysOf(read(row), row);
     const StoredRow stored = m_rows.read(row);
     for (std::size_t index = 0; index < keys.size(); ++index) {
         if (keys[index])

@@ -70,6 +70,10 @@ public:
     }
     /// The key a row has in an index; nothing when the index leaves such rows out.
     std::optional<IndexKey> keyOf(std::size_t realIndex, const Row &values) const;
+    /// The same for a row that is stored: a key that the engine cannot work out, as another program
+    /// made it of text in an order unknown here, is taken from the row's entry.
+    std::optional<IndexKey> storedKeyOf(std::size_t realIndex, const Row &values,
+                                        RowPointer row) const;
     /// Nothing when there is no such column; names are compared as the database program does.
     std::optional<std::size_t> columnNamed(std::u16string_view name) const;
 
@@ -80,6 +84,8 @@ private:
 
     void resolve(std::size_t column, Value &value) const;
     Keys keysOf(const Row &values) const;
+    Keys storedKeysOf(const Row &values, RowPointer row) const;
+    Keys changedKeys(const Row &values, const std::vector<bool> &changed, const Keys &old) const;
     void checkKey(std::size_t realIndex, const IndexKey &key) const;
     Bytes encodeWithPlans(const Row &values) const;
     Bytes store(const Row &values);

@@ -150,4 +150,41 @@ TEST_F(ForeignFile, CompressedLeafFullerThanThreeOfOurs)
     expectIds({});
 }
 
+TEST_F(ForeignFile, KeyThatOnlyTheOtherProgramCanWorkOut)
+{
+    TableDesign design = twoColumns(true);
+    design.indexes.push_back({u"Nume", {{u"Nume"}}});
+    make(design, 4);
+    load();
+    const PageNo data = m_image.firstDataPage();
+    for (const std::size_t slot : {1U, 2U}) {
+        const Slot row = slotAt(m_image.page(data), data, slot);
+        const MutableBytes bytes = m_image.page(data).subspan(row.start, row.length);
+        *std::ranges::find(bytes, std::uint8_t{'n'}) = 0xB5; // a micro sign
+    }
+    save();
+    expectIds({1, 2, 3, 4});
+
+    Database database = open();
+    Table table = database.table(u"T");
+    EXPECT_EQ(errorOf([&] {
+                  table.append(Assignments{{u"Nume", u"µ"}});
+              }),
+              ErrorCode::NotSupported);
+    Cursor cursor = table.byIndex(u"Nume");
+    ASSERT_TRUE(cursor.next() && cursor.next());
+    ASSERT_EQ(cursor.value(u"Nume"), Value(Text(u"µnnnnnnn")));
+    cursor.update({{u"Id", 20}});
+    EXPECT_EQ(cursor.row(), (Row{20, Text(u"µnnnnnnn")}));
+    ASSERT_TRUE(cursor.next());
+    cursor.erase();
+    expectIds({1, 20, 4});
+    cursor.first();
+    ASSERT_TRUE(cursor.next());
+    cursor.update({{u"Nume", Text(90, u'z')}});
+    table.append({{u"Id", 5}, {u"Nume", u"a"}});
+    expectIds({1, 20, 4, 5});
+    EXPECT_EQ(idsOf(table.byIndex(u"Nume")), (std::vector<std::int32_t>{5, 1, 4, 20}));
+}
+
 } // namespace jet
