@@ -30,5 +30,30 @@ TEST(Database, AppendsKeepIndexCountAndReadersInAgreement)
     EXPECT_EQ(std::ranges::count(exported, '\n'), 3000);
 }
 
+TEST(Database, NamesThatTheDatabaseProgramWouldNotTakeAreRefused)
+{
+    const TemporaryFolder folder;
+    Database database = Database::create(folder / "t.mdb", kSomeDay, unsynced());
+    database.createTable(tabelDesign(), kSomeDay);
+    TableDesign longest = tabelDesign(Text(64, u'n'));
+    longest.columns.front().name = longest.indexes.front().columns.front().column = longest.name;
+    database.createTable(longest, kSomeDay);
+    for (const Text &name : {Text(), Text(65, u'n'), Text(u" a"), Text(u"a.b"), Text(u"a!"),
+                             Text(u"[a]"), Text(u"a`"), Text(u"a\n")}) {
+        const auto code = [&](TableDesign design) {
+            return errorOf([&] { database.createTable(design, kSomeDay); });
+        };
+        TableDesign column = tabelDesign(u"Nou");
+        column.columns.back().name = name;
+        TableDesign index = tabelDesign(u"Nou");
+        index.indexes.front().name = name;
+        for (const auto &error : {code(tabelDesign(name)), code(column), code(index),
+                                  errorOf([&] { database.renameTable(u"Tabel", name, kSomeDay); })})
+            EXPECT_EQ(error, ErrorCode::InvalidName) << toUtf8(name);
+    }
+    EXPECT_EQ(database.tables(), (std::vector<Text>{u"Tabel", longest.name}));
+    EXPECT_EQ(findings(database), "");
+}
+
 } // namespace
 } // namespace jet

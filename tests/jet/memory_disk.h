@@ -43,6 +43,7 @@ struct MemoryDisk {
     std::map<std::string, Entry> removed; ///< until the folder is synced
     std::vector<Renaming> renamings;      ///< likewise
     Fault fault = Fault::None;
+    ErrorCode failure = ErrorCode::DiskError;
     long faultAt = 0;          ///< number of the operation it hits
     std::size_t keptBytes = 0; ///< of a write that is hit
     long operations = 0;       ///< writes, resizes, syncs and removals so far
@@ -67,7 +68,7 @@ struct MemoryDisk {
         if (fault != Fault::None && ++operations == faultAt) {
             fired = true;
             part();
-            throw Error(ErrorCode::DiskError, "The disk has failed.");
+            throw Error(failure, "The disk has failed.");
         }
         whole();
     }

@@ -1,0 +1,103 @@
+#include "tests/jet/file_image.h"
+#include "tests/jet/memory_disk.h"
+#include "tests/jet/sample_database.h"
+
+#include <gtest/gtest.h>
+
+// Files near the bounds of the format and of the disk. The length comes from a hole in the file:
+// its pages are free ones that take no room.
+
+namespace jet
+{
+namespace
+{
+
+class LargeFile : public testing::Test
+{
+protected:
+    Database withPages(PageNo count)
+    {
+        {
+            Database database = Database::create(m_path, kSomeDay, unsynced());
+            database.createTable(
+                {u"T", {{u"Id", ColumnType::Long}, {u"Nume", ColumnType::Text}}, {}}, kSomeDay);
+        }
+        std::filesystem::resize_file(m_path, fileOffset(count));
+        return Database::open(m_path, unsynced());
+    }
+    /// Rows of which seven fill a page.
+    static void append(Table table, std::int32_t rows)
+    {
+        for (std::int32_t id = 1; id <= rows; ++id)
+            table.appendRow({id, Text(255, u'ș')});
+    }
+
+    TemporaryFolder m_folder;
+    std::filesystem::path m_path = m_folder / "t.mdb";
+};
+
+TEST_F(LargeFile, MapOfFreePagesOutgrowsItsPage)
+{
+    constexpr PageNo kPages = kPageSize * 8 + 100; // more than one page has bits for
+    Database database = withPages(kPages);
+    Table table = database.table(u"T");
+    inTransaction(database, [&] { append(table, 5000); });
+    EXPECT_GT(std::filesystem::file_size(m_path), fileOffset(kPages));
+    EXPECT_EQ(findings(database), "");
+    EXPECT_TRUE(exported(table.records()) == mdbExport(m_path, "T"));
+
+    const auto size = std::filesystem::file_size(m_path);
+    table.deleteAll();
+    EXPECT_EQ(findings(database), "");
+    inTransaction(database, [&] { append(table, 5000); });
+    EXPECT_EQ(std::filesystem::file_size(m_path), size);
+    database.dropTable(u"T");
+    EXPECT_EQ(findings(database), "");
+}
+
+TEST_F(LargeFile, StatementThatWouldPassTheFormatsLimitIsRefused)
+{
+    Database database = withPages(0x80000);
+    Table table = database.table(u"T");
+    append(table, 100);
+    EXPECT_EQ(errorOf([&] { inTransaction(database, [&] { append(table, 5000); }); }),
+              ErrorCode::DiskFull);
+    EXPECT_EQ(table.recordCount(), 100U);
+    EXPECT_EQ(std::filesystem::file_size(m_path), fileOffset(0x80000));
+    append(table, 1);
+    EXPECT_EQ(table.recordCount(), 101U);
+}
+
+TEST(FullDisk, RefusesTheStatementAndNothingElse)
+{
+    const TemporaryFolder folder;
+    {
+        Database database = Database::create(folder / "t.mdb", kSomeDay, unsynced());
+        Table table = database.createTable(tabelDesign(), kSomeDay);
+        appendSamples(table, 1, 20);
+    }
+    int refused = 0;
+    for (long at = 1, fired = 1; fired != 0; ++at) {
+        MemoryDisk disk;
+        disk.files["t.mdb"].content = bytesOf(folder / "t.mdb");
+        Database database =
+            Database::open("t.mdb", unsynced(), std::make_unique<MemoryFileSystem>(disk));
+        Table table = database.table(u"Tabel");
+        disk.failure = ErrorCode::DiskFull;
+        disk.setFault(MemoryDisk::Fault::Fail, at, 100);
+        const auto error = errorOf([&] { table.appendRow(sampleRow(21)); });
+        fired = disk.fired;
+        if (error) {
+            ++refused;
+            EXPECT_EQ(error, ErrorCode::DiskFull) << at;
+            EXPECT_EQ(table.recordCount(), 20U) << at;
+            table.appendRow(sampleRow(21));
+        }
+        EXPECT_EQ(table.recordCount(), 21U) << at;
+        EXPECT_EQ(findings(database), "") << at;
+    }
+    EXPECT_GT(refused, 3); // the journal's writes and the file's
+}
+
+} // namespace
+} // namespace jet
