@@ -215,6 +215,20 @@ public:
         sqlite3_finalize(select);
         return sum;
     }
+    void deleteEach(int rows)
+    {
+        const Connection connection(*this);
+        connection.run("BEGIN IMMEDIATE");
+        sqlite3_stmt *remove = connection.prepare("DELETE FROM Tabel WHERE Id = ?");
+        for (int id = 1; id <= rows; ++id) {
+            sqlite3_bind_int(remove, 1, id);
+            if (sqlite3_step(remove) != SQLITE_DONE)
+                throw std::runtime_error("SQLite did not delete a row");
+            sqlite3_reset(remove);
+        }
+        sqlite3_finalize(remove);
+        connection.run("COMMIT");
+    }
 
 private:
     class Connection
@@ -343,14 +357,18 @@ void benchDay(const std::filesystem::path &folder)
     reportMemoryWhileReading(path);
 
     const auto copy = folder / "copy.mdb";
+    const auto theirCopy = folder / "copy.sqlite";
     Jet full(copy, jet::Durability::Synced);
+    Sqlite theirFull(theirCopy, "FULL");
     const auto refill = [&] { copyWithSync(path, copy); };
-    const std::vector<double> deleted = inTurns(
-        kRounds,
-        {{refill}, {[&] { full.deleteAll(); }, refill}, {[&] { full.deleteByCursor(); }, refill}});
+    const auto theirRefill = [&] { copyWithSync(folder / "day.sqlite", theirCopy); };
+    const std::vector<double> deleted =
+        inTurns(kRounds, {{refill},
+                          {[&] { full.deleteAll(); }, refill},
+                          {[&] { full.deleteByCursor(); }, refill},
+                          {[&] { theirFull.deleteEach(kDay); }, theirRefill}});
     report("deleting 86,400 rows", deleted[1], deleted[0], "copy of the file, synced", 3.0);
-    report("deleting 86,400 rows by cursor", deleted[2], deleted[0], "copy of the file, synced",
-           3.0);
+    report("deleting 86,400 rows, one by one", deleted[2], deleted[3], "SQLite FULL", 6.0);
 }
 
 } // namespace
