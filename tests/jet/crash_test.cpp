@@ -23,6 +23,8 @@ struct Scenario {
     const char *name;
     std::function<void(Database &)> prepare;
     std::function<void(Database &)> statement;
+
+    friend void PrintTo(const Scenario &scenario, std::ostream *out) { *out << scenario.name; }
 };
 
 Row noteRow(std::int32_t id, std::size_t length)

@@ -52,6 +52,8 @@ struct Recorded {
     const char *what;
     const char *input;
     const char *replaced;
+
+    friend void PrintTo(const Recorded &damage, std::ostream *out) { *out << damage.what; }
 };
 
 class RecordedDamage : public testing::TestWithParam<Recorded>
