@@ -44,7 +44,8 @@ Catalog::Catalog(Pager &pager)
                                                           columnOf(m_objects, u"DateCreate"),
                                                           columnOf(m_objects, u"DateUpdate"),
                                                           columnOf(m_objects, u"Owner"),
-                                                          columnOf(m_objects, u"Flags")},
+                                                          columnOf(m_objects, u"Flags"),
+                                                          columnOf(m_objects, u"LvProp")},
       m_nameIndex(indexOn(m_objects, {m_columns.parentId, m_columns.name}))
 {
 }
@@ -247,6 +248,21 @@ void Catalog::rename(const Entry &entry, const Text &name, DateTime now)
     std::vector<bool> changed(values.size(), false);
     changed[m_columns.name] = changed[m_columns.updated] = true;
     m_objects.update(entry.row, values, changed);
+}
+
+Value Catalog::properties(const Entry &entry) const
+{
+    return m_objects.read(entry.row)[m_columns.properties];
+}
+
+void Catalog::setProperties(const Text &name, const Value &properties)
+{
+    const auto entry = find(name);
+    Row values = m_objects.read(entry->row);
+    values[m_columns.properties] = properties;
+    std::vector<bool> changed(values.size(), false);
+    changed[m_columns.properties] = true;
+    m_objects.update(entry->row, values, changed);
 }
 
 } // namespace jet

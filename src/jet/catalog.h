@@ -34,10 +34,15 @@ public:
     void remove(const Entry &entry);
     void rename(const Entry &entry, const Text &name, DateTime now);
 
+    /// What the database program notes of a table and its columns, such as captions and default
+    /// values, as it is stored; the engine only carries it over.
+    Value properties(const Entry &entry) const;
+    void setProperties(const Text &name, const Value &properties);
+
 private:
     /// Places of the columns of MSysObjects.
     struct Columns {
-        std::size_t id, parentId, name, type, created, updated, owner, flags;
+        std::size_t id, parentId, name, type, created, updated, owner, flags, properties;
     };
 
     std::optional<RowPointer> rowNamed(const Text &name) const;

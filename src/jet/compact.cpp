@@ -7,6 +7,9 @@
 #include "jet/table_builder.h"
 #include "jet/table_design.h"
 #include "jet/text_codec.h"
+#include "jet/verify.h"
+
+#include <algorithm>
 
 namespace jet
 {
@@ -29,12 +32,34 @@ void copyRows(const TableStore &from, Session &target, const Text &name)
     }
 }
 
+/// What a design does not tell of the columns.
+void keepTextOrders(const TableDefinition &from, TableDefinition &to)
+{
+    for (ColumnDefinition &column : to.columns) {
+        const auto old = std::ranges::find(from.columns, column.name, &ColumnDefinition::name);
+        column.sortOrder = old->sortOrder;
+        column.sortVersion = old->sortVersion;
+        column.compressible = old->compressible;
+    }
+}
+
+/// What cannot be read would be missing in the copy.
+void refuseDamaged(Pager &pager)
+{
+    for (const Finding &finding : verify(pager)) {
+        if (!finding.isLostSpace)
+            throwDamaged("it is not compacted as " + finding.reason, finding.page);
+    }
+}
+
 void copyTable(Session &source, const Catalog::Entry &entry, Session &target, DateTime now)
 {
     const auto from = source.tableAt(entry.definition);
     TableDefinition definition = makeDefinition(designOf(entry.name, from->definition()));
+    keepTextOrders(from->definition(), definition);
     target.begin();
     target.catalog().add(entry.name, buildTable(target.pager(), std::move(definition)), now);
+    target.catalog().setProperties(entry.name, source.catalog().properties(entry));
     copyRows(*from, target, entry.name);
     target.table(entry.name)->continueAutonumber(from->lastAutonumber());
     target.commit();
@@ -44,6 +69,7 @@ void copyTables(Session &source, const std::shared_ptr<FileSystem> &files,
                 const std::filesystem::path &path, DateTime now)
 {
     const Pager::ReadScope scope(source.pager());
+    refuseDamaged(source.pager());
     source.catalog().refuseOtherObjects();
     makeNewDatabase(path, now, files);
     OpenOptions options;
@@ -64,7 +90,7 @@ void compactDatabase(const std::filesystem::path &path, DateTime now,
     source.lockForReplacing();
     std::unique_ptr<LockFile>
         lock; // outlives the source: nobody opens the file before it is replaced
-    Draft draft(*files, path, ".compact");
+    Draft draft(*files, source.pager().path(), ".compact");
     copyTables(source, files, draft.path(), now);
     lock = source.pager().closeKeepingLock();
     draft.putInPlace();

@@ -26,7 +26,8 @@ enum class Order { Ascending, Descending };
 /// Goes through the records of a table, in both directions, while the table may be changed: a
 /// record deleted ahead is not met, one added ahead is, unless the cursor is sorted by a column
 /// without index. Functions that need a current record throw Error(NoCurrentRecord), or
-/// Error(RecordDeleted) when it has been deleted.
+/// Error(RecordDeleted) when it has been deleted and its place not been given to a new record
+/// since; a Snapshot rules that out.
 class Cursor
 {
 public:

@@ -41,7 +41,7 @@ public:
 
     Database(Database &&) noexcept;
     Database &operator=(Database &&) noexcept;
-    /// Rolls a running transaction back and gives up all locks.
+    /// The file stays open as long as a table, cursor or transaction of it lives.
     ~Database();
 
     const std::filesystem::path &path() const;

@@ -34,6 +34,8 @@ void Draft::putInPlace()
         m_files.remove(journal);
         m_files.syncFolder(folder);
     }
+    if (m_files.exists(m_target))
+        m_files.matchAccess(m_path, m_target);
     m_files.replace(m_path, m_target);
     m_files.syncFolder(folder);
 }

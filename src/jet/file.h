@@ -45,6 +45,7 @@ public:
                 ///< are the bytes that the database program itself locks, so it stays out meanwhile
         Writer, ///< exclusive during a write transaction
         Pages,  ///< shared while pages are read, exclusive while they are written
+        Turn,   ///< on the way to Pages: who waits to write keeps new readers behind it
     };
     enum class Mode { Shared, Exclusive };
 
@@ -83,6 +84,14 @@ public:
     virtual void remove(const std::filesystem::path &path) = 0;
     /// Gives a file another name, replacing what had that name, in one step.
     virtual void replace(const std::filesystem::path &from, const std::filesystem::path &to) = 0;
+    /// The file that a name leads to, where names can be links.
+    virtual std::filesystem::path resolve(const std::filesystem::path &path) { return path; }
+    /// Gives a file that was just made the owner and the rights of another, as far as the system
+    /// lets: whoever may use the one may use the other.
+    virtual void matchAccess(const std::filesystem::path & /*file*/,
+                             const std::filesystem::path & /*model*/)
+    {
+    }
     /// Returns when names made, removed or replaced in the folder would survive a loss of power.
     virtual void syncFolder(const std::filesystem::path &folder) = 0;
     /// Never null. With Access::Read on a folder where no file can be made the locks are dummies.

@@ -236,6 +236,26 @@ public:
             throwSystemError("Replacing '" + displayName(to) + "' failed", errno);
     }
 
+    std::filesystem::path resolve(const std::filesystem::path &path) override
+    {
+        std::error_code failure;
+        const bool isLink = std::filesystem::is_symlink(path, failure);
+        const std::filesystem::path target =
+            isLink ? std::filesystem::canonical(path, failure) : path;
+        return failure ? path : target; // a link to nothing fails where it is opened
+    }
+
+    void matchAccess(const std::filesystem::path &file, const std::filesystem::path &model) override
+    {
+        struct stat wanted {
+        };
+        if (::stat(model.c_str(), &wanted) != 0)
+            return;
+        // Only root gives files away; for others the folder's group has to do.
+        [[maybe_unused]] const int owned = ::chown(file.c_str(), wanted.st_uid, wanted.st_gid);
+        ::chmod(file.c_str(), wanted.st_mode & 07777);
+    }
+
     void syncFolder(const std::filesystem::path &folder) override
     {
         const std::filesystem::path name = folder.empty() ? "." : folder;

@@ -39,7 +39,8 @@ void appendRecord(Bytes &bytes, const PageChange &change)
 
 std::filesystem::path journalPath(std::filesystem::path database)
 {
-    return database.replace_extension(".jrn");
+    // Behind the whole name: files that differ in the extension alone must not share a journal.
+    return database += ".jrn";
 }
 
 std::uint64_t hashBytes(ByteView bytes, std::uint64_t seed)

@@ -12,8 +12,8 @@
 namespace jet
 {
 
-// The journal, name.jrn beside the database, makes a statement all or nothing: it receives the new
-// content of every page before the first of them is written to the database. Integers are
+// The journal, name.mdb.jrn beside the database, makes a statement all or nothing: it receives the
+// new content of every page before the first of them is written to the database. Integers are
 // little-endian:
 //    0 "JETJRN2" 0 | 8 u32 pages of the database before | 12 u32 after | 16 u32 number of witnesses
 //    |

@@ -1,23 +1,42 @@
 #include "jet/journal_file.h"
 
+#include "jet/error.h"
+
+#include <utility>
+
 namespace jet
 {
 
-JournalFile::JournalFile(FileSystem &files, const std::filesystem::path &database,
-                         Durability durability)
-    : m_files(files), m_path(journalPath(database)), m_durability(durability)
+JournalFile::JournalFile(FileSystem &files, std::filesystem::path database, Durability durability)
+    : m_files(files), m_database(std::move(database)), m_path(journalPath(m_database)),
+      m_durability(durability)
 {
+}
+
+/// Null when there is none.
+std::unique_ptr<File> JournalFile::openForReading() const
+{
+    if (!m_files.exists(m_path))
+        return nullptr;
+    try {
+        return m_files.open(m_path, FileSystem::Access::Read);
+    } catch (const Error &error) {
+        if (error.code() != ErrorCode::FileNotFound)
+            throw;
+        return nullptr; // removed meanwhile
+    }
 }
 
 bool JournalFile::isEmpty() const
 {
-    return !m_files.exists(m_path) || m_files.open(m_path, FileSystem::Access::Read)->size() == 0;
+    const auto file = openForReading();
+    return !file || file->size() == 0;
 }
 
 std::optional<Journal> JournalFile::read() const
 {
-    const auto file = m_files.open(m_path, FileSystem::Access::Read);
-    return Journal::read(*file);
+    const auto file = openForReading();
+    return file ? Journal::read(*file) : std::nullopt;
 }
 
 std::unique_ptr<File> JournalFile::open()
@@ -25,6 +44,8 @@ std::unique_ptr<File> JournalFile::open()
     const bool isNew = !m_files.exists(m_path);
     auto file = m_files.open(m_path, FileSystem::Access::Create);
     m_wasOpened = true;
+    if (isNew)
+        m_files.matchAccess(m_path, m_database);
     // Without its name on the disk the journal would be lost with the power.
     if (isNew && m_durability == Durability::Synced)
         m_files.syncFolder(m_path.parent_path());

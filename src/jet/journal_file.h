@@ -15,7 +15,7 @@ class JournalFile
 {
 public:
     /// Keeps a reference to `files`.
-    JournalFile(FileSystem &files, const std::filesystem::path &database, Durability durability);
+    JournalFile(FileSystem &files, std::filesystem::path database, Durability durability);
 
     /// True as well when there is no file.
     bool isEmpty() const;
@@ -28,7 +28,10 @@ public:
     bool wasOpened() const { return m_wasOpened; }
 
 private:
+    std::unique_ptr<File> openForReading() const;
+
     FileSystem &m_files;
+    std::filesystem::path m_database;
     std::filesystem::path m_path;
     Durability m_durability;
     bool m_wasOpened = false;

@@ -27,6 +27,8 @@ constexpr LockRange lockRange(LockFile::Part part)
         return {0x7FF00000, 1};
     case LockFile::Part::Pages:
         return {0x7FF00001, 1};
+    case LockFile::Part::Turn:
+        return {0x7FF00003, 1};
     }
     return {};
 }

@@ -92,6 +92,12 @@ void addSystemRows(Pager &pager, DateTime now)
     pager.commit();
 }
 
+void refuseWhenThere(FileSystem &files, const std::filesystem::path &path)
+{
+    if (files.exists(path))
+        throw Error(ErrorCode::FileExists, "Database '" + displayName(path) + "' already exists.");
+}
+
 /// Keeps everybody else from the name, also those who want to make the same file.
 std::unique_ptr<LockFile> lockName(FileSystem &files, const std::filesystem::path &path)
 {
@@ -114,9 +120,9 @@ std::unique_ptr<LockFile> lockName(FileSystem &files, const std::filesystem::pat
 void makeNewDatabase(const std::filesystem::path &path, DateTime now,
                      const std::shared_ptr<FileSystem> &files)
 {
+    refuseWhenThere(*files, path);
     const auto lock = lockName(*files, path);
-    if (files->exists(path))
-        throw Error(ErrorCode::FileExists, "Database '" + displayName(path) + "' already exists.");
+    refuseWhenThere(*files, path); // somebody else may have made it meanwhile
     Draft draft(*files, path, ".new");
     {
         const auto file = files->open(draft.path(), FileSystem::Access::Create);

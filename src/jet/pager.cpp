@@ -6,14 +6,15 @@
 namespace jet
 {
 
-Pager::Pager(std::shared_ptr<FileSystem> files, std::filesystem::path path, OpenOptions options)
-    : m_files(std::move(files)), m_path(std::move(path)), m_options(options),
+Pager::Pager(std::shared_ptr<FileSystem> files, const std::filesystem::path &path,
+             OpenOptions options)
+    : m_files(std::move(files)), m_path(m_files->resolve(path)), m_options(options),
       m_journal(*m_files, m_path, options.durability), m_cache(options.cachedPages)
 {
     if (!m_files->exists(m_path))
         throwFileNotFound(m_path);
     const auto access = m_options.readOnly ? FileSystem::Access::Read : FileSystem::Access::Write;
-    m_lock = m_files->openLock(lockPath(m_path), access);
+    openLock(access);
     lock(Lock::Opener, LockFile::Mode::Shared, "the file is opened exclusively by another program");
     // Not before: while the lock was waited for, another file may have taken this one's place.
     m_file = m_files->open(m_path, access);
@@ -25,6 +26,15 @@ Pager::Pager(std::shared_ptr<FileSystem> files, std::filesystem::path path, Open
                     "Unrecognized database format '" + displayName(m_path) + "'.");
 }
 
+void Pager::openLock(FileSystem::Access access)
+{
+    const std::filesystem::path path = lockPath(m_path);
+    const bool isNew = !m_files->exists(path);
+    m_lock = m_files->openLock(path, access);
+    if (isNew)
+        m_files->matchAccess(path, m_path);
+}
+
 Pager::~Pager()
 {
     rollback();
@@ -32,7 +42,8 @@ Pager::~Pager()
         return;
     // The next opener would only find an empty journal, so a failure here harms nothing.
     try {
-        if (m_lock->tryLock(Lock::Writer, LockFile::Mode::Exclusive))
+        if (m_lock->tryLock(Lock::Writer, LockFile::Mode::Exclusive) &&
+            m_lock->tryLock(Lock::Pages, LockFile::Mode::Exclusive))
             m_journal.removeWhenEmpty();
     } catch (const Error &) {
         return;
@@ -120,7 +131,7 @@ void Pager::commit()
         return;
     }
     try {
-        lock(Lock::Pages, LockFile::Mode::Exclusive, "another program is reading it");
+        lockPages(LockFile::Mode::Exclusive, "another program is reading it");
         applyChanges();
     } catch (...) {
         rollback();
@@ -242,7 +253,7 @@ void Pager::releasePages()
 void Pager::beginRead()
 {
     if (m_readDepth == 0 && !m_inTransaction) {
-        lock(Lock::Pages, LockFile::Mode::Shared, "another program is writing to it");
+        lockPages(LockFile::Mode::Shared, "another program is writing to it");
         try {
             noticeOthers();
         } catch (...) {
@@ -264,6 +275,19 @@ void Pager::lock(Lock part, LockFile::Mode mode, const char *who)
     if (!m_lock->lock(part, mode, m_options.lockTimeout))
         throw Error(ErrorCode::InUse,
                     "Could not use '" + displayName(m_path) + "': " + std::string(who) + ".");
+}
+
+/// Readers that come one after the other would otherwise keep a writer waiting for ever.
+void Pager::lockPages(LockFile::Mode mode, const char *who)
+{
+    lock(Lock::Turn, mode, who);
+    try {
+        lock(Lock::Pages, mode, who);
+    } catch (...) {
+        m_lock->unlock(Lock::Turn);
+        throw;
+    }
+    m_lock->unlock(Lock::Turn);
 }
 
 void Pager::lockWriter()
@@ -291,7 +315,7 @@ void Pager::noticeOthers()
     } else if (!m_journal.isEmpty()) {
         m_lock->unlock(Lock::Pages);
         recover();
-        lock(Lock::Pages, LockFile::Mode::Shared, "another program is writing to it");
+        lockPages(LockFile::Mode::Shared, "another program is writing to it");
     }
     refreshPageCount();
 }
@@ -330,7 +354,7 @@ void Pager::finish(const Journal &journal)
     std::vector<PageChange> changes;
     for (const auto &[page, content] : journal.pages())
         changes.push_back({page, nullptr, content.get()});
-    lock(Lock::Pages, LockFile::Mode::Exclusive, "another program is reading it");
+    lockPages(LockFile::Mode::Exclusive, "another program is reading it");
     m_lock->setStamp(++m_stamp);
     writePages(*m_file, changes);
     m_file->resize(fileOffset(journal.pagesAfter()));

@@ -25,7 +25,8 @@ public:
     /// Opens the file and, when an interrupted statement left a journal, finishes or drops it; a
     /// read-only opener only sees the file as it will be then. Throws Error(FileNotFound),
     /// Error(ReadOnly), Error(InUse), Error(NotADatabase) for a file of less than one page.
-    Pager(std::shared_ptr<FileSystem> files, std::filesystem::path path, OpenOptions options);
+    Pager(std::shared_ptr<FileSystem> files, const std::filesystem::path &path,
+          OpenOptions options);
     ~Pager();
     Pager(const Pager &) = delete;
     Pager &operator=(const Pager &) = delete;
@@ -89,7 +90,9 @@ private:
 
     void beginRead();
     void endRead();
+    void openLock(FileSystem::Access access);
     void lock(Lock part, LockFile::Mode mode, const char *who);
+    void lockPages(LockFile::Mode mode, const char *who);
     void lockWriter();
     void unlockWriter();
     void releasePages();

@@ -179,7 +179,8 @@ private:
             if (isFree && !m_users[page].empty())
                 report(page, "the page is used by " + m_users[page] + " but counts as free");
             else if (!isFree && m_users[page].empty())
-                report(page, "the page counts as used but belongs to nothing");
+                m_findings.push_back(
+                    {page, "the page counts as used but belongs to nothing", true});
         }
     }
 

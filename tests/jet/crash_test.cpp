@@ -372,10 +372,10 @@ TEST_F(WholeFile, CreatedDatabaseIsThereWholeOrNotAtAll)
 {
     MemoryDisk disk;
     // Of a database that had this name once: nothing of it may come back in the new one.
-    disk.files["folder/autoclava1.jrn"].content = Bytes(4096, 7);
+    disk.files["folder/autoclava1.mdb.jrn"].content = Bytes(4096, 7);
     expectOldOrNew(disk, [](MemoryDisk &target) {
         makeNewDatabase(kFile, kSomeDay, filesOf(target));
-        EXPECT_FALSE(target.files.contains("folder/autoclava1.jrn"));
+        EXPECT_FALSE(target.files.contains("folder/autoclava1.mdb.jrn"));
     });
 }
 

@@ -107,7 +107,7 @@ TEST_F(Jettool, ReadsAnInterruptedStatementAndLeavesIt)
         Table table = database.createTable(tabelDesign(), kSomeDay);
         appendSamples(table, 1, 5);
     }
-    const auto journal = m_folder / "autoclava1.jrn";
+    const auto journal = m_folder / "autoclava1.mdb.jrn";
     MemoryDisk disk;
     const Bytes before = bytesOf(m_path);
     // stopped after the first page of an append that has reached the file

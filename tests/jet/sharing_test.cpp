@@ -1,5 +1,6 @@
 #include "jet/compact.h"
 #include "jet/journal.h"
+#include "jet/session.h"
 
 #include "tests/jet/sample_database.h"
 
@@ -92,7 +93,7 @@ TEST_F(Sharing, LockFileOfADeadProgramHindersNobody)
     std::ofstream(m_folder / "autoclava1.ldb") << "left over";
     open().table(u"Tabel").appendRow(sampleRow(21));
     EXPECT_FALSE(exists("autoclava1.ldb"));
-    EXPECT_FALSE(exists("autoclava1.jrn"));
+    EXPECT_FALSE(exists("autoclava1.mdb.jrn"));
 }
 
 TEST_F(Sharing, KilledWriterLosesNothingItReported)
@@ -133,7 +134,7 @@ protected:
     /// database.
     void SetUp() override
     {
-        const auto journal = m_folder / "autoclava1.jrn";
+        const auto journal = m_folder / "autoclava1.mdb.jrn";
         const auto old = m_folder / "old.mdb";
         std::filesystem::copy_file(m_path, old);
         Database database = open();
@@ -217,7 +218,7 @@ TEST_F(LeftOverJournal, IsFinishedOnOpenAndOnlySeenByAReader)
     EXPECT_EQ(std::filesystem::file_size(m_path), size) << "a reader changes nothing";
     EXPECT_EQ(open().table(u"Tabel").recordCount(), 90U);
     EXPECT_EQ(mdbCount(m_path, "Tabel"), "90\n");
-    EXPECT_FALSE(exists("autoclava1.jrn"));
+    EXPECT_FALSE(exists("autoclava1.mdb.jrn"));
 }
 
 TEST_F(LeftOverJournal, IsDroppedWhenNothingOfItReachedTheFile)
@@ -225,7 +226,7 @@ TEST_F(LeftOverJournal, IsDroppedWhenNothingOfItReachedTheFile)
     put(m_path, m_firstChange, m_before);
     EXPECT_EQ(open(true).table(u"Tabel").recordCount(), 20U);
     EXPECT_EQ(open().table(u"Tabel").recordCount(), 20U);
-    EXPECT_FALSE(exists("autoclava1.jrn"));
+    EXPECT_FALSE(exists("autoclava1.mdb.jrn"));
 }
 
 TEST_F(LeftOverJournal, IsDroppedWhenAnotherProgramHasChangedTheFile)
@@ -233,7 +234,7 @@ TEST_F(LeftOverJournal, IsDroppedWhenAnotherProgramHasChangedTheFile)
     const auto torn = m_folder / "torn.mdb";
     std::filesystem::copy_file(m_path, torn);
     const auto files = makeSystemFiles();
-    const auto log = files->open(m_folder / "autoclava1.jrn", FileSystem::Access::Read);
+    const auto log = files->open(m_folder / "autoclava1.mdb.jrn", FileSystem::Access::Read);
     const auto usedAfterChange = [&](std::streamoff offset) {
         std::filesystem::copy_file(torn, m_path, std::filesystem::copy_options::overwrite_existing);
         std::fstream file(m_path, std::ios::binary | std::ios::in | std::ios::out);
@@ -247,8 +248,8 @@ TEST_F(LeftOverJournal, IsDroppedWhenAnotherProgramHasChangedTheFile)
     EXPECT_FALSE(usedAfterChange(m_firstChange + 5)) << "a page that the statement has changed";
 }
 
-/// A compaction comes between the first look at a database and its lock.
-class CompactingFiles final : public FileSystem
+/// The system's files, for what happens between two looks at them.
+class SystemFilesBut : public FileSystem
 {
 public:
     std::unique_ptr<File> open(const std::filesystem::path &path, Access access) override
@@ -264,13 +265,33 @@ public:
     void syncFolder(const std::filesystem::path &folder) override { m_files->syncFolder(folder); }
     std::unique_ptr<LockFile> openLock(const std::filesystem::path &path, Access access) override
     {
-        auto lock = m_files->openLock(path, access);
-        compactDatabase(std::filesystem::path(path).replace_extension(".mdb"), kSomeDay);
-        return lock;
+        return m_files->openLock(path, access);
     }
 
 private:
     std::unique_ptr<FileSystem> m_files = makeSystemFiles();
+};
+
+/// A compaction comes between the first look at a database and its lock.
+class CompactingFiles final : public SystemFilesBut
+{
+public:
+    std::unique_ptr<LockFile> openLock(const std::filesystem::path &path, Access access) override
+    {
+        auto lock = SystemFilesBut::openLock(path, access);
+        compactDatabase(std::filesystem::path(path).replace_extension(".mdb"), kSomeDay);
+        return lock;
+    }
+};
+
+/// The journal goes between a look for it and its opening.
+class VanishingJournal final : public SystemFilesBut
+{
+public:
+    bool exists(const std::filesystem::path &path) override
+    {
+        return path.extension() == ".jrn" || SystemFilesBut::exists(path);
+    }
 };
 
 TEST_F(Sharing, OpenerThatWaitedForACompactionWritesToTheNewFile)
@@ -280,6 +301,65 @@ TEST_F(Sharing, OpenerThatWaitedForACompactionWritesToTheNewFile)
         waited.table(u"Tabel").appendRow(sampleRow(21));
     }
     EXPECT_EQ(open().table(u"Tabel").recordCount(), 21U);
+}
+
+TEST_F(Sharing, JournalRemovedByTheLastWriterDisturbsNoReader)
+{
+    const auto reader =
+        Database::open(m_path, {.readOnly = true}, std::make_shared<VanishingJournal>());
+    EXPECT_EQ(reader.table(u"Tabel").recordCount(), 20U);
+}
+
+TEST_F(Sharing, ReadersGoBehindAWriterThatWaits)
+{
+    const Database reader = open(true);
+    const auto waiting = makeSystemFiles()->openLock(lockPath(m_path), FileSystem::Access::Write);
+    ASSERT_TRUE(waiting->tryLock(LockFile::Part::Turn, LockFile::Mode::Exclusive));
+    EXPECT_EQ(errorOf([&] { reader.table(u"Tabel"); }), ErrorCode::InUse);
+    waiting->unlock(LockFile::Part::Turn);
+    EXPECT_EQ(reader.table(u"Tabel").recordCount(), 20U);
+}
+
+TEST_F(LeftOverJournal, BelongsToTheFileWhateverNameOpensIt)
+{
+    const auto backup = m_folder / "autoclava1.bak";
+    std::filesystem::copy_file(m_folder / "old.mdb", backup);
+    EXPECT_EQ(Database::open(backup).table(u"Tabel").recordCount(), 20U);
+    std::error_code failure;
+    std::filesystem::create_symlink(m_path, m_folder / "link.mdb", failure);
+    const auto name = failure ? m_path : m_folder / "link.mdb"; // some systems have no links
+    EXPECT_EQ(Database::open(name).table(u"Tabel").recordCount(), 90U);
+    EXPECT_FALSE(exists("autoclava1.mdb.jrn"));
+}
+
+TEST_F(Sharing, CompactionKeepsWhatItDoesNotUnderstandAndRefusesDamage)
+{
+    const Bytes properties{'M', 'R', '2', 0, 1, 2, 3};
+    {
+        Session session(makeSystemFiles(), m_path, unsynced());
+        session.begin();
+        session.catalog().setProperties(u"Tabel", properties);
+        session.commit();
+    }
+    std::filesystem::permissions(m_path, std::filesystem::perms::owner_all);
+    const auto rights = std::filesystem::status(m_path).permissions();
+    compactDatabase(m_path, kSomeDay);
+    EXPECT_EQ(std::filesystem::status(m_path).permissions(), rights);
+    {
+        Session session(makeSystemFiles(), m_path, unsynced());
+        Catalog &catalog = session.catalog();
+        EXPECT_EQ(catalog.properties(*catalog.find(u"Tabel")), Value(properties));
+    }
+    std::fstream file(m_path, std::ios::binary | std::ios::in | std::ios::out);
+    const auto count = static_cast<std::streamoff>(
+        fileOffset(
+            Session(makeSystemFiles(), m_path, {true}).catalog().find(u"Tabel")->definition) +
+        16);
+    file.seekp(count);
+    file.put(21); // rows: one more than there are
+    file.close();
+    EXPECT_EQ(errorOf([&] { compactDatabase(m_path, kSomeDay); }), ErrorCode::Damaged);
+    EXPECT_TRUE(std::filesystem::exists(m_path));
 }
 
 } // namespace
