@@ -6,7 +6,7 @@
 #include <windows.h>
 
 #include <map>
-#include <system_error>
+#include <string>
 #include <utility>
 
 namespace jet
@@ -14,9 +14,21 @@ namespace jet
 namespace
 {
 
+/// The system's own text, UTF-8. The C library would give it in the code page of the country.
 std::string messageOf(DWORD number)
 {
-    return std::system_category().message(static_cast<int>(number));
+    std::array<wchar_t, 512> text{};
+    const DWORD length = FormatMessageW(
+        FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS | FORMAT_MESSAGE_MAX_WIDTH_MASK,
+        nullptr, number, 0, text.data(), static_cast<DWORD>(text.size()), nullptr);
+    std::array<char, 3 * text.size()> message{};
+    const int bytes =
+        WideCharToMultiByte(CP_UTF8, 0, text.data(), static_cast<int>(length), message.data(),
+                            static_cast<int>(message.size()), nullptr, nullptr);
+    const std::string_view found(message.data(), static_cast<std::size_t>(bytes));
+    if (const std::size_t end = found.find_last_not_of(' '); end != std::string_view::npos)
+        return std::string(found.substr(0, end + 1));
+    return "error " + std::to_string(number);
 }
 
 [[noreturn]] void throwSystemError(const std::string &what, DWORD number)
@@ -78,6 +90,24 @@ Handle openHandle(const std::filesystem::path &path, FileSystem::Access access)
     const DWORD creation = access == FileSystem::Access::Create ? OPEN_ALWAYS : OPEN_EXISTING;
     return Handle(CreateFileW(path.c_str(), rights, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
                               creation, FILE_ATTRIBUTE_NORMAL, nullptr));
+}
+
+/// As openHandle() makes a file. Its last user removes it, and in that moment the system neither
+/// opens nor makes it.
+Handle openVanishing(const std::filesystem::path &path)
+{
+    constexpr int kAttempts = 8;
+    constexpr DWORD kPause = 2; // ms
+    for (int attempt = 1;; ++attempt) {
+        Handle handle = openHandle(path, FileSystem::Access::Create);
+        const DWORD number = handle.isOpen() ? ERROR_SUCCESS : GetLastError();
+        if (attempt == kAttempts ||
+            (number != ERROR_ACCESS_DENIED && number != ERROR_SHARING_VIOLATION)) {
+            SetLastError(number);
+            return handle;
+        }
+        Sleep(kPause);
+    }
 }
 
 OVERLAPPED at(std::uint64_t offset)
@@ -158,6 +188,9 @@ private:
     Handle m_handle;
 };
 
+/// Held while an exclusive lock is taken; behind the ranges that all systems have.
+constexpr LockRange kGate{0x7FF00002, 1};
+
 class WindowsLockFile final : public LockFile
 {
 public:
@@ -168,37 +201,28 @@ public:
 
     ~WindowsLockFile() override
     {
-        // Fails, as it should, while anybody else has the file open.
+        // Left to the closing, locks go when the system finds the time.
+        for (const auto &[part, mode] : m_held)
+            release(lockRange(part));
         m_handle.close();
-        DeleteFileW(m_path.c_str());
+        DeleteFileW(m_path.c_str()); // fails, as it should, while anybody else has the file open
     }
 
     bool tryLock(Part part, Mode mode) override
     {
         const auto held = m_held.find(part);
-        if (held == m_held.end())
-            return acquire(part, mode);
-        if (held->second == mode)
+        if (held != m_held.end() && held->second == mode)
             return true;
-        if (mode == Mode::Shared) {
-            // A handle may lay a shared lock over its exclusive one; releasing takes that one
-            // first.
-            const bool done = request(part, mode) && release(part);
-            if (done)
-                m_held[part] = mode;
-            return done;
-        }
-        release(part);
-        m_held.erase(part);
-        if (acquire(part, mode))
-            return true;
-        acquire(part, Mode::Shared);
-        return false;
+        const bool done =
+            mode == Mode::Shared ? takeShared(part) : takeExclusive(part, held != m_held.end());
+        if (done)
+            m_held[part] = mode;
+        return done;
     }
     void unlock(Part part) override
     {
         if (m_held.erase(part) != 0)
-            release(part);
+            release(lockRange(part));
     }
 
     std::uint64_t stamp() override
@@ -215,16 +239,34 @@ public:
     }
 
 private:
-    bool acquire(Part part, Mode mode)
+    bool takeShared(Part part)
     {
-        const bool done = request(part, mode);
-        if (done)
-            m_held[part] = mode;
+        // A handle may lay a shared lock over its exclusive one; releasing takes that one first.
+        const bool wasExclusive = m_held.contains(part);
+        if (!request(lockRange(part), Mode::Shared))
+            return false;
+        if (wasExclusive)
+            release(lockRange(part));
+        return true;
+    }
+
+    /// A shared lock does not become an exclusive one, it has to be given up first. Nobody takes an
+    /// exclusive lock without the gate, so the shared one can always be had back.
+    bool takeExclusive(Part part, bool isShared)
+    {
+        if (!request(kGate, Mode::Exclusive))
+            return false;
+        if (isShared)
+            release(lockRange(part));
+        const bool done = request(lockRange(part), Mode::Exclusive);
+        if (!done && isShared && !request(lockRange(part), Mode::Shared))
+            m_held.erase(part); // another program, which knows no gate
+        release(kGate);
         return done;
     }
-    bool request(Part part, Mode mode)
+
+    bool request(LockRange range, Mode mode)
     {
-        const LockRange range = lockRange(part);
         OVERLAPPED place = at(range.start);
         const DWORD flags =
             LOCKFILE_FAIL_IMMEDIATELY | (mode == Mode::Exclusive ? LOCKFILE_EXCLUSIVE_LOCK : 0);
@@ -234,11 +276,10 @@ private:
             throwSystemError("Locking failed", GetLastError());
         return false;
     }
-    bool release(Part part)
+    void release(LockRange range)
     {
-        const LockRange range = lockRange(part);
         OVERLAPPED place = at(range.start);
-        return UnlockFileEx(m_handle.get(), 0, range.length, 0, &place) != 0;
+        UnlockFileEx(m_handle.get(), 0, range.length, 0, &place);
     }
 
     std::filesystem::path m_path;
@@ -254,6 +295,8 @@ public:
         Handle handle = openHandle(path, access);
         if (!handle.isOpen())
             throwCannotOpen(path, GetLastError());
+        if (GetFileType(handle.get()) != FILE_TYPE_DISK) // COM1.mdb is the port
+            throwCannotOpen(path, ERROR_ACCESS_DENIED);
         return std::make_unique<WindowsFile>(std::move(handle));
     }
 
@@ -264,7 +307,8 @@ public:
 
     void remove(const std::filesystem::path &path) override
     {
-        if (!DeleteFileW(path.c_str()) && GetLastError() != ERROR_FILE_NOT_FOUND)
+        if (!DeleteFileW(path.c_str()) && GetLastError() != ERROR_FILE_NOT_FOUND &&
+            GetLastError() != ERROR_PATH_NOT_FOUND)
             throwSystemError("Removing '" + displayName(path) + "' failed", GetLastError());
     }
 
@@ -277,12 +321,13 @@ public:
 
     void syncFolder(const std::filesystem::path &) override
     {
-        // The system writes the names of files through with the files' own metadata.
+        // There is no such call. A new file's name reaches the disk with its first sync, a replaced
+        // one with replace(); the removal of a file may come undone.
     }
 
     std::unique_ptr<LockFile> openLock(const std::filesystem::path &path, Access access) override
     {
-        Handle handle = openHandle(path, Access::Create);
+        Handle handle = openVanishing(path);
         if (!handle.isOpen() && access == Access::Read && GetLastError() == ERROR_ACCESS_DENIED)
             handle = openHandle(path, Access::Read);
         if (handle.isOpen())
