@@ -17,19 +17,11 @@ class Jettool : public testing::Test
 {
 protected:
     /// What it prints, and its exit code on the last line.
-    static std::string run(const std::vector<std::string> &arguments)
+    static std::string run(std::vector<std::string> arguments)
     {
-        std::string line = std::string("'") + JETTOOL + "'";
-        for (const std::string &word : arguments)
-            line += " '" + word + "'";
-        return outputOf({"sh", "-c", shellWord(line + " 2>&1; echo exit $?")});
-    }
-    /// outputOf() puts words into quotes, so those inside have to be closed and opened again.
-    static std::string shellWord(std::string line)
-    {
-        for (std::size_t at = 0; (at = line.find('\'', at)) != std::string::npos; at += 4)
-            line.replace(at, 1, "'\\''");
-        return line;
+        arguments.insert(arguments.begin(), JETTOOL);
+        const Outcome outcome = jet::run(arguments);
+        return outcome.output + "exit " + std::to_string(outcome.status) + '\n';
     }
     TemporaryFolder m_folder;
     std::filesystem::path m_path = m_folder / "autoclava1.mdb";

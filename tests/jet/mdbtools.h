@@ -3,16 +3,23 @@
 #include "jet/cursor.h"
 #include "jet/text_codec.h"
 #include "jet/value_conversion.h"
+#include "tests/jet/command.h"
 
-#include <array>
 #include <chrono>
 #include <cmath>
 #include <cstdio>
 #include <filesystem>
-#include <initializer_list>
 #include <random>
 #include <stdexcept>
 #include <string>
+#include <vector>
+#ifdef _WIN32
+#include <cctype>
+#include <cstdlib>
+#include <fstream>
+#include <process.h>
+#include <thread>
+#endif
 
 // mdbtools read what the engine wrote: programs that share no line with it.
 
@@ -43,29 +50,68 @@ private:
     std::filesystem::path m_path;
 };
 
-/// What a program writes on standard output. Throws when it cannot be run or reports a failure.
-inline std::string outputOf(std::initializer_list<std::string> command)
+#ifdef _WIN32
+/// Under Wine a file has two names: this is the one for the host's programs, such as mdbtools.
+inline std::string toolName(const std::filesystem::path &path)
 {
+    const std::string name = std::filesystem::absolute(path).generic_string();
+    const auto drive = static_cast<char>(std::tolower(static_cast<unsigned char>(name.at(0))));
+    return std::string(std::getenv("WINEPREFIX")) + "/dosdevices/" + drive + name.substr(1);
+}
+
+/// Wine starts the host's programs, but lends them no pipe and waits for none: what they write goes
+/// to a file, and a second one appears when they have ended.
+inline Outcome runTool(const std::vector<std::string> &command)
+{
+    const TemporaryFolder folder;
     std::string line;
     for (const std::string &word : command)
-        line += "'" + word + "' "; // no word of a test has a quote
-    FILE *const pipe = popen(line.c_str(), "r");
-    if (pipe == nullptr)
-        throw std::runtime_error("cannot run " + line);
-    std::string output;
-    std::array<char, 65536> buffer{};
-    while (const std::size_t length = fread(buffer.data(), 1, buffer.size(), pipe))
-        output.append(buffer.data(), length);
-    if (const int status = pclose(pipe); status != 0)
-        throw std::runtime_error(line + "ended with " + std::to_string(status));
-    return output;
+        line += "'" + word + "' ";
+    line += "> '" + toolName(folder / "output") + "' 2>&1; echo $? > '" +
+            toolName(folder / "part") + "'; mv '" + toolName(folder / "part") + "' '" +
+            toolName(folder / "status") + "'";
+    line = '"' + line + '"';
+    if (_spawnl(_P_NOWAIT, R"(Z:\bin\sh)", "sh", "-c", line.c_str(), nullptr) < 0)
+        throw std::runtime_error("mdbtools are run by Wine's host, and there is none");
+    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(60);
+    while (!std::filesystem::exists(folder / "status")) {
+        if (std::chrono::steady_clock::now() > end)
+            throw std::runtime_error("no end of " + line);
+        std::this_thread::yield();
+    }
+    Outcome outcome;
+    std::ifstream output(folder / "output", std::ios::binary);
+    outcome.output.assign(std::istreambuf_iterator<char>(output), {});
+    std::ifstream(folder / "status") >> outcome.status;
+    return outcome;
+}
+#else
+inline std::string toolName(const std::filesystem::path &path)
+{
+    return path.string();
+}
+
+inline Outcome runTool(const std::vector<std::string> &command)
+{
+    return run(command);
+}
+#endif
+
+/// What a tool writes. Throws when it cannot be run or reports a failure.
+inline std::string outputOf(const std::vector<std::string> &command)
+{
+    Outcome outcome = runTool(command);
+    if (outcome.status != 0)
+        throw std::runtime_error(command.front() + " ended with " + std::to_string(outcome.status) +
+                                 ": " + outcome.output);
+    return outcome.output;
 }
 
 /// A table as comma-separated lines, without the line of names; rows as in table order.
 inline std::string mdbExport(const std::filesystem::path &database, const std::string &table)
 {
     return outputOf({"mdb-export", "-H", "-D", "%Y-%m-%d", "-T", "%Y-%m-%d %H:%M:%S",
-                     database.string(), table});
+                     toolName(database), table});
 }
 
 /// A value as mdbExport() has it: two programs write the same number or date in one way only here.
@@ -115,12 +161,12 @@ inline std::string exported(Cursor cursor)
 
 inline std::string mdbTables(const std::filesystem::path &database)
 {
-    return outputOf({"mdb-tables", "-1", database.string()});
+    return outputOf({"mdb-tables", "-1", toolName(database)});
 }
 
 inline std::string mdbCount(const std::filesystem::path &database, const std::string &table)
 {
-    return outputOf({"mdb-count", database.string(), table});
+    return outputOf({"mdb-count", toolName(database), table});
 }
 
 } // namespace jet

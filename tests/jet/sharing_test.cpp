@@ -7,10 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <csignal>
 #include <fstream>
-#include <sys/wait.h>
-#include <unistd.h>
 
 // Several openers of one file, in this process and others.
 
@@ -100,26 +97,11 @@ TEST_F(Sharing, KilledWriterLosesNothingItReported)
 {
     long survived = 20;
     for (int round = 0; round < 12; ++round) {
-        int reports[2];
-        ASSERT_EQ(pipe(reports), 0);
-        const pid_t child = fork();
-        ASSERT_GE(child, 0);
-        if (child == 0) {
-            for (auto id = static_cast<std::int32_t>(survived + 1);; ++id) {
-                open().table(u"Tabel").appendRow(sampleRow(id));
-                if (write(reports[1], &id, sizeof id) != sizeof id)
-                    _exit(1);
-            }
-        }
-        close(reports[1]);
-        std::int32_t last = 0;
-        for (int report = 0; report <= 5 + 7 * round; ++report)
-            ASSERT_EQ(read(reports[0], &last, sizeof last), static_cast<ssize_t>(sizeof last));
-        kill(child, SIGKILL);
-        waitpid(child, nullptr, 0);
-        while (read(reports[0], &last, sizeof last) > 0) {
-        }
-        close(reports[0]);
+        const Outcome writer = run({APPENDING_WRITER, m_path.string(), std::to_string(survived + 1),
+                                    std::to_string(6 + 7 * round)});
+        const std::size_t lastLine = writer.output.rfind('\n', writer.output.size() - 2) + 1;
+        const long last = std::stol(writer.output.substr(lastLine));
+        EXPECT_GE(last, survived + 6 + 7 * round);
         const Database database = open();
         survived = database.table(u"Tabel").recordCount();
         EXPECT_TRUE(survived == last || survived == last + 1) << survived << " of " << last;
@@ -152,7 +134,7 @@ protected:
         m_before = load(old);
         const Bytes after = load(m_path);
         writeJournal(journal, m_before, after);
-        std::filesystem::copy_file(old, m_path, std::filesystem::copy_options::overwrite_existing);
+        std::filesystem::rename(old, m_path);
         m_firstChange = firstDifference(m_before, after);
         put(m_path, m_firstChange, after);
     }
@@ -236,7 +218,8 @@ TEST_F(LeftOverJournal, IsDroppedWhenAnotherProgramHasChangedTheFile)
     const auto files = makeSystemFiles();
     const auto log = files->open(m_folder / "autoclava1.mdb.jrn", FileSystem::Access::Read);
     const auto usedAfterChange = [&](std::streamoff offset) {
-        std::filesystem::copy_file(torn, m_path, std::filesystem::copy_options::overwrite_existing);
+        std::filesystem::remove(m_path);
+        std::filesystem::copy_file(torn, m_path);
         std::fstream file(m_path, std::ios::binary | std::ios::in | std::ios::out);
         file.seekp(offset);
         file.put(7);

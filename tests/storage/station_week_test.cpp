@@ -33,7 +33,7 @@ TEST(StationWeek, EveryDayIsArchivedOnceAndTheFileOfTheDayDoesNotGrow)
     EXPECT_EQ(station.stored, 7 * int(kMinutes));
     EXPECT_TRUE(station.op.told.isEmpty()) << station.op.told.join('\n').toStdString();
 
-    EXPECT_EQ(jet::outputOf({"mdb-count", station.archivePath(monday).toStdString(), "Tabel"}),
+    EXPECT_EQ(jet::mdbCount(station.archivePath(monday).toStdString(), "Tabel"),
               std::to_string(kMinutes) + "\n");
 }
 
