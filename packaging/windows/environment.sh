@@ -1,8 +1,9 @@
+# shellcheck shell=bash disable=SC2034 # names for those who source this
 # Sourced by the scripts beside it: which architectures there are, where things are kept, what is
 # needed to make them.
 
 repository=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
-# shellcheck source=../../scripts/setup.sh
+# shellcheck source-path=SCRIPTDIR source=../../scripts/setup.sh
 . "$repository/scripts/setup.sh"
 
 # Qt for Windows is built once and outlives the clone that built it.
@@ -10,8 +11,8 @@ cache=${STATION_WINDOWS_CACHE:-${XDG_CACHE_HOME:-$HOME/.cache}/monitor_autoclava
 jobs=${STATION_JOBS:-$(nproc)}
 architectures=(x86_64 i686)
 
-windows_packages=(cmake dpkg-dev g++ googletest ninja-build nsis zip
-    g++-mingw-w64-x86-64-posix g++-mingw-w64-i686-posix qt6-base-dev qt6-base-dev-tools libqcustomplot-dev)
+windows_packages=("${build_packages[@]}" dpkg-dev git googletest nsis qt6-base-dev-tools zip
+    g++-mingw-w64-x86-64-posix g++-mingw-w64-i686-posix)
 
 say() { printf '== %s\n' "$*"; }
 fail() {
@@ -20,9 +21,20 @@ fail() {
 }
 
 # The host's Qt tools generate code for the Windows Qt: both must be the same version.
+# shellcheck disable=SC2016 # a field of dpkg
 qt_version() { dpkg-query -W -f '${source:Version}' qt6-base-dev; }
 qt_prefix() { printf '%s/qt-%s-%s' "$cache" "$(qt_version)" "$1"; }
 
+station_version() { sed -n 's/^project(monitor_autoclava VERSION \([0-9.]*\).*/\1/p' "$repository/CMakeLists.txt"; }
+
 check_architecture() {
     case " ${architectures[*]} " in *" $1 "*) ;; *) fail "architecture $1? It is one of: ${architectures[*]}" ;; esac
+}
+
+# build_host_tools NAME...: tools of the repository that have to run on this system, in $host_tools.
+host_tools=$repository/build/host-tools/tools
+build_host_tools() {
+    say "Building for this system: $*"
+    cmake --preset release -S "$repository" -B "$repository/build/host-tools"
+    cmake --build "$repository/build/host-tools" --parallel "$jobs" --target "$@"
 }

@@ -5,7 +5,9 @@
 #include <QFileInfo>
 #include <QSaveFile>
 #include <cerrno>
-#ifdef Q_OS_UNIX
+#ifdef Q_OS_WIN
+#include <windows.h>
+#else
 #include <fcntl.h>
 #include <unistd.h>
 #endif
@@ -14,26 +16,33 @@ namespace
 {
 
 #ifdef Q_OS_WIN
-constexpr int kSystemDiskFull = 112; // ERROR_DISK_FULL
+constexpr int kSystemDiskFull = ERROR_DISK_FULL;
 #else
 constexpr int kSystemDiskFull = ENOSPC;
 #endif
 
 constexpr qint64 kCopyBlock = 1 << 20; // bytes
 
-/// A rename lives in the folder: without this it may be lost with the power although what is done
-/// after it is not.
-void syncFolderOf(const QString &path)
+/// A new name may be lost with the power although what is done after it is not, unless it is
+/// brought to the disk: with the file itself here, with its folder there.
+void syncNameOf(const QString &path)
 {
-#ifdef Q_OS_UNIX
+#ifdef Q_OS_WIN
+    const QString name = QDir::toNativeSeparators(path);
+    const HANDLE file =
+        CreateFileW(reinterpret_cast<const wchar_t *>(name.utf16()), GENERIC_WRITE,
+                    FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING, 0, nullptr);
+    if (file == INVALID_HANDLE_VALUE)
+        return; // already in use by another program: the system writes it in its own time
+    FlushFileBuffers(file);
+    CloseHandle(file);
+#else
     const QByteArray folder = QFile::encodeName(QFileInfo(path).absolutePath());
     const int descriptor = ::open(folder.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     if (descriptor < 0)
         return; // a folder that may be written but not read: its file system decides
     ::fsync(descriptor);
     ::close(descriptor);
-#else
-    Q_UNUSED(path); // the system writes its folder entries through
 #endif
 }
 
@@ -54,7 +63,7 @@ void commit(QSaveFile &file)
     // put a cut file in the old one's place.
     if (!file.flush() || !file.commit())
         throw fileError(file);
-    syncFolderOf(file.fileName());
+    syncNameOf(file.fileName());
 }
 
 } // namespace

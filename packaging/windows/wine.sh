@@ -1,0 +1,55 @@
+# shellcheck shell=bash disable=SC2034,SC2154 # names for those who source this, and from environment.sh
+# Sourced by the tests beside it, after environment.sh: a Wine of their own in build/wine, and how
+# they wait.
+
+install_packages wine wine64
+
+patience=120 # seconds
+work=$repository/build/wine
+# What Wine gives C:\ of this prefix.
+drive_c=$work/prefix/drive_c
+export WINEPREFIX=$work/prefix WINEARCH=win64 WINEDEBUG=-all WINEDLLOVERRIDES='mscoree,mshtml='
+
+started=()
+end_started() {
+    local pid
+    for pid in "${started[@]}"; do kill "$pid" 2>/dev/null || true; done
+    wineserver -k 2>/dev/null || true # of this prefix only
+}
+trap end_started EXIT
+
+# wait_until WHAT COMMAND...: fails loudly when the command does not succeed in time.
+wait_until() {
+    local what=$1 end=$((SECONDS + patience))
+    shift
+    until "$@" >/dev/null 2>&1; do
+        [ "$SECONDS" -lt "$end" ] || fail "$what: not within $patience s"
+        sleep 0.01
+    done
+}
+
+# Wine's services inherit what it writes to and never end: files, no pipes.
+start_wineserver() { wineserver -p >>"$work/wineserver.log" 2>&1; }
+
+make_wine_prefix() {
+    mkdir -p "$work"
+    start_wineserver
+    wine wineboot --init >"$work/wineboot.log" 2>&1
+    wine winecfg -v win10 >>"$work/wineboot.log" 2>&1
+}
+
+# map_port LINK: COM1 is the pseudo-terminal that this link leads to.
+map_port() {
+    wine reg add 'HKLM\Software\Wine\Ports' /v COM1 /d "$1" /f >"$work/reg.log" 2>&1
+    wineserver -k
+    start_wineserver
+}
+
+start_screen() {
+    local display
+    Xvfb -displayfd 3 -screen 0 1280x900x24 -nolisten tcp 3>"$work/display" 2>"$work/xvfb.log" &
+    started+=($!)
+    wait_until "the screen" test -s "$work/display"
+    display=:$(cat "$work/display")
+    export DISPLAY=$display
+}
