@@ -38,3 +38,12 @@ build_host_tools() {
     cmake --preset release -S "$repository" -B "$repository/build/host-tools"
     cmake --build "$repository/build/host-tools" --parallel "$jobs" --target "$@"
 }
+
+# configure_station ARCHITECTURE FOLDER OPTION...: the station for Windows, to be built in the folder.
+configure_station() {
+    local architecture=$1 build=$2
+    shift 2
+    cmake --preset release -S "$repository" -B "$build" -D STATION_HOST_TOOLS="$host_tools" \
+        -D CMAKE_TOOLCHAIN_FILE="$(qt_prefix "$architecture")/lib/cmake/Qt6/qt.toolchain.cmake" \
+        -D CMAKE_CXX_FLAGS="-ffile-prefix-map=$repository=." "$@"
+}
