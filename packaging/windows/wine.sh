@@ -2,7 +2,7 @@
 # Sourced by the tests beside it, after environment.sh: a Wine of their own in build/wine, and how
 # they wait.
 
-install_packages wine wine64
+install_packages fonts-wine wine wine64
 
 patience=120 # seconds
 work=$repository/build/wine
@@ -32,7 +32,7 @@ wait_until() {
 start_wineserver() { wineserver -p >>"$work/wineserver.log" 2>&1; }
 
 make_wine_prefix() {
-    mkdir -p "$work"
+    mkdir -p "$work/prefix"
     start_wineserver
     wine wineboot --init >"$work/wineboot.log" 2>&1
     wine winecfg -v win10 >>"$work/wineboot.log" 2>&1
