@@ -2,7 +2,7 @@
 # Sourced by the tests beside it, after environment.sh: a Wine of their own in build/wine, and how
 # they wait.
 
-install_packages fonts-wine wine wine64
+install_packages fonts-dejavu-core fonts-wine wine wine64
 
 patience=120 # seconds
 work=$repository/build/wine
@@ -36,6 +36,13 @@ make_wine_prefix() {
     start_wineserver
     wine wineboot --init >"$work/wineboot.log" 2>&1
     wine winecfg -v win10 >>"$work/wineboot.log" 2>&1
+    # What Windows writes its windows in, Wine does not have.
+    local font
+    for font in "MS Shell Dlg" "MS Shell Dlg 2" Tahoma "Segoe UI"; do
+        wine reg add 'HKCU\Software\Wine\Fonts\Replacements' /v "$font" /d "DejaVu Sans" /f >>"$work/wineboot.log" 2>&1
+        wine reg add 'HKLM\Software\Microsoft\Windows NT\CurrentVersion\FontSubstitutes' \
+            /v "$font" /d "DejaVu Sans" /f >>"$work/wineboot.log" 2>&1
+    done
 }
 
 # map_port LINK: COM1 is the pseudo-terminal that this link leads to.

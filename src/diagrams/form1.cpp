@@ -128,10 +128,15 @@ void Form1::aranjare_diagrame(QSize mainInner)
         diagramsLayout(main, {twipsSize(frameOf(*this)->size()), double(twipsFromPixels(width())),
                               twipsSize(m_upper.title->size()), twipsSize(m_lower.title->size()),
                               twipsSize(m_controlCentre->size())});
-    m_upper.chart->setGeometry(pixelRect(layout.chart1));
+    // Some systems' frames are wider than the layout counts on: they would cover the legend's end.
+    const auto inSight = [this](QRect place) {
+        place.setWidth(std::min(place.width(), width()));
+        return place;
+    };
+    m_upper.chart->setGeometry(inSight(pixelRect(layout.chart1)));
     m_upper.title->setGeometry(pixelRect(layout.label1));
     m_upper.pickedPoint->move(0, pixelsFromTwips(layout.dateLabel1Top));
-    m_lower.chart->setGeometry(pixelRect(layout.chart2));
+    m_lower.chart->setGeometry(inSight(pixelRect(layout.chart2)));
     m_lower.title->setGeometry(pixelRect(layout.label2));
     m_lower.pickedPoint->move(0, pixelsFromTwips(layout.dateLabel2Top));
     m_controlCentre->setGeometry(pixelRect(layout.button));
