@@ -1,11 +1,11 @@
 # shellcheck shell=bash disable=SC2034,SC2154 # names for those who source this, and from environment.sh
-# Sourced by the tests beside it, after environment.sh: a Wine of their own in build/wine, and how
-# they wait.
+# Sourced by the tests beside it, after environment.sh: a Wine of its own in build/wine for each, and
+# how they wait.
 
 install_packages fonts-dejavu-core fonts-wine wine wine64
 
 patience=120 # seconds
-work=$repository/build/wine
+work=$repository/build/wine/${0##*/}
 # What Wine gives C:\ of this prefix.
 drive_c=$work/prefix/drive_c
 export WINEPREFIX=$work/prefix WINEARCH=win64 WINEDEBUG=-all WINEDLLOVERRIDES='mscoree,mshtml='
