@@ -6,6 +6,7 @@
 #include "platform/runtime_error.h"
 #include "platform/shell.h"
 #include "tests/diagrams/diagrams_rig.h"
+#include "tests/jet/mdbtools.h"
 #include "tests/support/controls.h"
 
 #include <QDir>
@@ -13,7 +14,6 @@
 #include <QMdiArea>
 #include <QMdiSubWindow>
 #include <QPrinter>
-#include <QProcess>
 #include <QRegularExpression>
 
 namespace
@@ -228,16 +228,11 @@ TEST_F(PrintingTest, APdfHoldsThePage)
     printers.next = printerInto(file);
     print();
     EXPECT_TRUE(op.told.isEmpty());
-    const auto outputOf = [](const QString &program, const QStringList &arguments) {
-        QProcess process;
-        process.start(program, arguments);
-        EXPECT_TRUE(process.waitForFinished()) << program.toStdString();
-        return QString::fromUtf8(process.readAllStandardOutput());
-    };
-    const QString text = outputOf(QStringLiteral("pdftotext"), {"-layout", file, "-"});
+    const std::string tool = jet::toolName(file.toStdU16String());
+    const QString text = QString::fromStdString(jet::outputOf({"pdftotext", "-layout", tool, "-"}));
     EXPECT_TRUE(text.contains("Diagrama1 la 07.03.2026 09:05:01")) << text.toStdString();
     EXPECT_TRUE(text.contains("Diagrama2 la 07.03.2026 09:05:01"));
-    const QString about = outputOf(QStringLiteral("pdfinfo"), {file});
+    const QString about = QString::fromStdString(jet::outputOf({"pdfinfo", tool}));
     EXPECT_TRUE(about.contains(QRegularExpression("Pages: +1\n"))) << about.toStdString();
     EXPECT_TRUE(about.contains(QRegularExpression("Page size: +842 x 595"))) << "landscape";
 

@@ -7,6 +7,7 @@
 
 #include <QApplication>
 #include <QComboBox>
+#include <QDir>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -121,7 +122,7 @@ TEST_F(Dialogs, OptionsApplyWhatIsTypedAndShowWhatWasUnderstood)
     EXPECT_EQ(station.nextSampling, time.now().addSecs(7200)) << "of the first diagram, too";
     EXPECT_TRUE(control<QLabel>(*form, "CaleMdbLabel")
                     .text()
-                    .startsWith("Director salvare= " + folder.path()));
+                    .startsWith("Director salvare= " + QDir::toNativeSeparators(folder.path())));
 }
 
 TEST_F(Dialogs, RefusedOptionsKeepTheDialogUntilTheErrorWasRead)

@@ -119,8 +119,8 @@ protected:
         const auto journal = m_folder / "autoclava1.mdb.jrn";
         const auto old = m_folder / "old.mdb";
         std::filesystem::copy_file(m_path, old);
-        Database database = open();
         {
+            Database database = open();
             Transaction transaction(database);
             Table table = database.table(u"Tabel");
             appendSamples(table, 21, 90);
