@@ -5,11 +5,14 @@
 #include <stdexcept>
 #include <string>
 #include <vector>
+#ifndef _WIN32
+#include <sys/wait.h>
+#endif
 
 namespace jet
 {
 
-/// What a program wrote, and its exit code as the system gives it; 0 for success.
+/// What a program wrote, and its exit code.
 struct Outcome {
     std::string output;
     int status = 0;
@@ -37,7 +40,12 @@ inline Outcome run(const std::vector<std::string> &command)
     std::array<char, 65536> buffer{};
     while (const std::size_t length = fread(buffer.data(), 1, buffer.size(), pipe))
         outcome.output.append(buffer.data(), length);
-    outcome.status = pclose(pipe);
+    const int status = pclose(pipe);
+#ifdef _WIN32
+    outcome.status = status;
+#else
+    outcome.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+#endif
     return outcome;
 }
 

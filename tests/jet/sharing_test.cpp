@@ -306,7 +306,9 @@ TEST_F(Sharing, ReadersGoBehindAWriterThatWaits)
 TEST_F(LeftOverJournal, BelongsToTheFileWhateverNameOpensIt)
 {
     const auto backup = m_folder / "autoclava1.bak";
-    std::filesystem::copy_file(m_folder / "old.mdb", backup);
+    std::ofstream(backup, std::ios::binary)
+        .write(reinterpret_cast<const char *>(m_before.data()),
+               static_cast<std::streamsize>(m_before.size()));
     EXPECT_EQ(Database::open(backup).table(u"Tabel").recordCount(), 20U);
     std::error_code failure;
     std::filesystem::create_symlink(m_path, m_folder / "link.mdb", failure);
