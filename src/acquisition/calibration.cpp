@@ -11,7 +11,7 @@ bool saveCalibrations(Station &station, Settings &settings, Operator &op, QStrin
     for (qsizetype i = 0; i < texts.size(); ++i) {
         QString &text = texts[i];
         if (!isNumericText(text)) {
-            op.tell(texts::checkCalibrations(), Operator::Icon::Exclamation);
+            op.tell(texts::acquisition::checkCalibrations(), Operator::Icon::Exclamation);
             return false;
         }
         text.replace(QLatin1Char(','), QLatin1Char('.'));

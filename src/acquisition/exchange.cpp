@@ -111,7 +111,7 @@ void Exchange::giveUp()
     m_state = State::Telling;
     m_line.close();
     const QPointer<Exchange> self(this);
-    m_operator.tell(texts::communicationError(), Operator::Icon::Critical);
+    m_operator.tell(texts::acquisition::communicationError(), Operator::Icon::Critical);
     if (self)
         finish(true);
 }

@@ -20,7 +20,7 @@ Form2::Form2(MonitoringCycle &cycle, const Station &station, WindowPosition &pos
       m_monLabel(new QLabel)
 {
     setObjectName(QStringLiteral("Form2"));
-    setWindowTitle(texts::controlCentre());
+    setWindowTitle(texts::acquisition::controlCentre());
 
     m_monLabel->setObjectName(QStringLiteral("MonLabel"));
     m_monLabel->setAutoFillBackground(true);
@@ -37,11 +37,11 @@ Form2::Form2(MonitoringCycle &cycle, const Station &station, WindowPosition &pos
     layout->setSpacing(kSpacing);
     layout->addWidget(m_monLabel);
     layout->addSpacing(kSpacing);
-    addButton(QStringLiteral("InitDiagCommand"), texts::initDiagrams(),
+    addButton(QStringLiteral("InitDiagCommand"), texts::acquisition::initDiagrams(),
               &Form2::InitDiagCommand_Click);
-    addButton(QStringLiteral("StartMonCommand"), texts::startMonitoring(),
+    addButton(QStringLiteral("StartMonCommand"), texts::acquisition::startMonitoring(),
               &Form2::StartMonCommand_Click);
-    addButton(QStringLiteral("StopMonCommand"), texts::stopMonitoring(),
+    addButton(QStringLiteral("StopMonCommand"), texts::acquisition::stopMonitoring(),
               &Form2::StopMonCommand_Click);
     layout->addStretch();
 
@@ -81,7 +81,8 @@ void Form2::scrie_stare_monitor()
     colours.setColor(QPalette::Window, active ? QColor(0, 255, 0) : QColor(255, 0, 0));
     colours.setColor(QPalette::WindowText, Qt::black);
     m_monLabel->setPalette(colours);
-    m_monLabel->setText(active ? texts::monitorActive() : texts::monitorStopped());
+    m_monLabel->setText(active ? texts::acquisition::monitorActive()
+                               : texts::acquisition::monitorStopped());
 }
 
 bool Form2::event(QEvent *event)

@@ -25,13 +25,13 @@ FormCalibrare::FormCalibrare(Station &station, Settings &settings, Operator &op,
     : QDialog(parent), m_station(station), m_settings(settings), m_operator(op)
 {
     setObjectName(QStringLiteral("FormCalibrare"));
-    setWindowTitle(texts::calibrationCaption());
+    setWindowTitle(texts::acquisition::calibrationCaption());
     fitCaption(*this);
     auto *column = new QVBoxLayout(this);
     column->addLayout(rows(), 1);
-    column->addLayout(dialogButtons(*this, {QStringLiteral("cmdOk"), texts::saveButton()},
-                                    {QStringLiteral("cmdCancel"), texts::cancelButton()},
-                                    [this] { cmdOk_Click(); }));
+    column->addLayout(dialogButtons(
+        *this, {QStringLiteral("cmdOk"), texts::acquisition::saveButton()},
+        {QStringLiteral("cmdCancel"), texts::settings::cancelButton()}, [this] { cmdOk_Click(); }));
     showOffsets();
     if (!m_boxes.empty())
         m_boxes.front()->selectAll();
@@ -48,7 +48,7 @@ QLayout *FormCalibrare::rows()
         const int row = static_cast<int>(m_boxes.size());
         auto *box = new QLineEdit(this);
         box->setObjectName(QStringLiteral("CalibText_%1").arg(row));
-        auto *label = new QLabel(texts::calibrationLabel(sensor.name), this);
+        auto *label = new QLabel(texts::acquisition::calibrationLabel(sensor.name), this);
         label->setObjectName(QStringLiteral("CalibLabel_%1").arg(row));
         label->setTextFormat(Qt::PlainText);
         label->setBuddy(box);

@@ -39,7 +39,7 @@ QPixmap warningIcon(const QString &path)
 FormEroare::FormEroare(const Station &station, OpenForms openForms, QSize screenTwips,
                        QWidget *parent)
     : QWidget(parent), m_openForms(std::move(openForms)), m_screen(screenTwips),
-      m_message(new QLabel), m_ok(new QPushButton(texts::okButton()))
+      m_message(new QLabel), m_ok(new QPushButton(texts::settings::okButton()))
 {
     setObjectName(QStringLiteral("FormEroare"));
     auto *picture = new QLabel;

@@ -2,7 +2,7 @@
 
 #include <QString>
 
-namespace texts
+namespace texts::acquisition
 {
 inline QString communicationError()
 {
@@ -48,4 +48,4 @@ inline QString checkCalibrations()
 {
     return QStringLiteral("Verificati corectitudinea campurilor");
 }
-} // namespace texts
+} // namespace texts::acquisition

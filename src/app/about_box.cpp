@@ -40,10 +40,10 @@ QLabel *titleLabel(const QString &text)
 QString libraryList()
 {
     const QStringList libraries{
-        texts::library(QStringLiteral("Qt"), QString::fromLatin1(qVersion()),
-                       QStringLiteral("GNU LGPL v3, © The Qt Company Ltd.")),
-        texts::library(QStringLiteral("QCustomPlot"), QStringLiteral(QCUSTOMPLOT_VERSION_STR),
-                       QStringLiteral("GNU GPL v3, © Emanuel Eichhammer")),
+        texts::app::library(QStringLiteral("Qt"), QString::fromLatin1(qVersion()),
+                            QStringLiteral("GNU LGPL v3, © The Qt Company Ltd.")),
+        texts::app::library(QStringLiteral("QCustomPlot"), QStringLiteral(QCUSTOMPLOT_VERSION_STR),
+                            QStringLiteral("GNU GPL v3, © Emanuel Eichhammer")),
     };
     return libraries.join(QLatin1Char('\n'));
 }
@@ -56,16 +56,16 @@ AboutBox::AboutBox(const QString &title, const QString &version, const QString &
 {
     setObjectName(QStringLiteral("frmAbout"));
     setAttribute(Qt::WA_DeleteOnClose);
-    setWindowTitle(texts::aboutCaption(title));
+    setWindowTitle(texts::app::aboutCaption(title));
 
-    auto *libraries = new QGroupBox(texts::librariesUsed());
+    auto *libraries = new QGroupBox(texts::app::librariesUsed());
     auto *list = new QVBoxLayout(libraries);
     list->addWidget(textLabel(QStringLiteral("lblLibraries"), libraryList()));
-    list->addWidget(textLabel(QStringLiteral("lblLicence"), texts::ownLicence()));
+    list->addWidget(textLabel(QStringLiteral("lblLicence"), texts::app::ownLicence()));
 
     auto *buttons = new QDialogButtonBox(QDialogButtonBox::Ok);
     QPushButton *system =
-        buttons->addButton(texts::systemInformation(), QDialogButtonBox::ActionRole);
+        buttons->addButton(texts::app::systemInformation(), QDialogButtonBox::ActionRole);
     system->setObjectName(QStringLiteral("cmdSysInfo"));
     system->setVisible(!systemTool.isEmpty());
     connect(system, &QPushButton::clicked, this, [=, this] { cmdSysInfo_Click(systemTool); });
@@ -73,8 +73,8 @@ AboutBox::AboutBox(const QString &title, const QString &version, const QString &
 
     auto *column = new QVBoxLayout(this);
     column->addWidget(titleLabel(title));
-    column->addWidget(textLabel(QStringLiteral("lblVersion"), texts::version(version)));
-    column->addWidget(textLabel(QStringLiteral("lblDescription"), texts::aboutDescription()));
+    column->addWidget(textLabel(QStringLiteral("lblVersion"), texts::app::version(version)));
+    column->addWidget(textLabel(QStringLiteral("lblDescription"), texts::app::aboutDescription()));
     column->addWidget(libraries);
     column->addWidget(buttons);
     column->setSizeConstraint(QLayout::SetFixedSize);
@@ -85,6 +85,6 @@ void AboutBox::cmdSysInfo_Click(const QString &systemTool)
     try {
         startSystemInformation(systemTool);
     } catch (const RuntimeError &) {
-        m_operator.tell(texts::systemInformationMissing(), Operator::Icon::Critical);
+        m_operator.tell(texts::app::systemInformationMissing(), Operator::Icon::Critical);
     }
 }

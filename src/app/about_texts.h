@@ -2,7 +2,7 @@
 
 #include <QString>
 
-namespace texts
+namespace texts::app
 {
 inline QString aboutCaption(const QString &title)
 {
@@ -39,4 +39,4 @@ inline QString systemInformationMissing()
 {
     return QStringLiteral("Informațiile despre sistem nu sunt disponibile în acest moment.");
 }
-} // namespace texts
+} // namespace texts::app

@@ -10,7 +10,7 @@ int main(int argc, char **argv)
 {
     StationApplication application(argc, argv);
     SystemClock clock;
-    MessageBoxOperator op(texts::applicationTitle());
+    MessageBoxOperator op(texts::app::applicationTitle());
     DesktopShell shell;
     QtPrinters printers;
     int exitCode = 0;

@@ -15,7 +15,7 @@ MDIForm1::MDIForm1(std::function<bool()> mayClose)
     : m_mayClose(std::move(mayClose)), m_area(new QMdiArea(this))
 {
     setObjectName(QStringLiteral("MDIForm1"));
-    setWindowTitle(texts::applicationTitle() + QStringLiteral(" v") +
+    setWindowTitle(texts::app::applicationTitle() + QStringLiteral(" v") +
                    QStringLiteral(STATION_VERSION));
     setCentralWidget(m_area);
     m_area->viewport()->installEventFilter(this);

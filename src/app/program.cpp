@@ -295,7 +295,7 @@ void Program::print()
 void Program::showAboutBox()
 {
     if (!m_aboutBox)
-        m_aboutBox = new AboutBox(texts::applicationTitle(), QStringLiteral(STATION_VERSION),
+        m_aboutBox = new AboutBox(texts::app::applicationTitle(), QStringLiteral(STATION_VERSION),
                                   systemInformationTool(), m_environment.op, &m_window);
     m_aboutBox->show();
     m_aboutBox->activateWindow();
@@ -327,7 +327,7 @@ void Program::layOut()
 
 bool Program::closingDialogue()
 {
-    switch (m_environment.op.ask(texts::askArchiveNow())) {
+    switch (m_environment.op.ask(texts::app::askArchiveNow())) {
     case Operator::Answer::Cancel:
         return false;
     case Operator::Answer::Yes:

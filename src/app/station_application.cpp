@@ -35,10 +35,10 @@ QString reportOfCurrentException()
 
 StationApplication::StationApplication(int &argc, char **argv) : QApplication(argc, argv)
 {
-    setApplicationName(texts::applicationTitle());
+    setApplicationName(texts::app::applicationTitle());
     setApplicationVersion(QStringLiteral(STATION_VERSION));
     showReport = [](const QString &report) {
-        MessageBoxOperator(texts::applicationTitle()).tell(report, Operator::Icon::Critical);
+        MessageBoxOperator(texts::app::applicationTitle()).tell(report, Operator::Icon::Critical);
     };
 }
 

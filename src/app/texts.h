@@ -2,7 +2,7 @@
 
 #include <QString>
 
-namespace texts
+namespace texts::app
 {
 /// Title of the application: message boxes, the main window's caption, the About box.
 inline QString applicationTitle()
@@ -14,4 +14,4 @@ inline QString askArchiveNow()
     return QStringLiteral("Doriti sa salvati arhivele acum? (recomandat doar daca nu veti mai "
                           "reporni programul astazi)");
 }
-} // namespace texts
+} // namespace texts::app

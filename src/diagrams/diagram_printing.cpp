@@ -55,8 +55,8 @@ QImage pictureForPaper(const DiagramPrinting &with, const Diagrama &record)
 QString lineBelow(const DiagramPrinting &with, const Diagrama &record)
 {
     const QDateTime now = with.clock.now();
-    return texts::printedLine(record.name, dateText(now.date(), with.station.locale),
-                              timeText(now.time(), with.station.locale));
+    return texts::diagrams::printedLine(record.name, dateText(now.date(), with.station.locale),
+                                        timeText(now.time(), with.station.locale));
 }
 
 void printPage(const DiagramPrinting &with, PrintJob &job)
@@ -78,7 +78,7 @@ void chooseAndPrint(const DiagramPrinting &with)
     const DefaultPrinterKept defaultKept(with.printers);
     const std::unique_ptr<PrintJob> job = with.printers.choose();
     if (with.printers.names().isEmpty())
-        with.op.tell(texts::noPrinter(), Operator::Icon::Exclamation);
+        with.op.tell(texts::diagrams::noPrinter(), Operator::Icon::Exclamation);
     else if (job)
         printPage(with, *job);
 }

@@ -50,10 +50,11 @@ QFont controlCentreFont(QFont font)
 
 Form1::Form1(Station &station, LiveDiagrams &diagrams, QWidget *parent)
     : QWidget(parent), m_station(station), m_diagrams(diagrams), m_upper(createPanel(0)),
-      m_lower(createPanel(1)), m_controlCentre(new QPushButton(texts::controlCentreButton(), this))
+      m_lower(createPanel(1)),
+      m_controlCentre(new QPushButton(texts::diagrams::controlCentreButton(), this))
 {
     setObjectName(QStringLiteral("Form1"));
-    setWindowTitle(texts::diagramsCaption());
+    setWindowTitle(texts::diagrams::diagramsCaption());
     setFocusPolicy(Qt::StrongFocus);
     setLocale(station.locale);
     m_controlCentre->setObjectName(QStringLiteral("CentruControlCommand"));
@@ -65,11 +66,11 @@ Form1::Form1(Station &station, LiveDiagrams &diagrams, QWidget *parent)
 Form1::Panel Form1::createPanel(int index)
 {
     ChartGrid &grid = m_diagrams.chart(static_cast<std::size_t>(index));
-    const Panel panel{new ChartView(grid, this), new QLabel(texts::designedTitle(), this),
+    const Panel panel{new ChartView(grid, this), new QLabel(texts::diagrams::designedTitle(), this),
                       new QLabel(this)};
     panel.chart->setObjectName(QStringLiteral("MSChart%1").arg(index + 1));
     panel.title->setObjectName(QStringLiteral("Label%1").arg(index + 1));
-    panel.title->setToolTip(texts::titleTip());
+    panel.title->setToolTip(texts::diagrams::titleTip());
     panel.title->setTextFormat(Qt::PlainText);
     panel.title->installEventFilter(this);
     panel.pickedPoint->setObjectName(QStringLiteral("DateLabel1_%1").arg(index));

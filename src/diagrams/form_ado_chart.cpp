@@ -48,17 +48,17 @@ QFont boldFont(QFont font)
 FormAdoChart::FormAdoChart(Station &station, HistoryDiagrams &diagrams, Operator &op,
                            const Clock &clock, QWidget *parent)
     : QWidget(parent), m_station(station), m_diagrams(diagrams), m_operator(op), m_clock(clock),
-      m_prompt(createLabel(QStringLiteral("Label1"), texts::datePrompt())),
-      m_date(new QLineEdit(texts::firstDate(), this)),
-      m_generate(new QPushButton(texts::generateButton(), this)),
-      m_status(createLabel(QStringLiteral("LabelStare"), texts::notGenerated())),
+      m_prompt(createLabel(QStringLiteral("Label1"), texts::diagrams::datePrompt())),
+      m_date(new QLineEdit(texts::diagrams::firstDate(), this)),
+      m_generate(new QPushButton(texts::diagrams::generateButton(), this)),
+      m_status(createLabel(QStringLiteral("LabelStare"), texts::diagrams::notGenerated())),
       m_selection(createLabel(QStringLiteral("LabelDate"))),
       m_upper(createPanel(0, QStringLiteral("LabelTemp"))),
       m_lower(createPanel(1, QStringLiteral("LabelPres"))),
-      m_wait(createLabel(QStringLiteral("LabelWait"), texts::generating()))
+      m_wait(createLabel(QStringLiteral("LabelWait"), texts::diagrams::generating()))
 {
     setObjectName(QStringLiteral("FormAdoChart"));
-    setWindowTitle(texts::historyCaption());
+    setWindowTitle(texts::diagrams::historyCaption());
     setLocale(station.locale);
     m_date->setObjectName(QStringLiteral("Text1"));
     m_generate->setObjectName(QStringLiteral("Command1"));
@@ -84,7 +84,7 @@ FormAdoChart::Panel FormAdoChart::createPanel(std::size_t index, const QString &
 {
     const QString number = QString::number(index + 1);
     Panel panel{};
-    panel.title = createLabel(titleName, texts::designedTitle());
+    panel.title = createLabel(titleName, texts::diagrams::designedTitle());
     panel.title->setAlignment(Qt::AlignCenter);
     panel.title->setFont(boldFont(font()));
     panel.key = createLabel(QStringLiteral("LegendChart") + number);
@@ -154,7 +154,8 @@ void FormAdoChart::generate(const QString &archive)
     showWait();
     m_selection->clear();
     const QString failure = m_diagrams.genereaza_diagrame({archive});
-    m_status->setText(failure.isEmpty() ? texts::generated(m_date->text()) : texts::notGenerated());
+    m_status->setText(failure.isEmpty() ? texts::diagrams::generated(m_date->text())
+                                        : texts::diagrams::notGenerated());
     m_wait->hide();
 
     m_station.historyWidths = m_diagrams.chartWidths();

@@ -17,7 +17,7 @@ FrmIstoric::FrmIstoric(Station &station, Settings &settings, ShowError arata_ero
       })
 {
     setObjectName(QStringLiteral("FrmIstoric"));
-    setWindowTitle(texts::historyLimitsCaption());
+    setWindowTitle(texts::diagrams::historyLimitsCaption());
     auto *column = new QVBoxLayout(this);
     auto *diagrams = new QHBoxLayout;
     diagrams->addWidget(limitsOf(0, m_supTemp, m_infTemp, QStringLiteral("Temp")));
@@ -34,14 +34,14 @@ FrmIstoric::FrmIstoric(Station &station, Settings &settings, ShowError arata_ero
 QGroupBox *FrmIstoric::limitsOf(int diagram, QLineEdit *&upper, QLineEdit *&lower,
                                 const QString &suffix)
 {
-    auto *frame = new QGroupBox(texts::diagramOfSensors(diagram));
+    auto *frame = new QGroupBox(texts::diagrams::diagramOfSensors(diagram));
     auto *form = new QFormLayout(frame);
     upper = new QLineEdit;
     upper->setObjectName(QStringLiteral("LimSupText") + suffix);
     lower = new QLineEdit;
     lower->setObjectName(QStringLiteral("LimInfText") + suffix);
-    form->addRow(texts::upperLimit(), upper);
-    form->addRow(texts::lowerLimit(), lower);
+    form->addRow(texts::settings::upperLimit(), upper);
+    form->addRow(texts::settings::lowerLimit(), lower);
     return frame;
 }
 
@@ -55,13 +55,15 @@ QHBoxLayout *FrmIstoric::buttonRow()
         row->addWidget(button);
         return button;
     };
-    add(QStringLiteral("cmdSaveDef"), texts::saveDefaultsButton(), &FrmIstoric::cmdSaveDef_Click);
-    add(QStringLiteral("cmdRestDef"), texts::restoreDefaultsButton(),
+    add(QStringLiteral("cmdSaveDef"), texts::settings::saveDefaultsButton(),
+        &FrmIstoric::cmdSaveDef_Click);
+    add(QStringLiteral("cmdRestDef"), texts::settings::restoreDefaultsButton(),
         &FrmIstoric::cmdRestDef_Click);
     row->addStretch();
-    add(QStringLiteral("cmdOK"), texts::okButton(), &FrmIstoric::cmdOK_Click)->setDefault(true);
-    add(QStringLiteral("cmdCancel"), texts::cancelButton(), &FrmIstoric::reject);
-    add(QStringLiteral("cmdApply"), texts::applyButton(), &FrmIstoric::cmdApply_Click);
+    add(QStringLiteral("cmdOK"), texts::settings::okButton(), &FrmIstoric::cmdOK_Click)
+        ->setDefault(true);
+    add(QStringLiteral("cmdCancel"), texts::settings::cancelButton(), &FrmIstoric::reject);
+    add(QStringLiteral("cmdApply"), texts::settings::applyButton(), &FrmIstoric::cmdApply_Click);
     return row;
 }
 

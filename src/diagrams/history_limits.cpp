@@ -56,7 +56,7 @@ bool HistoryLimits::valideaza_tab(HistoryLimitTexts &texts)
                       {texts.LimSupTemp, first.limita_maxima},
                       {texts.LimInfPres, second.limita_minima},
                       {texts.LimSupPres, second.limita_maxima}})) {
-        m_showError(texts::checkFields());
+        m_showError(texts::settings::checkFields());
         return false;
     }
     applyLimits(m_station);

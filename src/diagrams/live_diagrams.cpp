@@ -18,7 +18,7 @@ constexpr int kAlarmSeries = 2;
 
 std::unique_ptr<ChartGrid> stationChart(const QString &tag, QStringList labels)
 {
-    labels << texts::alarmSeries() << texts::alarmSeries();
+    labels << texts::diagrams::alarmSeries() << texts::diagrams::alarmSeries();
     return std::make_unique<ChartGrid>(tag, labels, kStationRows);
 }
 

@@ -3,7 +3,7 @@
 #include <QString>
 
 /// What the operator reads in the diagrams' windows.
-namespace texts
+namespace texts::diagrams
 {
 inline QString diagramsCaption()
 {
@@ -74,4 +74,4 @@ inline QString printedLine(const QString &diagram, const QString &date, const QS
 {
     return QStringLiteral("%1 la %2 %3").arg(diagram, date, time);
 }
-} // namespace texts
+} // namespace texts::diagrams

@@ -43,13 +43,13 @@ Diagrama &DiagramOptions::record() const
 void DiagramOptions::afiseaza_tab(const QString &tab, OptionTexts &texts) const
 {
     // A comma that was typed comes back as a point: the boxes keep to the settings file's form.
-    if (tab == texts::tabGraphLimits()) {
+    if (tab == texts::settings::tabGraphLimits()) {
         texts.LimInf = fileNumberText(record().limita_minima);
         texts.LimSup = fileNumberText(record().limita_maxima);
-    } else if (tab == texts::tabAlarms()) {
+    } else if (tab == texts::settings::tabAlarms()) {
         texts.AlarmInf = fileNumberText(record().alarma_minim);
         texts.AlarmSup = fileNumberText(record().alarma_maxim);
-    } else if (tab == texts::tabScanOptions()) {
+    } else if (tab == texts::settings::tabScanOptions()) {
         const Diagrama &first = m_station.diagramAt(0);
         texts.Scan = QString::number(first.interval_scanare);
         texts.MasuraTimp = first.masura_interval;
@@ -59,10 +59,10 @@ void DiagramOptions::afiseaza_tab(const QString &tab, OptionTexts &texts) const
 
 bool DiagramOptions::valideaza_tab(const QString &tab, OptionTexts &texts)
 {
-    if (tab == texts::tabGraphLimits())
+    if (tab == texts::settings::tabGraphLimits())
         return takeTab(
             tab, {{texts.LimInf, record().limita_minima}, {texts.LimSup, record().limita_maxima}});
-    if (tab == texts::tabAlarms())
+    if (tab == texts::settings::tabAlarms())
         return takeTab(tab, {{texts.AlarmInf, record().alarma_minim},
                              {texts.AlarmSup, record().alarma_maxim}});
     return takeScanOptions(texts);
@@ -71,7 +71,7 @@ bool DiagramOptions::valideaza_tab(const QString &tab, OptionTexts &texts)
 bool DiagramOptions::takeTab(const QString &tab, std::initializer_list<NumberEntry> entries)
 {
     if (!takeNumbers(entries)) {
-        m_showError(texts::checkFields());
+        m_showError(texts::settings::checkFields());
         return false;
     }
     aplica_tab(record(), tab);
@@ -81,7 +81,7 @@ bool DiagramOptions::takeTab(const QString &tab, std::initializer_list<NumberEnt
 bool DiagramOptions::takeScanOptions(OptionTexts &texts)
 {
     if (!areScanOptionsValid(texts)) {
-        m_showError(texts::checkScanOptions());
+        m_showError(texts::dialogs::checkScanOptions());
         return false;
     }
     if (numberFromText(texts.Scan) == 0)
@@ -99,7 +99,8 @@ bool DiagramOptions::takeScanOptions(OptionTexts &texts)
 
 bool DiagramOptions::applyAll(OptionTexts &texts)
 {
-    const QStringList tabs{texts::tabGraphLimits(), texts::tabAlarms(), texts::tabScanOptions()};
+    const QStringList tabs{texts::settings::tabGraphLimits(), texts::settings::tabAlarms(),
+                           texts::settings::tabScanOptions()};
     for (const QString &tab : tabs) {
         if (valideaza_tab(tab, texts))
             continue;
@@ -131,13 +132,13 @@ void DiagramOptions::restoreDefaults(const QString &tab, OptionTexts &texts)
         return;
     }
     const QStringList &Valori = m_station.Valori;
-    if (tab == texts::tabGraphLimits()) {
+    if (tab == texts::settings::tabGraphLimits()) {
         record().limita_minima = leadingNumber(Valori.at(0));
         record().limita_maxima = leadingNumber(Valori.at(1));
-    } else if (tab == texts::tabAlarms()) {
+    } else if (tab == texts::settings::tabAlarms()) {
         record().alarma_minim = leadingNumber(Valori.at(0));
         record().alarma_maxim = leadingNumber(Valori.at(1));
-    } else if (tab == texts::tabScanOptions()) {
+    } else if (tab == texts::settings::tabScanOptions()) {
         takeSavedScanOptions();
     }
     aplica_tab(record(), tab);

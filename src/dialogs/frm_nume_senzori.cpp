@@ -15,7 +15,7 @@ frmNumeSenzori::frmNumeSenzori(int diagram, Station &station, Settings &settings
       m_settings(settings)
 {
     setObjectName(QStringLiteral("frmNumeSenzori%1").arg(diagram + 1));
-    setWindowTitle(texts::sensorNamesCaption(diagram));
+    setWindowTitle(texts::dialogs::sensorNamesCaption(diagram));
     setModal(true);
     fitCaption(*this);
     incarca_senzori_form();
@@ -29,7 +29,7 @@ void frmNumeSenzori::incarca_senzori_form()
     for (int i = 0; i < record.sensorCount; ++i) {
         auto *box = new QLineEdit(record.Nume.value(i), this);
         box->setObjectName(QStringLiteral("textNume%1").arg(i));
-        auto *label = new QLabel(texts::sensorLabel(i + 1), this);
+        auto *label = new QLabel(texts::dialogs::sensorLabel(i + 1), this);
         label->setObjectName(QStringLiteral("labelNume%1").arg(i));
         label->setBuddy(box);
         m_labels.push_back(label);
@@ -45,8 +45,8 @@ void frmNumeSenzori::aranjare_senzori_form()
         grid->addWidget(m_labels[i], static_cast<int>(i), 0);
         grid->addWidget(m_boxes[i], static_cast<int>(i), 1);
     }
-    grid->addLayout(dialogButtons(*this, {QStringLiteral("OKButton"), texts::okButton()},
-                                  {QStringLiteral("CancelButton"), texts::cancelButton()},
+    grid->addLayout(dialogButtons(*this, {QStringLiteral("OKButton"), texts::settings::okButton()},
+                                  {QStringLiteral("CancelButton"), texts::settings::cancelButton()},
                                   [this] { OKButton_Click(); }),
                     grid->rowCount(), 0, 1, 2);
 }

@@ -64,12 +64,14 @@ frmOptDiag::frmOptDiag(int diagram, Station &station, Settings &settings, const 
       m_tabs(new QTabWidget)
 {
     setObjectName(QStringLiteral("frmOptDiag%1").arg(diagram + 1));
-    setWindowTitle(texts::optionsCaption(diagram));
+    setWindowTitle(texts::dialogs::optionsCaption(diagram));
     m_tabs->setObjectName(QStringLiteral("tbsOptions"));
-    addTab(texts::tabGraphLimits(), QStringLiteral("LimiteGrafic"), texts::graphLimitsTip(),
-           limitsPanel());
-    addTab(texts::tabAlarms(), QStringLiteral("SetAlarme"), texts::alarmsTip(), alarmsPanel());
-    addTab(texts::tabScanOptions(), QStringLiteral("OptiuniScanare"), texts::scanOptionsTip(),
+    addTab(texts::settings::tabGraphLimits(), QStringLiteral("LimiteGrafic"),
+           texts::dialogs::graphLimitsTip(), limitsPanel());
+    addTab(texts::settings::tabAlarms(), QStringLiteral("SetAlarme"), texts::dialogs::alarmsTip(),
+           alarmsPanel());
+    addTab(texts::settings::tabScanOptions(), QStringLiteral("OptiuniScanare"),
+           texts::dialogs::scanOptionsTip(),
            scanPanel(diagram, QDir::toNativeSeparators(station.storagePath({}))));
     auto *column = new QVBoxLayout(this);
     column->addWidget(m_tabs);
@@ -95,44 +97,44 @@ void frmOptDiag::addTab(const QString &caption, const QString &key, const QStrin
 
 QWidget *frmOptDiag::limitsPanel()
 {
-    auto *frame = new QGroupBox(texts::tabGraphLimits());
+    auto *frame = new QGroupBox(texts::settings::tabGraphLimits());
     auto *grid = new QGridLayout(frame);
-    m_limSup = addBox(*grid, 0, QStringLiteral("LimSupText"), texts::upperLimit());
-    m_limInf = addBox(*grid, 1, QStringLiteral("LimInfText"), texts::lowerLimit());
+    m_limSup = addBox(*grid, 0, QStringLiteral("LimSupText"), texts::settings::upperLimit());
+    m_limInf = addBox(*grid, 1, QStringLiteral("LimInfText"), texts::settings::lowerLimit());
     return panelOf({frame});
 }
 
 QWidget *frmOptDiag::alarmsPanel()
 {
-    auto *frame = new QGroupBox(texts::tabAlarms());
+    auto *frame = new QGroupBox(texts::settings::tabAlarms());
     auto *grid = new QGridLayout(frame);
-    m_alarmSup = addBox(*grid, 0, QStringLiteral("AlarmSupText"), texts::upperAlarm());
-    m_alarmInf = addBox(*grid, 1, QStringLiteral("AlarmInfText"), texts::lowerAlarm());
+    m_alarmSup = addBox(*grid, 0, QStringLiteral("AlarmSupText"), texts::dialogs::upperAlarm());
+    m_alarmInf = addBox(*grid, 1, QStringLiteral("AlarmInfText"), texts::dialogs::lowerAlarm());
     return panelOf({frame});
 }
 
 QWidget *frmOptDiag::scanPanel(int diagram, const QString &storageFolder)
 {
-    auto *interval = new QGroupBox(texts::scanInterval());
+    auto *interval = new QGroupBox(texts::dialogs::scanInterval());
     auto *row = new QHBoxLayout(interval);
     m_scan = new QLineEdit;
     m_scan->setObjectName(QStringLiteral("ScanText"));
     m_unit = new QComboBox;
     m_unit->setObjectName(QStringLiteral("MasuraTimpCombo"));
-    m_unit->addItems(texts::intervalUnits());
+    m_unit->addItems(texts::dialogs::intervalUnits());
     row->addWidget(m_scan);
     row->addWidget(m_unit);
     row->addStretch(1);
 
-    auto *databases = new QGroupBox(texts::databases());
+    auto *databases = new QGroupBox(texts::dialogs::databases());
     auto *grid = new QGridLayout(databases);
-    grid->addWidget(plainLabel(texts::channelValues(diagram)), 0, 0);
+    grid->addWidget(plainLabel(texts::dialogs::channelValues(diagram)), 0, 0);
     addStorageNames(*grid, 1);
-    QLabel *folder = plainLabel(texts::storageFolder(storageFolder));
+    QLabel *folder = plainLabel(texts::dialogs::storageFolder(storageFolder));
     folder->setObjectName(QStringLiteral("CaleMdbLabel"));
     grid->addWidget(folder, grid->rowCount(), 0, 1, 2);
 
-    return panelOf({interval, databases, plainLabel(texts::sharedOptionsNote())});
+    return panelOf({interval, databases, plainLabel(texts::dialogs::sharedOptionsNote())});
 }
 
 void frmOptDiag::addStorageNames(QGridLayout &grid, int firstRow)
@@ -143,7 +145,7 @@ void frmOptDiag::addStorageNames(QGridLayout &grid, int firstRow)
         box->setMinimumWidth(box->fontMetrics().averageCharWidth() * kNameCharacters);
         grid.addWidget(box, firstRow + i, 0);
         if (i > 0) // only the first storage file is ever written
-            grid.addWidget(plainLabel(texts::unusedName(), box), firstRow + i, 1);
+            grid.addWidget(plainLabel(texts::dialogs::unusedName(), box), firstRow + i, 1);
         m_names[static_cast<std::size_t>(i)] = box;
     }
 }
@@ -157,14 +159,16 @@ QLayout *frmOptDiag::buttonRow()
         row->addWidget(button);
         return button;
     };
-    add(QStringLiteral("cmdSaveDef"), texts::saveDefaultsButton(),
+    add(QStringLiteral("cmdSaveDef"), texts::settings::saveDefaultsButton(),
         [this] { runOnSelectedTab(&DiagramOptions::saveDefaults); });
-    add(QStringLiteral("cmdRestDef"), texts::restoreDefaultsButton(),
+    add(QStringLiteral("cmdRestDef"), texts::settings::restoreDefaultsButton(),
         [this] { runOnSelectedTab(&DiagramOptions::restoreDefaults); });
     row->addStretch();
-    add(QStringLiteral("cmdOK"), texts::okButton(), [this] { cmdOK_Click(); })->setDefault(true);
-    add(QStringLiteral("cmdCancel"), texts::cancelButton(), [this] { reject(); });
-    add(QStringLiteral("cmdApply"), texts::applyButton(),
+    add(QStringLiteral("cmdOK"), texts::settings::okButton(), [this] {
+        cmdOK_Click();
+    })->setDefault(true);
+    add(QStringLiteral("cmdCancel"), texts::settings::cancelButton(), [this] { reject(); });
+    add(QStringLiteral("cmdApply"), texts::settings::applyButton(),
         [this] { runOnSelectedTab(&DiagramOptions::apply); });
     return row;
 }

@@ -15,16 +15,17 @@ frmTitluDiag::frmTitluDiag(Station &station, Settings &settings, QWidget *parent
     : QDialog(parent), m_station(station), m_settings(settings), m_title(new QLineEdit)
 {
     setObjectName(QStringLiteral("frmTitluDiag"));
-    setWindowTitle(texts::titleCaption());
+    setWindowTitle(texts::dialogs::titleCaption());
     fitCaption(*this);
     m_title->setObjectName(QStringLiteral("textTitlu"));
-    m_title->setAccessibleName(texts::titleCaption());
+    m_title->setAccessibleName(texts::dialogs::titleCaption());
     m_title->setMinimumWidth(m_title->fontMetrics().averageCharWidth() * kTitleCharacters);
     auto *column = new QVBoxLayout(this);
     column->addWidget(m_title);
-    column->addLayout(dialogButtons(*this, {QStringLiteral("OKButton"), texts::okButton()},
-                                    {QStringLiteral("CancelButton"), texts::cancelButton()},
-                                    [this] { OKButton_Click(); }));
+    column->addLayout(
+        dialogButtons(*this, {QStringLiteral("OKButton"), texts::settings::okButton()},
+                      {QStringLiteral("CancelButton"), texts::settings::cancelButton()},
+                      [this] { OKButton_Click(); }));
     connect(this, &QDialog::finished, this, &frmTitluDiag::closed);
 }
 

@@ -4,7 +4,7 @@
 #include <QStringList>
 
 /// What the operator reads in the settings dialogs.
-namespace texts
+namespace texts::dialogs
 {
 // Options of one diagram
 inline QString optionsCaption(int diagram)
@@ -84,4 +84,4 @@ inline QString titleCaption()
 {
     return QStringLiteral("Titlu Diagrama");
 }
-} // namespace texts
+} // namespace texts::dialogs

@@ -18,7 +18,7 @@ void MeasurementStore::arhiveaza_baza_date(const QString &nume)
     const std::optional<Failure> failure = attempt([&] { archiveAndEmpty(nume, archive); });
     if (failure) {
         if (failure->number == static_cast<int>(jet::ErrorCode::NoCurrentRecord))
-            m_operator.tell(texts::storageEmpty(nume), Operator::Icon::Exclamation);
+            m_operator.tell(texts::storage::storageEmpty(nume), Operator::Icon::Exclamation);
         else
             tellFailure(failure->number, failure->description);
         return;

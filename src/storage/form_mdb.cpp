@@ -39,10 +39,10 @@ QTableView *makeGrid(QWidget *parent, QAbstractItemModel *model)
 
 FormMdb::FormMdb(Station &station, QWidget *parent)
     : QWidget(parent), m_station(station), m_data(new RecordsetModel(station, this)),
-      m_grid(makeGrid(this, m_data)), m_refresh(new QPushButton(texts::refresh(), this))
+      m_grid(makeGrid(this, m_data)), m_refresh(new QPushButton(texts::storage::refresh(), this))
 {
     setObjectName(QStringLiteral("FormMdb"));
-    setWindowTitle(texts::browserCaption());
+    setWindowTitle(texts::storage::browserCaption());
     m_data->setObjectName(QStringLiteral("Data1"));
     m_refresh->setObjectName(QStringLiteral("cmdRefresh"));
     resize(kPreferredSize);

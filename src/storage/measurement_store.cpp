@@ -86,7 +86,7 @@ void MeasurementStore::tellFailure(int number, const QString &description)
 void MeasurementStore::adauga_inregistrare(const QString &nume)
 {
     if (!isStorageFile(nume)) {
-        m_operator.tell(texts::storageFileMissing(), Operator::Icon::Critical);
+        m_operator.tell(texts::storage::storageFileMissing(), Operator::Icon::Critical);
         m_station.monitorActive = false;
         emit monitorStopped();
         return;
@@ -134,7 +134,7 @@ void MeasurementStore::retryWhileLocked(const QString &nume, const std::function
         if (!result)
             return;
         if (result->number == kLocked)
-            m_operator.tell(texts::lockedByOther(nume), Operator::Icon::Critical);
+            m_operator.tell(texts::storage::lockedByOther(nume), Operator::Icon::Critical);
         else
             failure = result;
     }
@@ -160,7 +160,7 @@ void MeasurementStore::repara_baza_date(const QString &nume)
         return;
     }
     m_gaps.insert(nume);
-    m_operator.tell(texts::repaired(nume));
+    m_operator.tell(texts::storage::repaired(nume));
 }
 
 void MeasurementStore::sterge_tabel_temporar()

@@ -2,7 +2,7 @@
 
 #include <QString>
 
-namespace texts
+namespace texts::storage
 {
 inline QString storageFileMissing()
 {
@@ -31,4 +31,4 @@ inline QString refresh()
 {
     return QStringLiteral("Refresh");
 }
-} // namespace texts
+} // namespace texts::storage

@@ -17,8 +17,8 @@ void deseneaza_alarme(const Diagrama &record)
 
 void aplica_tab(const Diagrama &record, const QString &tab)
 {
-    if (tab == texts::tabGraphLimits())
+    if (tab == texts::settings::tabGraphLimits())
         scrie_limite_grafic(record);
-    else if (tab == texts::tabAlarms())
+    else if (tab == texts::settings::tabAlarms())
         deseneaza_alarme(record);
 }

@@ -59,13 +59,13 @@ TabEntries scanEntries(const Station &station)
 TabEntries tabEntries(const Station &station, const QString &name, const QString &tab)
 {
     const Diagrama &record = diagramNamed(station, name);
-    if (tab == texts::tabGraphLimits())
+    if (tab == texts::settings::tabGraphLimits())
         return limitEntries(name, QStringLiteral(".limita_minima ="), record.limita_minima,
                             QStringLiteral(".limita_maxima ="), record.limita_maxima);
-    if (tab == texts::tabAlarms())
+    if (tab == texts::settings::tabAlarms())
         return limitEntries(name, QStringLiteral(".alarma_minim ="), record.alarma_minim,
                             QStringLiteral(".alarma_maxim ="), record.alarma_maxim);
-    if (tab == texts::tabScanOptions())
+    if (tab == texts::settings::tabScanOptions())
         return scanEntries(station);
     return {};
 }
@@ -97,7 +97,7 @@ bool Settings::citeste_config(const QStringList &Chei, int last)
     for (int i = 0; i <= last; ++i) {
         const std::optional<QString> value = valueOfKey(file, Chei.at(i));
         if (!value) {
-            m_operator.tell(texts::configError(), Operator::Icon::Critical);
+            m_operator.tell(texts::settings::configError(), Operator::Icon::Critical);
             return false;
         }
         m_station.Valori[i] = *value;
@@ -120,7 +120,7 @@ void Settings::scrie_config(const QStringList &Chei, int last)
     }
     const std::optional<QByteArray> content = withKeysReplaced(file, keys, lines);
     if (!content) {
-        m_operator.tell(texts::configError(), Operator::Icon::Critical);
+        m_operator.tell(texts::settings::configError(), Operator::Icon::Critical);
         return;
     }
     replaceFile(m_station.configPath(), *content);

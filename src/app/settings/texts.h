@@ -2,7 +2,7 @@
 
 #include <QString>
 
-namespace texts
+namespace texts::settings
 {
 inline QString configError()
 {
@@ -53,4 +53,4 @@ inline QString lowerLimit()
 {
     return QStringLiteral("Limita inferioara");
 }
-} // namespace texts
+} // namespace texts::settings
