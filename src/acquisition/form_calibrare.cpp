@@ -18,6 +18,18 @@ namespace
 constexpr qsizetype kOffsetCharacters = 5;
 constexpr int kLabelToBoxTwips = 100;
 
+/// Lets a box hold `text` and no longer entry than kOffsetCharacters. A longer offset from the
+/// settings file stays whole, cut it would be saved as another, but it can only be made shorter.
+void limitEntry(QLineEdit &box, const QString &text)
+{
+    const int limit = static_cast<int>(std::max(kOffsetCharacters, text.size()));
+    if (limit == box.maxLength())
+        return;
+    const int cursor = box.cursorPosition();
+    box.setMaxLength(limit);
+    box.setCursorPosition(cursor); // a new limit sends it to the end
+}
+
 } // namespace
 
 FormCalibrare::FormCalibrare(Station &station, Settings &settings, Operator &op, QSize screenTwips,
@@ -48,6 +60,8 @@ QLayout *FormCalibrare::rows()
         const int row = static_cast<int>(m_boxes.size());
         auto *box = new QLineEdit(this);
         box->setObjectName(QStringLiteral("CalibText_%1").arg(row));
+        connect(box, &QLineEdit::textEdited, this,
+                [box](const QString &text) { limitEntry(*box, text); });
         auto *label = new QLabel(texts::acquisition::calibrationLabel(sensor.name), this);
         label->setObjectName(QStringLiteral("CalibLabel_%1").arg(row));
         label->setTextFormat(Qt::PlainText);
@@ -64,8 +78,7 @@ void FormCalibrare::showOffsets()
 {
     for (std::size_t i = 0; i < m_boxes.size(); ++i) {
         const QString &offset = m_station.sensors.at(i).calibrationText;
-        // A longer offset from the settings file stays whole: cut, it would be saved as another.
-        m_boxes[i]->setMaxLength(static_cast<int>(std::max(kOffsetCharacters, offset.size())));
+        limitEntry(*m_boxes[i], offset);
         m_boxes[i]->setText(offset);
     }
 }

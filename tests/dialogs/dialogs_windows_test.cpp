@@ -194,6 +194,10 @@ TEST_F(Dialogs, CalibrationRevertsAllFieldsAndStaysOpen)
     EXPECT_FALSE(form->isVisible());
     EXPECT_TRUE(folder.config().contains("Calibrare.Diagrama2.Senzor3 =,-12.75\r\n"))
         << "a longer offset is not cut";
+
+    form = calibration();
+    type(*form, "CalibText_5", "-1,2345");
+    EXPECT_EQ(textOf(*form, "CalibText_5"), "-1,23") << "nor can one be entered";
 }
 
 TEST_F(Dialogs, EscapeAndTheTitleBarChangeNothingAndSayThatTheDialogClosed)
