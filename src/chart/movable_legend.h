@@ -17,7 +17,6 @@ public:
     explicit MovableLegend(QCustomPlot &plot);
 
     bool contains(QPoint position) const;
-    bool isDragged() const { return m_dragging; }
     /// Back to the right of the plot area.
     void restore();
 
