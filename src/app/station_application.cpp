@@ -4,6 +4,7 @@
 #include "platform/message_box_operator.h"
 #include "platform/runtime_error.h"
 
+#include <QIcon>
 #include <cstdio>
 #include <cstdlib>
 
@@ -37,6 +38,8 @@ StationApplication::StationApplication(int &argc, char **argv) : QApplication(ar
 {
     setApplicationName(texts::app::applicationTitle());
     setApplicationVersion(QStringLiteral(STATION_VERSION));
+    setWindowIcon(QIcon(QStringLiteral(":/monitor_autoclava.ico")));
+    setDesktopFileName(QStringLiteral("monitor_autoclava")); // its entry in the desktop's menus
     showReport = [](const QString &report) {
         MessageBoxOperator(texts::app::applicationTitle()).tell(report, Operator::Icon::Critical);
     };
