@@ -1,0 +1,75 @@
+#pragma once
+
+#include "app/program.h"
+#include "platform/operator.h"
+#include "platform/printers.h"
+#include "platform/shell.h"
+
+/// A clock that stands still until it is set.
+class StoppedClock final : public Clock
+{
+public:
+    QDateTime now() const override { return moment; }
+    QDateTime moment = wallTime(QDate(2026, 3, 8), QTime(9, 5));
+};
+
+/// Nobody sits before the windows of a portrait: whatever asks for an operator is a failure.
+class AbsentOperator final : public Operator
+{
+public:
+    [[noreturn]] void tell(const QString &text, Icon icon) override;
+    [[noreturn]] Answer ask(const QString &text) override;
+};
+
+class NoShell final : public Shell
+{
+public:
+    void open(const QString &, Window) override {}
+};
+
+/// One printer, which prints into a PDF document.
+class DocumentPrinter final : public Printers
+{
+public:
+    explicit DocumentPrinter(QString path) : m_path(std::move(path)) {}
+
+    QStringList names() const override { return {m_path}; }
+    QString defaultDevice() const override { return m_path; }
+    void setDefaultDevice(const QString &) override {}
+    std::unique_ptr<PrintJob> choose() override;
+
+private:
+    QString m_path;
+};
+
+/// The real program as it looks in the middle of a sterilisation, with the day before archived. It
+/// needs no recorder and its clock stands still, so that a picture changes only when a window does.
+class PosedStation
+{
+public:
+    /// `folder`: a newly laid station, which is written to; `printedPage`: the document that
+    /// printing makes. Throws std::runtime_error when a message had to be shown.
+    PosedStation(const QString &folder, const QString &printedPage);
+
+    MDIForm1 &window() { return m_program.window(); }
+    /// Chooses the menu item of that name and lets the windows settle.
+    void choose(const QString &item);
+    /// While a dialog is open that shows the station's folder: the same path on every machine.
+    void showInstalledFolder(bool installed);
+    QDate archivedDay() const;
+
+private:
+    void archiveYesterday();
+    void drawMorning();
+    void showMonitoring();
+
+    QString m_folder;
+    StoppedClock m_clock;
+    AbsentOperator m_operator;
+    NoShell m_shell;
+    DocumentPrinter m_printer;
+    Program m_program;
+};
+
+/// Lets the windows do what they have put off, down to their own destruction.
+void settle();
