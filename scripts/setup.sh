@@ -1,3 +1,4 @@
+# shellcheck shell=bash disable=SC2034 # names for those who source this
 # Sourced by the scripts at the root: installs what they need, and only what is missing.
 
 build_packages=(ccache cmake g++ ninja-build qt6-base-dev qt6-serialport-dev libqcustomplot-dev)
