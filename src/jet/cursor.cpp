@@ -33,13 +33,32 @@ RowPointer Cursor::current() const
 {
     if (m_place != Place::On)
         throw Error(ErrorCode::NoCurrentRecord, "No current record.");
-    return m_walk->row();
+    return m_movedTo.value_or(m_walk->row());
+}
+
+StoredRow Cursor::storedRow(const TableStore &table) const
+{
+    const RowPointer row = current();
+    return m_movedTo ? table.rows().readOwned(row) : m_walk->stored(table);
+}
+
+void Cursor::beginPass(bool forward)
+{
+    m_moved.clear();
+    m_forward = forward;
+}
+
+void Cursor::arrive(bool found, Place otherwise)
+{
+    m_movedTo.reset();
+    m_place = found ? Place::On : otherwise;
 }
 
 bool Cursor::first()
 {
     return m_session->read([&] {
-        m_place = m_walk->first(store()) ? Place::On : Place::After;
+        beginPass(true);
+        arrive(m_walk->first(store()), Place::After);
         return hasCurrent();
     });
 }
@@ -47,7 +66,8 @@ bool Cursor::first()
 bool Cursor::last()
 {
     return m_session->read([&] {
-        m_place = m_walk->last(store()) ? Place::On : Place::Before;
+        beginPass(false);
+        arrive(m_walk->last(store()), Place::Before);
         return hasCurrent();
     });
 }
@@ -56,35 +76,43 @@ bool Cursor::next()
 {
     if (m_place == Place::Before)
         return first();
-    if (m_place == Place::After)
-        return false;
-    return m_session->read([&] {
-        const TableStore &table = store();
-        bool found = m_walk->next(table);
-        while (found && m_moved.contains(m_walk->row()))
-            found = m_walk->next(table);
-        m_place = found ? Place::On : Place::After;
-        return found;
-    });
+    return m_place == Place::On && step(true);
 }
 
 bool Cursor::previous()
 {
     if (m_place == Place::After)
         return last();
-    if (m_place == Place::Before)
-        return false;
+    return m_place == Place::On && step(false);
+}
+
+bool Cursor::step(bool forward)
+{
     return m_session->read([&] {
-        m_place = m_walk->previous(store()) ? Place::On : Place::Before;
-        return hasCurrent();
+        const TableStore &table = store();
+        if (forward != m_forward) {
+            const RowPointer row = current();
+            const bool wasMoved = m_moved.contains(row);
+            beginPass(forward);
+            if (wasMoved)
+                m_moved.insert(row);
+        }
+        bool found = false;
+        do
+            found = forward ? m_walk->next(table) : m_walk->previous(table);
+        while (found && m_moved.contains(m_walk->row()));
+        arrive(found, forward ? Place::After : Place::Before);
+        return found;
     });
 }
 
 bool Cursor::seek(std::span<const Value> key)
 {
     return m_session->read([&] {
-        m_place = m_walk->seek(store(), key) ? Place::On : Place::After;
-        return hasCurrent();
+        const bool found = m_walk->seek(store(), key);
+        beginPass(true);
+        arrive(found, Place::After);
+        return found;
     });
 }
 
@@ -99,8 +127,7 @@ Value Cursor::value(std::size_t column) const
         const TableStore &table = store();
         if (column >= table.definition().columns.size())
             throw Error(ErrorCode::NoSuchItem, "Item not found in this collection.");
-        current();
-        const StoredRow stored = m_walk->stored(table);
+        const StoredRow stored = storedRow(table);
         return table.readValue(RowView(stored.bytes, table.layout()), column);
     });
 }
@@ -122,7 +149,7 @@ void Cursor::read(Row &row) const
     m_session->read([&] {
         const TableStore &table = store();
         const PageNo page = current().page;
-        table.decode(m_walk->stored(table), page, row);
+        table.decode(storedRow(table), page, row);
     });
 }
 
@@ -135,16 +162,22 @@ void Cursor::update(const Assignments &assignments)
         std::vector<bool> changed(values.size(), false);
         assign(table, assignments, values, &changed);
         const RowPointer place = table.update(row, values, changed);
-        if (place == row)
-            return;
-        m_moved.insert(place);
-        m_walk->moved(table, place);
+        if (place != row) {
+            m_walk->moved(place);
+            m_movedTo = place;
+        }
+        if (place != row || m_walk->isOrderedBy(table, changed))
+            m_moved.insert(place);
     });
 }
 
 void Cursor::erase()
 {
-    m_session->write([&] { store().erase(current()); });
+    m_session->write([&] {
+        const RowPointer row = current();
+        store().erase(row);
+        m_moved.erase(row); // a new record may get the place
+    });
 }
 
 } // namespace jet

@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <set>
 #include <span>
 #include <string_view>
@@ -16,6 +17,7 @@ namespace jet
 
 class RowWalk;
 class Session;
+struct StoredRow;
 class TableStore;
 
 /// Values for columns named in any order.
@@ -25,9 +27,10 @@ enum class Order { Ascending, Descending };
 
 /// Goes through the records of a table, in both directions, while the table may be changed: a
 /// record deleted ahead is not met, one added ahead is, unless the cursor is sorted by a column
-/// without index. Functions that need a current record throw Error(NoCurrentRecord), or
-/// Error(RecordDeleted) when it has been deleted and its place not been given to a new record
-/// since; a Snapshot rules that out.
+/// without index. A record that the cursor itself changes is met once in a pass, wherever the
+/// change puts it; first(), last(), seek() and turning round begin a new pass. Functions that need
+/// a current record throw Error(NoCurrentRecord), or Error(RecordDeleted) when it has been deleted
+/// and its place not been given to a new record since; a Snapshot rules that out.
 class Cursor
 {
 public:
@@ -70,13 +73,20 @@ private:
 
     TableStore &store() const;
     RowPointer current() const;
+    StoredRow storedRow(const TableStore &table) const;
+    bool step(bool forward);
+    void beginPass(bool forward);
+    void arrive(bool found, Place otherwise);
 
     std::shared_ptr<Session> m_session;
     Text m_table;
     std::unique_ptr<RowWalk> m_walk;
     Place m_place = Place::Before;
-    /// Rows that an update moved ahead; they were met already.
+    bool m_forward = true;
+    /// Rows met in this pass that an update gave another place in its order.
     std::set<RowPointer> m_moved;
+    /// Where the current record is when it was moved; the walk stays where it met the record.
+    std::optional<RowPointer> m_movedTo;
     mutable std::shared_ptr<TableStore> m_store;
     mutable std::uint64_t m_structure = 0;
 };

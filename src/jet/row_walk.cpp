@@ -47,7 +47,6 @@ public:
             return RowWalk::stored(table);
         return {m_page, PageBytes(*m_page).subspan(m_slot.start, m_slot.length)};
     }
-    void moved(const TableStore &, RowPointer) override {}
 
 private:
     bool isCurrent(const TableStore &table) const
@@ -107,11 +106,10 @@ public:
     }
     RowPointer row() const override { return m_cursor.row(); }
 
-    void moved(const TableStore &table, RowPointer place) override
+    bool isOrderedBy(const TableStore &table, const std::vector<bool> &changed) const override
     {
-        const auto key = table.storedKeyOf(m_index, table.read(place), place);
-        if (key)
-            m_cursor.seek(indexEntry(key->bytes, place));
+        return std::ranges::any_of(table.keyPlaces(m_index),
+                                   [&](std::size_t place) { return changed[place]; });
     }
 
     bool seek(const TableStore &table, std::span<const Value> key) override
@@ -148,7 +146,7 @@ public:
     bool next(const TableStore &table) override { return forwardFrom(table, m_place + 1); }
     bool previous(const TableStore &table) override { return backwardFrom(table, m_place); }
     RowPointer row() const override { return m_rows[m_place]; }
-    void moved(const TableStore &, RowPointer place) override { m_rows[m_place] = place; }
+    void moved(RowPointer place) override { m_rows[m_place] = place; }
 
 private:
     bool forwardFrom(const TableStore &table, std::size_t place)
@@ -179,6 +177,11 @@ private:
 bool RowWalk::seek(const TableStore &, std::span<const Value>)
 {
     throw Error(ErrorCode::InvalidArgument, "Only a cursor of an index can look for a key.");
+}
+
+bool RowWalk::isOrderedBy(const TableStore &, const std::vector<bool> &) const
+{
+    return false;
 }
 
 StoredRow RowWalk::stored(const TableStore &table) const

@@ -23,8 +23,10 @@ public:
     virtual RowPointer row() const = 0;
     /// The bytes of the current row. Throws Error(RecordDeleted).
     virtual StoredRow stored(const TableStore &table) const;
-    /// The current row was given another place.
-    virtual void moved(const TableStore &table, RowPointer place) = 0;
+    /// The current row was given another place. The walk goes on from where it met the row.
+    virtual void moved(RowPointer) {}
+    /// True when changing these columns can give a row another place in the order.
+    virtual bool isOrderedBy(const TableStore &table, const std::vector<bool> &changed) const;
     /// To the first row not before a key. Throws Error(InvalidArgument) where rows have none.
     virtual bool seek(const TableStore &table, std::span<const Value> key);
 };

@@ -90,6 +90,33 @@ TEST_F(Cursors, UpdatedRowsAreMetOnceAndStayInEveryIndex)
     EXPECT_EQ(cursor.value(u"Id"), Value(1001));
 }
 
+TEST_F(Cursors, EveryPassMeetsEachRecordOnceWhileItsKeyAndPlaceChange)
+{
+    Transaction transaction(m_database);
+    const auto expectPass = [&](Cursor &cursor, bool (Cursor::*step)(), std::int32_t difference,
+                                const Text &alarm) {
+        int met = 0;
+        for (bool found = cursor.hasCurrent(); found && met <= 500;
+             found = (cursor.*step)(), ++met) {
+            const Value id = std::get<std::int32_t>(cursor.value(u"Id")) + difference;
+            cursor.update({{u"Id", id}, {u"Alarma", alarm}});
+            EXPECT_EQ(cursor.value(u"Id"), id);
+        }
+        EXPECT_EQ(met, 500) << difference << ' ' << toUtf8(alarm);
+    };
+    Cursor cursors[] = {m_table.byIndex(u"IndexPrimar"), m_table.records()};
+    for (Cursor &cursor : cursors) {
+        cursor.first();
+        expectPass(cursor, &Cursor::next, 1000, u"Yes");
+        cursor.first();
+        expectPass(cursor, &Cursor::next, 1000, u"Yesyesyes!"); // longer, so that rows move
+        cursor.last();
+        expectPass(cursor, &Cursor::previous, -1000, u"No");
+        EXPECT_EQ(idsOf(std::move(cursor)).size(), 500U);
+    }
+    EXPECT_EQ(findings(m_database), "");
+}
+
 TEST_F(Cursors, RefusedStatementLeavesATransactionUsable)
 {
     Transaction transaction(m_database);
