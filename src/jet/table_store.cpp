@@ -6,6 +6,7 @@
 #include "jet/usage_map.h"
 
 #include <algorithm>
+#include <limits>
 
 namespace jet
 {
@@ -275,15 +276,17 @@ Bytes TableStore::store(const Row &values)
 
 RowPointer TableStore::insert(Row values)
 {
-    std::optional<std::uint32_t> autonumber;
+    std::optional<std::int32_t> autonumber;
     for (std::size_t column = 0; column < values.size(); ++column) {
         if (!m_definition.columns[column].isAutonumber())
             continue;
-        const std::uint32_t last = lastAutonumber();
-        if (isNull(values[column]))
-            values[column] = static_cast<std::int32_t>(last + 1);
-        const auto given = static_cast<std::uint32_t>(std::get<std::int32_t>(values[column]));
-        autonumber = std::max(last, given);
+        const auto last = static_cast<std::int32_t>(lastAutonumber());
+        if (isNull(values[column])) {
+            if (last == std::numeric_limits<std::int32_t>::max())
+                throw Error(ErrorCode::NotSupported, "The table has no automatic number left.");
+            values[column] = last + 1;
+        }
+        autonumber = std::max(last, std::get<std::int32_t>(values[column]));
     }
     const Keys keys = keysOf(values);
     for (std::size_t index = 0; index < keys.size(); ++index) {
@@ -300,7 +303,7 @@ RowPointer TableStore::insert(Row values)
     }
     addToCount(kRowCountOffset, 1);
     if (autonumber)
-        continueAutonumber(*autonumber);
+        continueAutonumber(static_cast<std::uint32_t>(*autonumber));
     return row;
 }
 

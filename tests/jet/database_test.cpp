@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <limits>
 
 namespace jet
 {
@@ -28,6 +29,22 @@ TEST(Database, AppendsKeepIndexCountAndReadersInAgreement)
     EXPECT_EQ(rows[2344], sampleRow(2345));
     const std::string exported = mdbExport(path, "Tabel");
     EXPECT_EQ(std::ranges::count(exported, '\n'), 3000);
+}
+
+TEST(Database, AutonumbersGoOnAfterNegativeNumbersAndEndAtTheGreatest)
+{
+    const TemporaryFolder folder;
+    Database database = Database::create(folder / "t.mdb", kSomeDay, unsynced());
+    TableDesign design;
+    design.name = u"T";
+    design.columns = {{u"Nr", ColumnType::Long, 0, true}};
+    design.indexes = {{u"Nr", {{u"Nr"}}, true}};
+    Table table = database.createTable(design, kSomeDay);
+    const std::int32_t greatest = std::numeric_limits<std::int32_t>::max();
+    for (const Value &number : {Value(), Value(-2), Value(), Value(), Value(greatest)})
+        table.appendRow({number});
+    EXPECT_EQ(errorOf([&] { table.appendRow({Value()}); }), ErrorCode::NotSupported);
+    EXPECT_EQ(idsOf(table.records()), (std::vector<std::int32_t>{1, -2, 2, 3, greatest}));
 }
 
 TEST(Database, NamesThatTheDatabaseProgramWouldNotTakeAreRefused)
