@@ -107,17 +107,20 @@ std::string_view trimmed(std::string_view text)
     return text.substr(first, text.find_last_not_of(" \t") - first + 1);
 }
 
-/// The number behind "e" or "E"; nothing when malformed.
+/// The number behind "e" or "E", brought to just beyond kMaxExponent where it is farther; nothing
+/// when malformed.
 std::optional<int> parseExponent(std::string_view text)
 {
-    if (text.starts_with('+'))
+    const bool negative = text.starts_with('-');
+    if (negative || text.starts_with('+'))
         text.remove_prefix(1);
-    int exponent = 0;
+    unsigned exponent = 0;
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), exponent);
-    if (error != std::errc{} || end != text.data() + text.size() ||
-        std::abs(exponent) > kMaxExponent)
+    if (error == std::errc::invalid_argument || end != text.data() + text.size())
         return std::nullopt;
-    return exponent;
+    if (error == std::errc::result_out_of_range || exponent > kMaxExponent)
+        exponent = kMaxExponent + 1;
+    return negative ? -static_cast<int>(exponent) : static_cast<int>(exponent);
 }
 
 } // namespace
@@ -156,6 +159,10 @@ std::optional<Numeric> parseNumeric(std::string_view text)
     if (i < text.size()) {
         const auto exponent = parseExponent(text.substr(i + 1));
         if (!exponent)
+            return std::nullopt;
+        if (isZero(magnitude) || *exponent < -kMaxExponent)
+            return Numeric{};
+        if (*exponent > kMaxExponent)
             return std::nullopt;
         scale -= *exponent;
     }

@@ -78,10 +78,15 @@ struct AsNumber {
     {
         std::string digits = trimmedLower(text);
         std::ranges::replace(digits, ',', '.');
+        if (digits.starts_with("+-"))
+            return std::nullopt;
         const std::string_view view = std::string_view(digits).substr(digits.starts_with('+'));
         double number = 0;
         const auto [end, error] = std::from_chars(view.data(), view.data() + view.size(), number);
-        if (error != std::errc{} || end != view.data() + view.size())
+        if (error == std::errc::invalid_argument || end != view.data() + view.size())
+            return std::nullopt;
+        // Too small for a double is zero, too large is no number.
+        if (error == std::errc::result_out_of_range && !parseNumeric(digits))
             return std::nullopt;
         return number;
     }
