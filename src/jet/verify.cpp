@@ -85,7 +85,8 @@ private:
         for (const LongValueMaps &column : definition.longValueMaps)
             checkStore(column.ownedPages, column.freeSpacePages, "long values of " + name);
 
-        std::vector<std::optional<std::vector<Bytes>>> entries(definition.realIndexes.size());
+        std::vector<std::optional<std::vector<ExpectedEntry>>> entries(
+            definition.realIndexes.size());
         for (auto &list : entries)
             list.emplace();
         const std::uint32_t rows = checkRows(table, entries);
@@ -114,7 +115,7 @@ private:
 
     /// Reads every row and works out its index entries; the result is the number of rows.
     std::uint32_t checkRows(const TableStore &table,
-                            std::vector<std::optional<std::vector<Bytes>>> &entries)
+                            std::vector<std::optional<std::vector<ExpectedEntry>>> &entries)
     {
         std::uint32_t count = 0;
         const UsageMap owned(m_pager, table.definition().ownedPages);
@@ -144,7 +145,7 @@ private:
     }
 
     void checkRow(const TableStore &table, RowPointer place,
-                  std::vector<std::optional<std::vector<Bytes>>> &entries)
+                  std::vector<std::optional<std::vector<ExpectedEntry>>> &entries)
     {
         const Row values = table.read(place);
         for (std::size_t index = 0; index < entries.size(); ++index) {
@@ -152,7 +153,7 @@ private:
                 continue;
             try {
                 if (const auto key = table.keyOf(index, values))
-                    entries[index]->push_back(indexEntry(key->bytes, place));
+                    entries[index]->push_back({indexEntry(key->bytes, place), key->anyNull});
             } catch (const Error &error) {
                 if (error.code() != ErrorCode::NotSupported)
                     throw;
@@ -162,7 +163,7 @@ private:
     }
 
     void checkIndex(const TableStore &table, std::size_t index,
-                    std::optional<std::vector<Bytes>> expected, const std::string &name)
+                    std::optional<std::vector<ExpectedEntry>> expected, const std::string &name)
     {
         std::vector<PageNo> pages;
         verifyIndex(table, index, std::move(expected), pages, m_findings);

@@ -15,11 +15,17 @@ class TableStore;
 /// reads. Damage that keeps a table from being read is reported once, and the next one is walked.
 std::vector<Finding> verify(Pager &pager);
 
+/// An entry that an index should hold.
+struct ExpectedEntry {
+    Bytes bytes;
+    bool anyNull = false; ///< its key may stand more than once
+};
+
 /// The part for one index: order, links, copies in the nodes, and that it holds exactly
 /// `expected`, the entries of the table's rows. Adds the pages of the tree to `pages`. `expected`
 /// is nothing when the keys of the index cannot be worked out.
 void verifyIndex(const TableStore &table, std::size_t realIndex,
-                 std::optional<std::vector<Bytes>> expected, std::vector<PageNo> &pages,
+                 std::optional<std::vector<ExpectedEntry>> expected, std::vector<PageNo> &pages,
                  std::vector<Finding> &findings);
 
 } // namespace jet

@@ -76,6 +76,24 @@ TEST_F(ForeignFile, RowThatLeftAPointerBehind)
     expectIds({1, 3});
 }
 
+TEST_F(ForeignFile, KeyThatAUniqueIndexHoldsTwiceIsFound)
+{
+    TableDesign design = twoColumns(false);
+    design.indexes = {{u"Nume", {{u"Nume"}}}};
+    make(design, 2);
+    load();
+    TableDefinition table = m_image.definition();
+    table.realIndexes[0].flags |= IndexFlag::Unique;
+    m_image.setDefinition(table);
+    save();
+    EXPECT_NE(findings(open()).find("a unique index holds a key twice"), std::string::npos);
+
+    Database database = open();
+    for (Cursor cursor = database.table(u"T").records(); cursor.next();)
+        cursor.update({{u"Nume", Null{}}});
+    EXPECT_EQ(findings(database), "");
+}
+
 TEST_F(ForeignFile, ColumnDroppedAndColumnsAddedLater)
 {
     TableDesign design = twoColumns(false);
