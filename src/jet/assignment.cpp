@@ -15,6 +15,12 @@ std::size_t columnPlace(const TableStore &table, std::u16string_view column)
     return *place;
 }
 
+void requireUserTable(const TableStore &table)
+{
+    if (table.definition().kind == TableKind::System)
+        throw Error(ErrorCode::ReadOnly, "The system tables of a database cannot be changed.");
+}
+
 void assign(const TableStore &table, const Assignments &assignments, Row &row,
             std::vector<bool> *changed)
 {

@@ -157,6 +157,7 @@ void Cursor::update(const Assignments &assignments)
 {
     m_session->write([&] {
         TableStore &table = store();
+        requireUserTable(table);
         const RowPointer row = current();
         Row values = table.read(row);
         std::vector<bool> changed(values.size(), false);
@@ -174,8 +175,10 @@ void Cursor::update(const Assignments &assignments)
 void Cursor::erase()
 {
     m_session->write([&] {
+        TableStore &table = store();
+        requireUserTable(table);
         const RowPointer row = current();
-        store().erase(row);
+        table.erase(row);
         m_moved.erase(row); // a new record may get the place
     });
 }

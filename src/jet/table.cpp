@@ -44,6 +44,7 @@ void Table::append(const Assignments &assignments)
 {
     m_session->write([&] {
         TableStore &table = store();
+        requireUserTable(table);
         Row row(table.definition().columns.size());
         assign(table, assignments, row);
         table.insert(std::move(row));
@@ -54,6 +55,7 @@ void Table::appendRow(Row values)
 {
     m_session->write([&] {
         TableStore &table = store();
+        requireUserTable(table);
         const auto &columns = table.definition().columns;
         if (values.size() != columns.size())
             throw Error(ErrorCode::InvalidArgument, "A record needs one value for every column.");
@@ -70,7 +72,11 @@ Row Table::record(RowPointer bookmark) const
 
 void Table::deleteAll()
 {
-    m_session->write([&] { store().clear(); });
+    m_session->write([&] {
+        TableStore &table = store();
+        requireUserTable(table);
+        table.clear();
+    });
 }
 
 Cursor Table::records() const

@@ -117,6 +117,25 @@ TEST_F(Cursors, EveryPassMeetsEachRecordOnceWhileItsKeyAndPlaceChange)
     EXPECT_EQ(findings(m_database), "");
 }
 
+TEST_F(Cursors, SystemTablesAreOnlyRead)
+{
+    Table objects = m_database.table(u"MSysObjects");
+    Cursor cursor = objects.records();
+    ASSERT_TRUE(cursor.next());
+    const Row row = cursor.row();
+    const std::function<void()> statements[] = {
+        [&] {
+            objects.append({{u"Id", 1}});
+        },
+        [&] { objects.appendRow(row); }, [&] { objects.deleteAll(); }, [&] { cursor.erase(); },
+        [&] {
+            cursor.update({{u"Name", u"Alta"}});
+        }};
+    for (const auto &statement : statements)
+        EXPECT_EQ(errorOf(statement), ErrorCode::ReadOnly) << &statement - statements;
+    EXPECT_EQ(cursor.row(), row);
+}
+
 TEST_F(Cursors, RefusedStatementLeavesATransactionUsable)
 {
     Transaction transaction(m_database);
