@@ -96,10 +96,15 @@ bool IndexTree::hasKey(ByteView key) const
            std::equal(key.begin(), key.end(), cursor.entry().begin());
 }
 
+void IndexTree::checkSize(ByteView key)
+{
+    if (key.size() + kRowIdSize > kMaxEntrySize)
+        throw Error(ErrorCode::RecordTooLarge, "The values of an index are too long.");
+}
+
 void IndexTree::insert(ByteView entry)
 {
-    if (entry.size() > kMaxEntrySize)
-        throw Error(ErrorCode::RecordTooLarge, "The values of an index are too long.");
+    checkSize(entry.first(entry.size() - kRowIdSize));
     const Path path = descend(entry);
     const PageNo leaf = path.back().page;
     const IndexPage view = page(leaf);

@@ -20,7 +20,9 @@ public:
     }
 
     bool hasKey(ByteView key) const;
-    /// Throws Error(RecordTooLarge) for an entry no page could take.
+    /// Throws Error(RecordTooLarge) for a key whose entry no page could take.
+    static void checkSize(ByteView key);
+    /// Throws as checkSize() does.
     void insert(ByteView entry);
     /// Throws Error(Damaged) when the entry is missing.
     void erase(ByteView entry);

@@ -231,6 +231,7 @@ TableStore::Keys TableStore::keysOf(const Row &values) const
 
 void TableStore::checkKey(std::size_t realIndex, const IndexKey &key) const
 {
+    IndexTree::checkSize(key.bytes);
     const RealIndex &index = m_definition.realIndexes[realIndex];
     if (index.isRequired() && key.anyNull)
         throw Error(ErrorCode::NullNotAllowed, "Index or primary key cannot contain a Null value.");

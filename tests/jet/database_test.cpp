@@ -47,6 +47,26 @@ TEST(Database, AutonumbersGoOnAfterNegativeNumbersAndEndAtTheGreatest)
     EXPECT_EQ(idsOf(table.records()), (std::vector<std::int32_t>{1, -2, 2, 3, greatest}));
 }
 
+TEST(Database, RowWhoseKeyIsTooLongIsRefusedAlone)
+{
+    const TemporaryFolder folder;
+    Database database = Database::create(folder / "t.mdb", kSomeDay, unsynced());
+    TableDesign design;
+    design.name = u"T";
+    design.indexes = {{u"Toate", {}}};
+    for (const char16_t name : Text(u"ABCDEFGH")) {
+        design.columns.push_back({Text(1, name), ColumnType::Binary, 255});
+        design.indexes.front().columns.push_back({Text(1, name)});
+    }
+    Table table = database.createTable(design, kSomeDay);
+    inTransaction(database, [&] {
+        EXPECT_EQ(errorOf([&] { table.appendRow(Row(8, Bytes(255, 1))); }),
+                  ErrorCode::RecordTooLarge);
+        table.appendRow(Row(8, Bytes(9, 1)));
+    });
+    EXPECT_EQ(table.recordCount(), 1U);
+}
+
 TEST(Database, NamesThatTheDatabaseProgramWouldNotTakeAreRefused)
 {
     const TemporaryFolder folder;
