@@ -110,10 +110,7 @@ std::optional<RowPointer> Catalog::rowNamed(const Text &name) const
         try {
             const auto key = m_objects.keyOf(*m_nameIndex, values);
             IndexCursor cursor(m_objects.tree(*m_nameIndex));
-            const bool found =
-                cursor.seek(key->bytes) &&
-                cursor.entry().size() == key->bytes.size() + kRowIdSize &&
-                std::equal(key->bytes.begin(), key->bytes.end(), cursor.entry().begin());
+            const bool found = cursor.seek(key->bytes) && cursor.hasKey(key->bytes);
             return found ? std::optional(cursor.row()) : std::nullopt;
         } catch (const Error &error) {
             if (error.code() != ErrorCode::NotSupported)
@@ -187,12 +184,9 @@ std::vector<RowPointer> Catalog::permissionsOf(TableStore &aces, std::int32_t ob
     values[objectId] = object;
     const auto key = aces.keyOf(*index, values);
     IndexCursor cursor(aces.tree(*index));
-    for (bool valid = cursor.seek(key->bytes); valid; valid = cursor.next()) {
-        if (cursor.entry().size() != key->bytes.size() + kRowIdSize ||
-            !std::equal(key->bytes.begin(), key->bytes.end(), cursor.entry().begin()))
-            break;
+    for (bool valid = cursor.seek(key->bytes); valid && cursor.hasKey(key->bytes);
+         valid = cursor.next())
         found.push_back(cursor.row());
-    }
     return found;
 }
 
@@ -263,6 +257,12 @@ void Catalog::setProperties(const Text &name, const Value &properties)
     std::vector<bool> changed(values.size(), false);
     changed[m_columns.properties] = true;
     m_objects.update(entry->row, values, changed);
+}
+
+void throwNoSuchTable(const Text &name)
+{
+    throw Error(ErrorCode::NoSuchTable,
+                "The Jet database engine cannot find the input table '" + toUtf8(name) + "'.");
 }
 
 } // namespace jet

@@ -60,4 +60,6 @@ private:
     std::optional<std::size_t> m_nameIndex; ///< real index on ParentId and Name
 };
 
+[[noreturn]] void throwNoSuchTable(const Text &name);
+
 } // namespace jet

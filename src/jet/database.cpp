@@ -3,7 +3,6 @@
 #include "jet/new_database.h"
 #include "jet/session.h"
 #include "jet/table_builder.h"
-#include "jet/text_codec.h"
 #include "jet/verify.h"
 
 namespace jet
@@ -16,8 +15,7 @@ Catalog::Entry changeableTable(Catalog &catalog, const Text &name)
 {
     const auto entry = catalog.find(name);
     if (!entry || entry->isSystem)
-        throw Error(ErrorCode::NoSuchTable,
-                    "The Jet database engine cannot find the input table '" + toUtf8(name) + "'.");
+        throwNoSuchTable(name);
     return *entry;
 }
 

@@ -15,7 +15,6 @@ using PageNo = std::uint32_t;
 enum class ErrorCode : int {
     InvalidArgument = 3001,
     ObjectExists = 3010,
-    NoUpdatePending = 3020,
     NoCurrentRecord = 3021,
     DuplicateKey = 3022,
     FileNotFound = 3024,

@@ -1,5 +1,7 @@
 #include "jet/header_page.h"
 
+#include "jet/table_definition.h"
+
 #include <algorithm>
 #include <array>
 #include <bit>
@@ -33,7 +35,6 @@ constexpr std::size_t kCommitOffset = 0xE00;
 /// The security ids of system_tables.h are stored scrambled with this very date.
 constexpr std::array<std::uint8_t, 8> kCreationDate{0xBC, 0x72, 0x1F, 0x7D, 0xF1, 0x9F, 0xE2, 0x40};
 constexpr std::uint32_t kBuild = 8618; ///< of the last Jet 4 service pack
-constexpr std::uint16_t kSortOrderGeneral = 0x0409;
 
 /// The mask is the start of the RC4 key stream of this key.
 std::array<std::uint8_t, kMaskSize> maskStream()
@@ -126,7 +127,7 @@ Bytes makeHeaderPage()
     for (std::size_t i = 0; i < kPasswordSize; i += 4)
         writeU32(page, kPasswordOffset + i, key);
     writeU32(page, kBuildOffset, kBuild);
-    writeU16(page, kSortOrderOffset, kSortOrderGeneral);
+    writeU16(page, kSortOrderOffset, kGeneralSortOrder);
     toggleMask(page);
 
     constexpr std::uint8_t versionText[] = {0x54, 0x06, 0, 0, '4', '.', '0', 0};

@@ -1,11 +1,19 @@
 #include "jet/index_cursor.h"
 
+#include <algorithm>
+
 namespace jet
 {
 
 RowPointer IndexCursor::row() const
 {
     return readRowId(m_entry, m_entry.size() - kRowIdSize);
+}
+
+bool IndexCursor::hasKey(ByteView key) const
+{
+    return m_entry.size() == key.size() + kRowIdSize &&
+           std::equal(key.begin(), key.end(), m_entry.begin());
 }
 
 void IndexCursor::load(PageNo page)

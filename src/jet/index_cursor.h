@@ -23,6 +23,8 @@ public:
     /// False before the first move and after a move that found no entry.
     bool isValid() const { return m_valid; }
     RowPointer row() const;
+    /// Only on an entry: true when it is one of a key.
+    bool hasKey(ByteView key) const;
     const Bytes &entry() const { return m_entry; }
 
 private:

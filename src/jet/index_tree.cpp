@@ -10,9 +10,6 @@ namespace jet
 namespace
 {
 
-/// Far more levels than a file of the largest size can need.
-constexpr std::size_t kMaxDepth = 24;
-
 /// Cuts a list of sizes into runs of at most a page each, of about the same size; the result are
 /// the lengths of the runs.
 std::vector<std::size_t> cutIntoPages(const std::vector<std::size_t> &sizes)
@@ -47,7 +44,7 @@ std::size_t sizeOf(const IndexChild &child)
 
 void IndexTree::checkDepth(std::size_t depth, PageNo page) const
 {
-    if (depth > kMaxDepth)
+    if (depth > kMaxIndexDepth)
         throwDamaged("an index leads in a circle at page " + std::to_string(page), page);
 }
 
@@ -92,8 +89,7 @@ PageNo IndexTree::edgeLeaf(bool last) const
 bool IndexTree::hasKey(ByteView key) const
 {
     IndexCursor cursor(*this);
-    return cursor.seek(key) && cursor.entry().size() == key.size() + kRowIdSize &&
-           std::equal(key.begin(), key.end(), cursor.entry().begin());
+    return cursor.seek(key) && cursor.hasKey(key);
 }
 
 void IndexTree::checkSize(ByteView key)
@@ -344,7 +340,7 @@ std::vector<PageNo> IndexTree::pages() const
         for (const PageNo number : level) {
             // Also ends a walk over a damaged tree whose nodes share children.
             if (all.size() > m_pager.pageCount())
-                checkDepth(kMaxDepth + 1, number);
+                checkDepth(kMaxIndexDepth + 1, number);
             checkDepth(depth, number);
             all.push_back(number);
             const IndexPage view = page(number);

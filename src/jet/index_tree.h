@@ -9,6 +9,9 @@
 namespace jet
 {
 
+/// Far more levels than a file of the largest size can need.
+inline constexpr std::size_t kMaxIndexDepth = 24;
+
 /// The tree of one index. An entry is the key's bytes followed by the row id of its row.
 class IndexTree
 {

@@ -1,7 +1,6 @@
 #include "jet/session.h"
 
 #include "jet/header_page.h"
-#include "jet/text_codec.h"
 
 namespace jet
 {
@@ -137,8 +136,7 @@ std::shared_ptr<TableStore> Session::table(const Text &name)
 {
     const auto entry = catalog().find(name);
     if (!entry)
-        throw Error(ErrorCode::NoSuchTable,
-                    "The Jet database engine cannot find the input table '" + toUtf8(name) + "'.");
+        throwNoSuchTable(name);
     return tableAt(entry->definition);
 }
 

@@ -1,6 +1,5 @@
 #include "jet/table_store.h"
 
-#include "jet/index_cursor.h"
 #include "jet/table_definition_codec.h"
 #include "jet/text_codec.h"
 #include "jet/usage_map.h"
@@ -44,15 +43,6 @@ std::vector<PageNo> definitionPages(Pager &pager, PageNo page)
     std::vector<PageNo> pages;
     walkDefinition(pager, page, [&](PageNo number) { pages.push_back(number); });
     return pages;
-}
-
-Bytes indexEntry(const Bytes &key, RowPointer row)
-{
-    Bytes entry;
-    entry.reserve(key.size() + kRowIdSize);
-    appendBytes(entry, key);
-    appendRowId(entry, row);
-    return entry;
 }
 
 bool sameName(std::u16string_view left, std::u16string_view right)
@@ -108,11 +98,6 @@ std::optional<std::size_t> TableStore::columnNamed(std::u16string_view name) con
     return static_cast<std::size_t>(found - columns.begin());
 }
 
-IndexTree TableStore::tree(std::size_t realIndex) const
-{
-    return {m_pager, m_page, m_definition.realIndexes[realIndex]};
-}
-
 LongValueStore TableStore::longValues(std::size_t column) const
 {
     const auto maps = std::ranges::find(
@@ -165,80 +150,6 @@ Row TableStore::read(RowPointer row) const
 void TableStore::readInto(RowPointer row, Row &values) const
 {
     decode(m_rows.readOwned(row), row.page, values);
-}
-
-std::optional<IndexKey> TableStore::keyOf(std::size_t realIndex, const Row &values) const
-{
-    Row parts;
-    parts.reserve(m_keyPlaces[realIndex].size());
-    for (const std::size_t place : m_keyPlaces[realIndex])
-        parts.push_back(values[place]);
-    IndexKey key = encodeIndexKey(parts, m_keyColumns[realIndex]);
-    if (key.allNull && m_definition.realIndexes[realIndex].ignoresNulls())
-        return std::nullopt;
-    return key;
-}
-
-std::optional<IndexKey> TableStore::storedKeyOf(std::size_t realIndex, const Row &values,
-                                                RowPointer row) const
-{
-    try {
-        return keyOf(realIndex, values);
-    } catch (const Error &error) {
-        if (error.code() != ErrorCode::NotSupported)
-            throw;
-    }
-    IndexCursor cursor(tree(realIndex));
-    for (bool found = cursor.moveFirst(); found; found = cursor.next()) {
-        if (cursor.row() != row)
-            continue;
-        IndexKey key;
-        key.bytes.assign(cursor.entry().begin(), cursor.entry().end() - kRowIdSize);
-        return key;
-    }
-    throwDamaged("an index has no entry of a row", tree(realIndex).root());
-}
-
-TableStore::Keys TableStore::storedKeysOf(const Row &values, RowPointer row) const
-{
-    Keys keys;
-    for (std::size_t index = 0; index < m_definition.realIndexes.size(); ++index)
-        keys.push_back(storedKeyOf(index, values, row));
-    return keys;
-}
-
-/// Keys of a row that is to get new values; where no column of an index changes, the old one.
-TableStore::Keys TableStore::changedKeys(const Row &values, const std::vector<bool> &changed,
-                                         const Keys &old) const
-{
-    Keys keys;
-    for (std::size_t index = 0; index < m_definition.realIndexes.size(); ++index) {
-        const bool isNew = std::ranges::any_of(m_keyPlaces[index],
-                                               [&](std::size_t place) { return changed[place]; });
-        keys.push_back(isNew ? keyOf(index, values) : old[index]);
-    }
-    return keys;
-}
-
-TableStore::Keys TableStore::keysOf(const Row &values) const
-{
-    Keys keys;
-    keys.reserve(m_definition.realIndexes.size());
-    for (std::size_t index = 0; index < m_definition.realIndexes.size(); ++index)
-        keys.push_back(keyOf(index, values));
-    return keys;
-}
-
-void TableStore::checkKey(std::size_t realIndex, const IndexKey &key) const
-{
-    IndexTree::checkSize(key.bytes);
-    const RealIndex &index = m_definition.realIndexes[realIndex];
-    if (index.isRequired() && key.anyNull)
-        throw Error(ErrorCode::NullNotAllowed, "Index or primary key cannot contain a Null value.");
-    if (index.isUnique() && !key.anyNull && tree(realIndex).hasKey(key.bytes))
-        throw Error(ErrorCode::DuplicateKey,
-                    "The changes you requested to the table were not successful because they would "
-                    "create duplicate values in the index, primary key, or relationship.");
 }
 
 Bytes TableStore::longValueData(std::size_t column, const Value &value) const
@@ -306,22 +217,6 @@ RowPointer TableStore::insert(Row values)
     if (autonumber)
         continueAutonumber(static_cast<std::uint32_t>(*autonumber));
     return row;
-}
-
-/// `count`: the key counts as another one when the index does not hold it yet.
-void TableStore::addEntry(std::size_t realIndex, const IndexKey &key, RowPointer row, bool count)
-{
-    IndexTree index = tree(realIndex);
-    const bool isNew =
-        count && (m_definition.realIndexes[realIndex].isUnique() || !index.hasKey(key.bytes));
-    index.insert(indexEntry(key.bytes, row));
-    if (isNew)
-        addToCount(uniqueCountOffset(realIndex), 1);
-}
-
-void TableStore::removeEntry(std::size_t realIndex, const IndexKey &key, RowPointer row)
-{
-    tree(realIndex).erase(indexEntry(key.bytes, row));
 }
 
 RowPointer TableStore::update(RowPointer row, const Row &values, const std::vector<bool> &changed)

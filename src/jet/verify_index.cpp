@@ -9,8 +9,6 @@ namespace jet
 namespace
 {
 
-constexpr int kMaxDepth = 24;
-
 /// Goes down a tree and notes what is out of order.
 class TreeWalk
 {
@@ -22,7 +20,7 @@ public:
 
     void run()
     {
-        visit(m_tree.root(), kMaxDepth);
+        visit(m_tree.root(), kMaxIndexDepth);
         checkLinks();
     }
 
@@ -37,7 +35,7 @@ private:
     void report(PageNo page, const std::string &reason) { m_findings.push_back({page, reason}); }
 
     /// The greatest entry below a page; nothing for an empty leaf.
-    std::optional<Bytes> visit(PageNo number, int depth)
+    std::optional<Bytes> visit(PageNo number, std::size_t depth)
     {
         if (depth == 0 || m_pages.size() > m_tree.pager().pageCount()) {
             if (!m_lost)
