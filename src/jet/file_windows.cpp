@@ -37,6 +37,12 @@ std::string messageOf(DWORD number)
     throw Error(full ? ErrorCode::DiskFull : ErrorCode::DiskError, what + ": " + messageOf(number));
 }
 
+[[noreturn]] void throwInUse(const std::filesystem::path &path)
+{
+    throw Error(ErrorCode::InUse, "Could not use '" + displayName(path) +
+                                      "': another program has it open exclusively.");
+}
+
 [[noreturn]] void throwCannotOpen(const std::filesystem::path &path, DWORD number)
 {
     const std::string name = "'" + displayName(path) + "'";
@@ -46,8 +52,7 @@ std::string messageOf(DWORD number)
         throwFileNotFound(path);
     case ERROR_SHARING_VIOLATION:
     case ERROR_LOCK_VIOLATION:
-        throw Error(ErrorCode::InUse,
-                    "Could not use " + name + ": another program has it open exclusively.");
+        throwInUse(path);
     case ERROR_ACCESS_DENIED:
     case ERROR_WRITE_PROTECT:
         throw Error(ErrorCode::ReadOnly, "Cannot open file " + name + ": " + messageOf(number));
@@ -83,31 +88,41 @@ private:
     HANDLE m_handle;
 };
 
+bool isRefusal(DWORD number)
+{
+    return number == ERROR_ACCESS_DENIED || number == ERROR_SHARING_VIOLATION;
+}
+
+/// A file that was just removed keeps its name while a virus scanner or a backup still looks into
+/// it, and until then the system neither opens nor makes one of that name. Nor does it remove or
+/// replace a file they look into. They are done in moments: what is refused is tried again, for
+/// about 150 ms in all. Gives the last attempt's error number, ERROR_SUCCESS when it was done.
+template <typename Attempt>
+DWORD untilGranted(Attempt attempt)
+{
+    constexpr DWORD kLongestPause = 80; // ms
+    for (DWORD pause = 5;; pause *= 2) {
+        const DWORD number = attempt() ? ERROR_SUCCESS : GetLastError();
+        if (!isRefusal(number) || pause > kLongestPause)
+            return number;
+        Sleep(pause);
+    }
+}
+
+/// On failure GetLastError() says why.
 Handle openHandle(const std::filesystem::path &path, FileSystem::Access access)
 {
     const DWORD rights =
         access == FileSystem::Access::Read ? GENERIC_READ : GENERIC_READ | GENERIC_WRITE;
     const DWORD creation = access == FileSystem::Access::Create ? OPEN_ALWAYS : OPEN_EXISTING;
-    return Handle(CreateFileW(path.c_str(), rights, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
-                              creation, FILE_ATTRIBUTE_NORMAL, nullptr));
-}
-
-/// As openHandle() makes a file. Its last user removes it, and in that moment the system neither
-/// opens nor makes it.
-Handle openVanishing(const std::filesystem::path &path)
-{
-    constexpr int kAttempts = 8;
-    constexpr DWORD kPause = 2; // ms
-    for (int attempt = 1;; ++attempt) {
-        Handle handle = openHandle(path, FileSystem::Access::Create);
-        const DWORD number = handle.isOpen() ? ERROR_SUCCESS : GetLastError();
-        if (attempt == kAttempts ||
-            (number != ERROR_ACCESS_DENIED && number != ERROR_SHARING_VIOLATION)) {
-            SetLastError(number);
-            return handle;
-        }
-        Sleep(kPause);
-    }
+    Handle handle(INVALID_HANDLE_VALUE);
+    const DWORD number = untilGranted([&] {
+        handle = Handle(CreateFileW(path.c_str(), rights, FILE_SHARE_READ | FILE_SHARE_WRITE,
+                                    nullptr, creation, FILE_ATTRIBUTE_NORMAL, nullptr));
+        return handle.isOpen();
+    });
+    SetLastError(number);
+    return handle;
 }
 
 OVERLAPPED at(std::uint64_t offset)
@@ -239,6 +254,19 @@ public:
     }
 
 private:
+    /// Opens the taken gate again, whatever happens to the lock.
+    class GateKeeper
+    {
+    public:
+        explicit GateKeeper(WindowsLockFile &file) : m_file(file) {}
+        ~GateKeeper() { m_file.release(kGate); }
+        GateKeeper(const GateKeeper &) = delete;
+        GateKeeper &operator=(const GateKeeper &) = delete;
+
+    private:
+        WindowsLockFile &m_file;
+    };
+
     bool takeShared(Part part)
     {
         // A handle may lay a shared lock over its exclusive one; releasing takes that one first.
@@ -251,18 +279,20 @@ private:
     }
 
     /// A shared lock does not become an exclusive one, it has to be given up first. Nobody takes an
-    /// exclusive lock without the gate, so the shared one can always be had back.
+    /// exclusive lock without the gate, so the shared one can always be had back, unless another
+    /// program, which knows no gate, has come between.
     bool takeExclusive(Part part, bool isShared)
     {
         if (!request(kGate, Mode::Exclusive))
             return false;
+        const GateKeeper keeper(*this);
         if (isShared)
-            release(lockRange(part));
-        const bool done = request(lockRange(part), Mode::Exclusive);
-        if (!done && isShared && !request(lockRange(part), Mode::Shared))
-            m_held.erase(part); // another program, which knows no gate
-        release(kGate);
-        return done;
+            unlock(part);
+        if (request(lockRange(part), Mode::Exclusive))
+            return true;
+        if (isShared && request(lockRange(part), Mode::Shared))
+            m_held[part] = Mode::Shared;
+        return false;
     }
 
     bool request(LockRange range, Mode mode)
@@ -307,16 +337,23 @@ public:
 
     void remove(const std::filesystem::path &path) override
     {
-        if (!DeleteFileW(path.c_str()) && GetLastError() != ERROR_FILE_NOT_FOUND &&
-            GetLastError() != ERROR_PATH_NOT_FOUND)
-            throwSystemError("Removing '" + displayName(path) + "' failed", GetLastError());
+        const DWORD number = untilGranted([&] { return DeleteFileW(path.c_str()) != FALSE; });
+        if (number != ERROR_SUCCESS && number != ERROR_FILE_NOT_FOUND &&
+            number != ERROR_PATH_NOT_FOUND)
+            throwSystemError("Removing '" + displayName(path) + "' failed", number);
     }
 
     void replace(const std::filesystem::path &from, const std::filesystem::path &to) override
     {
-        if (!MoveFileExW(from.c_str(), to.c_str(),
-                         MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH))
-            throwSystemError("Replacing '" + displayName(to) + "' failed", GetLastError());
+        const DWORD number = untilGranted([&] {
+            return MoveFileExW(from.c_str(), to.c_str(),
+                               MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) != FALSE;
+        });
+        // The system names a target that is open as one that may not be written.
+        if (isRefusal(number))
+            throwInUse(to);
+        if (number != ERROR_SUCCESS)
+            throwSystemError("Replacing '" + displayName(to) + "' failed", number);
     }
 
     void syncFolder(const std::filesystem::path &) override
@@ -327,12 +364,13 @@ public:
 
     std::unique_ptr<LockFile> openLock(const std::filesystem::path &path, Access access) override
     {
-        Handle handle = openVanishing(path);
+        Handle handle = openHandle(path, Access::Create);
         if (!handle.isOpen() && access == Access::Read && GetLastError() == ERROR_ACCESS_DENIED)
             handle = openHandle(path, Access::Read);
         if (handle.isOpen())
             return std::make_unique<WindowsLockFile>(path, std::move(handle));
-        if (access != Access::Read || GetLastError() == ERROR_SHARING_VIOLATION)
+        // A file still refused to a reader is there: others may hold locks in it.
+        if (access != Access::Read || isRefusal(GetLastError()))
             throwCannotOpen(path, GetLastError());
         return std::make_unique<NoLockFile>();
     }
