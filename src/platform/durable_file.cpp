@@ -4,6 +4,8 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QSaveFile>
+#include <algorithm>
+#include <array>
 #include <cerrno>
 #ifdef Q_OS_WIN
 #include <windows.h>
@@ -16,9 +18,9 @@ namespace
 {
 
 #ifdef Q_OS_WIN
-constexpr int kSystemDiskFull = ERROR_DISK_FULL;
+constexpr std::array<int, 2> kSystemDiskFull{ERROR_DISK_FULL, ERROR_HANDLE_DISK_FULL};
 #else
-constexpr int kSystemDiskFull = ENOSPC;
+constexpr std::array<int, 1> kSystemDiskFull{ENOSPC};
 #endif
 
 constexpr qint64 kCopyBlock = 1 << 20; // bytes
@@ -46,6 +48,14 @@ void syncNameOf(const QString &path)
 #endif
 }
 
+bool isDiskFull(const QFileDevice &file)
+{
+    // The toolkit has no code of its own for a full disk, only the system's text.
+    return std::any_of(
+        kSystemDiskFull.begin(), kSystemDiskFull.end(),
+        [text = file.errorString()](int number) { return text == qt_error_string(number); });
+}
+
 void writeAll(QSaveFile &file, QByteArrayView bytes)
 {
     // A full disk first takes less than it was given, and only then says why.
@@ -70,8 +80,7 @@ void commit(QSaveFile &file)
 
 RuntimeError fileError(const QFileDevice &file)
 {
-    // The toolkit has no code of its own for a full disk, only the system's text.
-    if (file.errorString() == qt_error_string(kSystemDiskFull))
+    if (isDiskFull(file))
         return RuntimeError(RuntimeError::DiskFull);
     const QFileInfo info(file.fileName());
     if (!info.dir().exists())

@@ -71,19 +71,22 @@ public:
         if (m_handle == INVALID_HANDLE_VALUE)
             throw openError(GetLastError());
         if (!configure(settings)) {
+            const DWORD number = GetLastError(); // closing sets its own
             CloseHandle(m_handle);
-            throw RuntimeError(RuntimeError::InvalidDevice);
+            throw RuntimeError(RuntimeError::InvalidDevice,
+                               qt_error_string(static_cast<int>(number)));
         }
     }
     ~Port() { CloseHandle(m_handle); }
     Port(const Port &) = delete;
     Port &operator=(const Port &) = delete;
 
+    /// False also when the time limit cut the bytes, which the system calls a success.
     bool write(const QByteArray &bytes)
     {
+        const DWORD size = static_cast<DWORD>(bytes.size());
         DWORD written = 0;
-        return WriteFile(m_handle, bytes.constData(), static_cast<DWORD>(bytes.size()), &written,
-                         nullptr);
+        return WriteFile(m_handle, bytes.constData(), size, &written, nullptr) && written == size;
     }
 
     /// Returns when the last byte has left the port.
@@ -129,7 +132,8 @@ private:
         dcb.fErrorChar = FALSE;
         dcb.fNull = FALSE;
         dcb.fAbortOnError = FALSE;
-        // Raised once and never switched: some converters draw their power from these lines.
+        // Raised while the port is open and not switched by the driver: some converters draw their
+        // power from these lines.
         dcb.fDtrControl = DTR_CONTROL_ENABLE;
         dcb.fRtsControl = RTS_CONTROL_ENABLE;
         COMMTIMEOUTS timeouts{};
@@ -164,7 +168,7 @@ void WinSerialLine::open()
 {
     if (m_port)
         throw RuntimeError(RuntimeError::PortAlreadyOpen);
-    m_port = std::make_unique<Port>(m_portName, m_settings);
+    m_port = std::make_shared<Port>(m_portName, m_settings);
     m_look.start();
 }
 
@@ -182,9 +186,17 @@ void WinSerialLine::write(const QByteArray &bytes)
 {
     if (!m_port)
         throw RuntimeError(RuntimeError::PortNotOpen);
-    // Whoever writes does not expect the line to close under its hands.
-    if (!m_port->write(bytes))
-        QMetaObject::invokeMethod(this, &WinSerialLine::lose, Qt::QueuedConnection);
+    if (m_port->write(bytes))
+        return;
+    // Whoever writes does not expect the line to close under its hands. By the time this is heard
+    // the line may be open again, through another port.
+    QMetaObject::invokeMethod(
+        this,
+        [this, port = std::weak_ptr<Port>(m_port)] {
+            if (!port.expired())
+                lose();
+        },
+        Qt::QueuedConnection);
 }
 
 qint64 WinSerialLine::bytesAvailable() const
@@ -215,8 +227,6 @@ void WinSerialLine::collect()
 
 void WinSerialLine::lose()
 {
-    if (!m_port)
-        return;
     m_look.stop();
     m_port.reset();
     m_received.clear();

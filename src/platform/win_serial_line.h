@@ -33,7 +33,7 @@ private:
 
     LineSettings m_settings;
     QString m_portName;
-    std::unique_ptr<Port> m_port; ///< null when the line is closed
+    std::shared_ptr<Port> m_port; ///< null when the line is closed; nobody else keeps it
     QByteArray m_received;
     QTimer m_look;
 };
