@@ -44,6 +44,5 @@ configure_station() {
     local architecture=$1 build=$2
     shift 2
     cmake --preset release -S "$repository" -B "$build" -D STATION_HOST_TOOLS="$host_tools" \
-        -D CMAKE_TOOLCHAIN_FILE="$(qt_prefix "$architecture")/lib/cmake/Qt6/qt.toolchain.cmake" \
-        -D CMAKE_CXX_FLAGS="-ffile-prefix-map=$repository=." "$@"
+        -D CMAKE_TOOLCHAIN_FILE="$(qt_prefix "$architecture")/lib/cmake/Qt6/qt.toolchain.cmake" "$@"
 }
