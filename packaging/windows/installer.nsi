@@ -2,6 +2,9 @@
 ; install), ICON, OUTPUT, and for 64 bit WIN64.
 ;
 ; Settings, databases and pictures are laid once; neither an update nor the uninstaller touches them.
+;
+; Its error level: 2 when it refused and changed nothing, 3 when the station is installed but only
+; administrators may write in its folder.
 
 Unicode true
 !ifdef WIN64
@@ -13,12 +16,15 @@ Target amd64-unicode
 
 !define NAME "Monitorizare PLC"
 !define PROGRAM monitor_autoclava.exe
+!define FOLDER monitor_autoclava
 !define UNINSTALL_KEY "Software\Microsoft\Windows\CurrentVersion\Uninstall\monitor_autoclava"
 
 Name "${NAME}"
 OutFile "${OUTPUT}"
 RequestExecutionLevel admin
 SetCompressor /SOLID lzma
+; Replaced in .onInit. Its last part is what the browser for folders appends to the chosen one.
+InstallDir "$WINDIR\${FOLDER}"
 InstallDirRegKey HKLM "${UNINSTALL_KEY}" InstallLocation
 ShowInstDetails nevershow
 
@@ -32,7 +38,9 @@ VIAddVersionKey LegalCopyright GPL-3.0-or-later
 !define MUI_ICON "${ICON}"
 !define MUI_UNICON "${ICON}"
 !define MUI_ABORTWARNING
-!define MUI_FINISHPAGE_RUN "$INSTDIR\${PROGRAM}"
+!define MUI_FINISHPAGE_RUN
+!define MUI_FINISHPAGE_RUN_FUNCTION startStation
+!define MUI_PAGE_CUSTOMFUNCTION_LEAVE checkChosenFolder
 !insertmacro MUI_PAGE_DIRECTORY
 !insertmacro MUI_PAGE_INSTFILES
 !insertmacro MUI_PAGE_FINISH
@@ -43,8 +51,17 @@ VIAddVersionKey LegalCopyright GPL-3.0-or-later
 
 LangString programRuns ${LANG_ROMANIAN} "Programul este pornit. Închideți-l, apoi încercați din nou."
 LangString programRuns ${LANG_ENGLISH} "The program is running. Close it, then try again."
+LangString foreignFolder ${LANG_ROMANIAN} "Folderul $INSTDIR conține deja altceva. Alegeți un folder nou sau gol."
+LangString foreignFolder ${LANG_ENGLISH} "The folder $INSTDIR already holds something else. Choose a new or an empty one."
+LangString notWritable ${LANG_ROMANIAN} "Programul este instalat, dar utilizatorii nu au primit dreptul de scriere în $INSTDIR. Acordați-l înainte de pornire."
+LangString notWritable ${LANG_ENGLISH} "The program is installed, but its users were not given the right to write in $INSTDIR. Grant it before the start."
 LangString dataStays ${LANG_ROMANIAN} "Setările, bazele de date și imaginile rămân în $INSTDIR."
 LangString dataStays ${LANG_ENGLISH} "Settings, databases and pictures stay in $INSTDIR."
+
+!macro warn TEXT LEVEL
+    MessageBox MB_OK|MB_ICONEXCLAMATION "$(${TEXT})" /SD IDOK
+    SetErrorLevel ${LEVEL}
+!macroend
 
 ; An open program cannot be written: a half-replaced one would not start again.
 !macro refuseWhileRunning
@@ -52,8 +69,7 @@ LangString dataStays ${LANG_ENGLISH} "Settings, databases and pictures stay in $
         ClearErrors
         FileOpen $0 "$INSTDIR\${PROGRAM}" a
         ${If} ${Errors}
-            MessageBox MB_OK|MB_ICONEXCLAMATION "$(programRuns)" /SD IDOK
-            SetErrorLevel 2
+            !insertmacro warn programRuns 2
             Quit
         ${EndIf}
         FileClose $0
@@ -62,15 +78,49 @@ LangString dataStays ${LANG_ENGLISH} "Settings, databases and pictures stay in $
 
 Function .onInit
     ; Not under Program Files: the station writes beside its program.
-    ${If} $INSTDIR == ""
-        ReadEnvStr $0 SystemDrive
-        StrCpy $INSTDIR "$0\monitor_autoclava"
+    ${If} $INSTDIR == "$WINDIR\${FOLDER}"
+        StrCpy $INSTDIR $WINDIR 2
+        StrCpy $INSTDIR "$INSTDIR\${FOLDER}"
     ${EndIf}
 FunctionEnd
 
+; $0 becomes 1 for a folder that holds something but no station: all in it would become writable for
+; every user.
+Function lookIntoFolder
+    StrCpy $0 0
+    ${IfNot} ${FileExists} "$INSTDIR\${PROGRAM}"
+    ${AndIfNot} ${FileExists} "$INSTDIR\config\config.ini"
+        ${DirState} "$INSTDIR" $0
+    ${EndIf}
+FunctionEnd
+
+Function checkChosenFolder
+    Call lookIntoFolder
+    ${If} $0 == 1
+        MessageBox MB_OK|MB_ICONEXCLAMATION "$(foreignFolder)"
+        Abort ; back to the page
+    ${EndIf}
+FunctionEnd
+
+; By the desktop, which has the rights of whoever is at work; the installer has an administrator's.
+Function startStation
+    SetShellVarContext all
+    Exec '"$WINDIR\explorer.exe" "$SMPROGRAMS\${NAME}.lnk"'
+FunctionEnd
+
 Section
+    Call lookIntoFolder ; a silent installation shows no pages
+    ${If} $0 == 1
+        !insertmacro warn foreignFolder 2
+        Quit
+    ${EndIf}
     !insertmacro refuseWhileRunning
     SetShellVarContext all
+
+    ; The installed version knows by name what it laid; the new one may not have all of it.
+    ${If} ${FileExists} "$INSTDIR\uninstall.exe"
+        ExecWait '"$INSTDIR\uninstall.exe" /S /PROGRAMONLY _?=$INSTDIR'
+    ${EndIf}
 
     SetOverwrite on
     SetOutPath "$INSTDIR"
@@ -85,6 +135,9 @@ Section
     ; Every operator of this computer: the group of its users, by its number in every language.
     nsExec::Exec 'icacls "$INSTDIR" /grant "*S-1-5-32-545:(OI)(CI)M" /Q'
     Pop $0
+    ${If} $0 != 0
+        !insertmacro warn notWritable 3
+    ${EndIf}
 
     SetOutPath "$INSTDIR"
     CreateShortcut "$SMPROGRAMS\${NAME}.lnk" "$INSTDIR\${PROGRAM}"
@@ -107,6 +160,13 @@ Section Uninstall
 
     ; By name: the folder may hold what others put there.
     !include "${REMOVAL}"
+    ${GetParameters} $0
+    ClearErrors
+    ${GetOptions} $0 "/PROGRAMONLY" $1
+    ${IfNot} ${Errors}
+        Return ; an update goes on from here
+    ${EndIf}
+
     Delete "$INSTDIR\uninstall.exe"
     RMDir "$INSTDIR"
     Delete "$SMPROGRAMS\${NAME}.lnk"
