@@ -23,9 +23,26 @@ fail() {
 # The host's Qt tools generate code for the Windows Qt: both must be the same version.
 # shellcheck disable=SC2016 # a field of dpkg
 qt_version() { dpkg-query -W -f '${source:Version}' qt6-base-dev; }
-qt_prefix() { printf '%s/qt-%s-%s' "$cache" "$(qt_version)" "$1"; }
+# shellcheck disable=SC2016
+qcustomplot_version() { dpkg-query -W -f '${source:Version}' libqcustomplot-dev; }
+
+# Whatever the libraries are built by and from has its part in the name of their folder: another
+# recipe, compiler or version never meets what an earlier one built.
+qt_prefix() {
+    local recipe
+    recipe=$({
+        (cd "$repository/packaging/windows" && cat build_qt toolchain.cmake.in qcustomplot/CMakeLists.txt)
+        # shellcheck disable=SC2016
+        dpkg-query -W -f '${Package} ${Version}\n' "g++-mingw-w64-${1/_/-}-posix" "mingw-w64-${1/_/-}-dev" googletest
+        qcustomplot_version
+    } | sha256sum)
+    printf '%s/qt-%s-%s-%.12s' "$cache" "$(qt_version)" "$1" "$recipe"
+}
 
 station_version() { sed -n 's/^project(monitor_autoclava VERSION \([0-9.]*\).*/\1/p' "$repository/CMakeLists.txt"; }
+
+[[ $cache != *[[:blank:]]* ]] ||
+    fail "Qt cannot be built in a folder with a blank in its name: let STATION_WINDOWS_CACHE name one without"
 
 check_architecture() {
     case " ${architectures[*]} " in *" $1 "*) ;; *) fail "architecture $1? It is one of: ${architectures[*]}" ;; esac
