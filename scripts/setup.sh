@@ -15,9 +15,10 @@ is_installed() {
 # install_packages NAME...: through apt, as root or with sudo.
 install_packages() {
     if ! command -v apt-get >/dev/null; then
-        command -v cmake >/dev/null && command -v ninja >/dev/null && return 0
-        printf 'This system has no apt. Install the counterparts of these Debian packages,\nthen start again:\n  %s\n' "$*" >&2
-        return 1
+        printf 'This system has no apt. What follows needs the counterparts of these Debian packages:\n  %s\n' "$*" >&2
+        # Which of them are there cannot be told; without these two nothing can start.
+        command -v cmake >/dev/null && command -v ninja >/dev/null
+        return
     fi
     local package missing=()
     for package in "$@"; do

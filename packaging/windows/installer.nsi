@@ -64,16 +64,21 @@ LangString dataStays ${LANG_ENGLISH} "Settings, databases and pictures stay in $
 !macroend
 
 ; An open program cannot be written: a half-replaced one would not start again.
-!macro refuseWhileRunning
-    ${If} ${FileExists} "$INSTDIR\${PROGRAM}"
+!macro refuseWhileRuns FILE
+    ${If} ${FileExists} "$INSTDIR\${FILE}"
         ClearErrors
-        FileOpen $0 "$INSTDIR\${PROGRAM}" a
+        FileOpen $0 "$INSTDIR\${FILE}" a
         ${If} ${Errors}
             !insertmacro warn programRuns 2
             Quit
         ${EndIf}
         FileClose $0
     ${EndIf}
+!macroend
+!macro refuseWhileRunning
+    !insertmacro refuseWhileRuns "${PROGRAM}"
+    !insertmacro refuseWhileRuns jettool.exe
+    !insertmacro refuseWhileRuns station_demo.exe
 !macroend
 
 Function .onInit

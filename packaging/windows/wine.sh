@@ -43,6 +43,9 @@ make_wine_prefix() {
         wine reg add 'HKLM\Software\Microsoft\Windows NT\CurrentVersion\FontSubstitutes' \
             /v "$font" /d "DejaVu Sans" /f >>"$work/wineboot.log" 2>&1
     done
+    # Qt's offscreen platform takes its fonts from a folder alone, and Wine keeps this name of our
+    # environment to itself.
+    wine reg add 'HKCU\Environment' /v QT_QPA_FONTDIR /d 'Z:\usr\share\fonts\truetype\dejavu' /f >>"$work/wineboot.log" 2>&1
 }
 
 # map_port LINK: COM1 is the pseudo-terminal that this link leads to.

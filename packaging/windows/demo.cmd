@@ -1,0 +1,21 @@
+@echo off
+rem Tries the station on the recorder that its settings name, without touching its data: a fresh
+rem folder, a dozen samples.
+rem
+rem   demo.cmd [FOLDER]     FOLDER, made when missing, keeps what the station wrote; one that holds a
+rem                         station already is left alone
+setlocal
+set "station=%~dp0"
+set "folder=%~f1"
+if "%~1"=="" set "folder=%TEMP%\monitor_autoclava_demo_%RANDOM%"
+for %%d in (config mdb) do if exist "%folder%\%%d" (
+    echo demo: there is a station in %folder% already; name another folder 1>&2
+    exit /b 1
+)
+mkdir "%folder%\config" "%folder%\img" "%folder%\mdb\arhive" || exit /b 1
+copy "%station%config\config.ini" "%folder%\config" >nul || exit /b 1
+for %%f in ("%station%mdb\*.mdb") do copy "%station%mdb\autoclava2.mdb" "%folder%\mdb\%%~nxf" >nul || exit /b 1
+"%station%station_demo.exe" "%folder%"
+set result=%errorlevel%
+if "%~1"=="" rmdir /s /q "%folder%"
+exit /b %result%
