@@ -119,5 +119,4 @@ void QtSerialLine::onError()
         m_port->error() == QSerialPort::TimeoutError)
         return;
     m_port->close();
-    emit lost();
 }

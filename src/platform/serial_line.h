@@ -11,6 +11,7 @@ class SerialLine : public QObject
 public:
     using QObject::QObject;
 
+    /// No longer when the other side or the port itself has gone: the line closes itself then.
     virtual bool isOpen() const = 0;
     /// Opens the line. Bytes that arrived before may wait in it: see discardInput(). Throws
     /// RuntimeError 8002 (no such port), 8005 (in use, or no permission), 8006 (not a serial port).
@@ -28,6 +29,4 @@ public:
 signals:
     /// More bytes wait than before.
     void readyRead();
-    /// The other side or the port itself has gone; the line has closed itself.
-    void lost();
 };

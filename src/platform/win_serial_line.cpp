@@ -230,5 +230,4 @@ void WinSerialLine::lose()
     m_look.stop();
     m_port.reset();
     m_received.clear();
-    emit lost();
 }
