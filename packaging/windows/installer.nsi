@@ -79,6 +79,7 @@ LangString dataStays ${LANG_ENGLISH} "Settings, databases and pictures stay in $
     !insertmacro refuseWhileRuns "${PROGRAM}"
     !insertmacro refuseWhileRuns jettool.exe
     !insertmacro refuseWhileRuns station_demo.exe
+    !insertmacro refuseWhileRuns trm10c_simulator.exe
 !macroend
 
 Function .onInit

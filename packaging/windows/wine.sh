@@ -48,9 +48,12 @@ make_wine_prefix() {
     wine reg add 'HKCU\Environment' /v QT_QPA_FONTDIR /d 'Z:\usr\share\fonts\truetype\dejavu' /f >>"$work/wineboot.log" 2>&1
 }
 
-# map_port LINK: COM1 is the pseudo-terminal that this link leads to.
-map_port() {
-    wine reg add 'HKLM\Software\Wine\Ports' /v COM1 /d "$1" /f >"$work/reg.log" 2>&1
+# map_ports LINK...: COM1, COM2 and so on are the pseudo-terminals that these links lead to.
+map_ports() {
+    local link number=0
+    for link in "$@"; do
+        wine reg add 'HKLM\Software\Wine\Ports' /v "COM$((++number))" /d "$link" /f >"$work/reg.log" 2>&1
+    done
     wineserver -k
     start_wineserver
 }

@@ -11,6 +11,7 @@
 #include "storage/storage_file.h"
 #include "storage/tabel.h"
 #include "tests/support/fake_operator.h"
+#include "tests/support/joined_line.h"
 #include "tests/support/station_folder.h"
 #include "tools/trm10c_simulator/recorder_simulation.h"
 
@@ -63,7 +64,7 @@ protected:
     ProgramTest()
     {
         createStorageFile(storagePath(), clock.now());
-        folder.setValue("ControlPlc.CommPort =", '"' + recorder.portName().toUtf8() + '"');
+        folder.setValue("ControlPlc.CommPort =", '"' + joined.stationPort.toUtf8() + '"');
         // No time between samples: the tests wait for records, not for the clock.
         folder.setValue("Diagrama1.interval_scanare =", "0");
     }
@@ -112,7 +113,8 @@ protected:
     QObject timers;
     QtScheduler scheduler{timers};
     StationFolder folder;
-    RecorderSimulation recorder{RecorderSettings{}, clock, scheduler};
+    JoinedLine joined = joinLine();
+    RecorderSimulation recorder{RecorderSettings{}, *joined.recorderEnd, clock, scheduler};
     FakeOperator op;
     FakeShell shell;
     QtPrinters printers;

@@ -1,4 +1,5 @@
 #include "platform/scheduler.h"
+#include "tools/trm10c_simulator/recorder_line.h"
 #include "tools/trm10c_simulator/recorder_simulation.h"
 
 #include <QCommandLineParser>
@@ -32,13 +33,17 @@ const QMap<QString, Fault> &faults()
 void describeOptions(QCommandLineParser &parser)
 {
     parser.setApplicationDescription(
-        "Plays a TOHO TRM-10C recorder on a pseudo-terminal. The port to open is printed on "
-        "standard\n"
-        "output as one line; what is received and answered is told on standard error. Ends with\n"
-        "Ctrl+C, or when the line has vanished.");
+        "Plays a TOHO TRM-10C recorder on a pseudo-terminal of its own, whose port is printed on\n"
+        "standard output as one line, or on a serial port. What is received and answered is told\n"
+        "on standard error. Ends with Ctrl+C, or when the line has vanished.");
     parser.addHelpOption();
     parser.addOptions({
-        {"link", "Symbolic link to make to the port; an old link is replaced.", "name"},
+        {"port",
+         "Serial port to play on, 9600 baud, such as ttyS1 or COM2: a cable joins it with the "
+         "station's.",
+         "name"},
+        {"link", "Symbolic link to make to the pseudo-terminal's port; an old link is replaced.",
+         "name"},
         {"seed", "Seed of the readings' noise: the same seed gives the same readings.", "number",
          "1"},
         {"plateau", "Sterilisation temperature in degrees Celsius, 105 to 140.", "degrees", "121"},
@@ -90,16 +95,26 @@ RecorderSettings settingsFrom(const QCommandLineParser &parser)
     return settings;
 }
 
+RecorderLine lineFrom(const QCommandLineParser &parser)
+{
+    if (!parser.isSet("port"))
+        return openPseudoTerminal(parser.value("link"));
+    if (parser.isSet("link"))
+        throw UsageError("--link is for a pseudo-terminal, not for the port of --port");
+    return openSerialPort(parser.value("port"));
+}
+
 int run(const QCommandLineParser &parser)
 {
     const SystemClock clock;
     QtScheduler scheduler(*QCoreApplication::instance());
-    RecorderSimulation recorder(settingsFrom(parser), clock, scheduler, parser.value("link"));
+    const RecorderLine end = lineFrom(parser);
+    RecorderSimulation recorder(settingsFrom(parser), *end.line, clock, scheduler);
     QObject::connect(&recorder, &RecorderSimulation::reported, [](const QString &line) {
         std::fprintf(stderr, "%s\n", line.toLocal8Bit().constData());
     });
     QObject::connect(&recorder, &RecorderSimulation::vanished, qApp, &QCoreApplication::quit);
-    std::printf("%s\n", recorder.portName().toLocal8Bit().constData());
+    std::printf("%s\n", end.portName.toLocal8Bit().constData());
     std::fflush(stdout);
     return QCoreApplication::exec();
 }

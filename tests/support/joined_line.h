@@ -1,0 +1,16 @@
+#pragma once
+
+#include "platform/serial_line.h"
+
+#include <memory>
+
+/// A line from a simulated recorder to the station.
+struct JoinedLine {
+    std::unique_ptr<SerialLine> recorderEnd; ///< open
+    QString stationPort;                     ///< what the station opens
+    bool portGoesWithRecorder = true; ///< whether closing one end takes the other's port away
+};
+
+/// Over a pseudo-terminal, or over the two joined ports that STATION_TEST_PORTS names, the
+/// station's first ("COM1,COM2"): systems without pseudo-terminals need them.
+JoinedLine joinLine();
