@@ -79,6 +79,9 @@ TEST_F(Line, AWrongRecorderFailsOnceAndNeverSpoilsTheNextExchange)
          {Row{Fault::Silent, 0, true}, Row{Fault::Short, 185, true}, Row{Fault::Long, 187, true},
           Row{Fault::Late, 0, true}, Row{Fault::Slow, 31, false}, Row{Fault::Garbled, 0, false}}) {
         plug(row.fault);
+        // What a cable brings late comes when it comes, perhaps as the next exchange's reply.
+        if (row.fault == Fault::Late && !joined.isImmediate)
+            continue;
         begin(1);
         time.advance(milliseconds(0));
         ASSERT_TRUE(reached([&] { return line->bytesAvailable() == row.arrives; }));
@@ -116,7 +119,7 @@ TEST_F(Line, StoppedWhileWaitingItIsFoundOpen)
 TEST_F(Line, ThatVanishes)
 {
     plug(Fault::Vanish);
-    if (!joined.portGoesWithRecorder)
+    if (!joined.isImmediate)
         GTEST_SKIP() << "the station's port stays when the recorder's is closed";
     begin(1);
     ASSERT_TRUE(reached([&] { return !line->isOpen(); }));

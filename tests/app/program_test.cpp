@@ -90,7 +90,7 @@ protected:
     void press(Qt::Key key) { QTest::keyClick(child<QWidget>("Form1"), key); }
     bool reaches(int id)
     {
-        return QTest::qWaitFor([&] { return lastId >= id; }, 20'000);
+        return QTest::qWaitFor([&] { return lastId >= id; }, 60'000);
     }
     std::uint32_t storedRecords() const
     {

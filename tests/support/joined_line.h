@@ -8,7 +8,8 @@
 struct JoinedLine {
     std::unique_ptr<SerialLine> recorderEnd; ///< open
     QString stationPort;                     ///< what the station opens
-    bool portGoesWithRecorder = true; ///< whether closing one end takes the other's port away
+    /// Bytes are there once they are written, and closing one end takes the other's port away.
+    bool isImmediate = true;
 };
 
 /// Over a pseudo-terminal, or over the two joined ports that STATION_TEST_PORTS names, the
