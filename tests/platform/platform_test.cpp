@@ -1,9 +1,14 @@
 #include "platform/clock.h"
 #include "platform/date_text.h"
+#include "platform/durable_file.h"
 #include "platform/line_settings.h"
 #include "platform/numeric_text.h"
 #include "platform/runtime_error.h"
 
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+#include <future>
 #include <gtest/gtest.h>
 
 TEST(NumericText, LeadingNumberReadsWhatCanContinueIt)
@@ -71,4 +76,26 @@ TEST(LineSettings, ShortFormIsTakenWholeOrNotAtAll)
     EXPECT_EQ(systemPortName(QStringLiteral("/dev/ttyUSB0")), "/dev/ttyUSB0");
     EXPECT_NE(systemPortName(QStringLiteral("1")), "1");
     EXPECT_THROW(systemPortName(QStringLiteral("0")), RuntimeError);
+}
+
+TEST(DurableFile, IsReplacedAlthoughAScannerLooksIntoItForAMoment)
+{
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(QStringLiteral("config.ini"));
+    replaceFile(path, "old");
+    QFile scanner(path);
+    ASSERT_TRUE(scanner.open(QIODevice::ReadOnly));
+    // It goes when the new file lies beside the old one, or the old one has been replaced.
+    const auto look = std::async(std::launch::async, [&] {
+        while (QDir(folder.path()).entryList(QDir::Files).size() < 2 &&
+               QFileInfo(path).size() == 3) {
+        }
+        scanner.close();
+    });
+    replaceFile(path, "newer");
+    look.wait();
+    QFile replaced(path);
+    ASSERT_TRUE(replaced.open(QIODevice::ReadOnly));
+    EXPECT_EQ(replaced.readAll(), "newer");
+    EXPECT_EQ(QDir(folder.path()).entryList(QDir::Files).size(), 1);
 }
