@@ -8,14 +8,18 @@ setlocal
 set "station=%~dp0"
 set "folder=%~f1"
 if "%~1"=="" set "folder=%TEMP%\monitor_autoclava_demo_%RANDOM%"
-for %%d in (config mdb) do if exist "%folder%\%%d" (
-    echo demo: there is a station in %folder% already; name another folder 1>&2
-    exit /b 1
-)
+if exist "%folder%\config\*" goto taken
+if exist "%folder%\mdb\*" goto taken
+
 mkdir "%folder%\config" "%folder%\img" "%folder%\mdb\arhive" || exit /b 1
 copy "%station%config\config.ini" "%folder%\config" >nul || exit /b 1
-for %%f in ("%station%mdb\*.mdb") do copy "%station%mdb\autoclava2.mdb" "%folder%\mdb\%%~nxf" >nul || exit /b 1
-"%station%station_demo.exe" "%folder%"
+for %%f in ("%station%mdb\*.mdb") do copy "%station%defaults\mdb\autoclava1.mdb" "%folder%\mdb\%%~nxf" >nul || exit /b 1
+rem A backslash before the closing quote would belong to the name.
+"%station%station_demo.exe" "%folder%\."
 set result=%errorlevel%
 if "%~1"=="" rmdir /s /q "%folder%"
 exit /b %result%
+
+:taken
+echo demo: there is a station in "%folder%" already; name another folder 1>&2
+exit /b 1

@@ -7,7 +7,7 @@ repository=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
 . "$repository/scripts/setup.sh"
 
 # Qt for Windows is built once and outlives the clone that built it.
-cache=${STATION_WINDOWS_CACHE:-${XDG_CACHE_HOME:-$HOME/.cache}/monitor_autoclava}
+cache=$(realpath -m "${STATION_WINDOWS_CACHE:-${XDG_CACHE_HOME:-$HOME/.cache}/monitor_autoclava}")
 jobs=${STATION_JOBS:-$(nproc)}
 architectures=(x86_64 i686)
 
@@ -52,14 +52,15 @@ check_architecture() {
 host_tools=$repository/build/host-tools/tools
 build_host_tools() {
     say "Building for this system: $*"
-    cmake --preset release -S "$repository" -B "$repository/build/host-tools"
+    cmake --fresh --preset release -S "$repository" -B "$repository/build/host-tools"
     cmake --build "$repository/build/host-tools" --parallel "$jobs" --target "$@"
 }
 
-# configure_station ARCHITECTURE FOLDER OPTION...: the station for Windows, to be built in the folder.
+# configure_station ARCHITECTURE FOLDER OPTION...: the station for Windows, to be built in the folder. Where
+# an earlier configuration found its libraries is forgotten: another Qt may have been built since.
 configure_station() {
     local architecture=$1 build=$2
     shift 2
-    cmake --preset release -S "$repository" -B "$build" -D STATION_HOST_TOOLS="$host_tools" \
+    cmake --fresh --preset release -S "$repository" -B "$build" -D STATION_HOST_TOOLS="$host_tools" \
         -D CMAKE_TOOLCHAIN_FILE="$(qt_prefix "$architecture")/lib/cmake/Qt6/qt.toolchain.cmake" "$@"
 }

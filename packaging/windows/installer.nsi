@@ -1,10 +1,10 @@
 ; The station's installer, Romanian and English. Defined by the caller: VERSION, STAGE (the folder to
-; install), ICON, OUTPUT, and for 64 bit WIN64.
+; install), ICON, OUTPUT, REFUSALS and REMOVAL (see make_installer), and for 64 bit WIN64.
 ;
 ; Settings, databases and pictures are laid once; neither an update nor the uninstaller touches them.
 ;
 ; Its error level: 2 when it refused and changed nothing, 3 when the station is installed but only
-; administrators may write in its folder.
+; administrators may write in its folder, 4 when it was stopped in the middle and must be run again.
 
 Unicode true
 !ifdef WIN64
@@ -13,16 +13,26 @@ Target amd64-unicode
 !include MUI2.nsh
 !include LogicLib.nsh
 !include FileFunc.nsh
+!include WinVer.nsh
+!include x64.nsh
 
 !define NAME "Monitorizare PLC"
 !define PROGRAM monitor_autoclava.exe
 !define FOLDER monitor_autoclava
+; Not in the station's folder: whoever may write there would choose what an administrator runs.
+!ifdef WIN64
+!define UNINSTALLER_FOLDER "$PROGRAMFILES64\${FOLDER}"
+!else
+!define UNINSTALLER_FOLDER "$PROGRAMFILES32\${FOLDER}"
+!endif
+!define UNINSTALLER "${UNINSTALLER_FOLDER}\uninstall.exe"
 !define UNINSTALL_KEY "Software\Microsoft\Windows\CurrentVersion\Uninstall\monitor_autoclava"
 
 Name "${NAME}"
 OutFile "${OUTPUT}"
 RequestExecutionLevel admin
 SetCompressor /SOLID lzma
+AllowSkipFiles off
 ; Replaced in .onInit. Its last part is what the browser for folders appends to the chosen one.
 InstallDir "$WINDIR\${FOLDER}"
 InstallDirRegKey HKLM "${UNINSTALL_KEY}" InstallLocation
@@ -51,6 +61,10 @@ VIAddVersionKey LegalCopyright GPL-3.0-or-later
 
 LangString programRuns ${LANG_ROMANIAN} "Programul este pornit. Închideți-l, apoi încercați din nou."
 LangString programRuns ${LANG_ENGLISH} "The program is running. Close it, then try again."
+LangString tooOld ${LANG_ROMANIAN} "Programul are nevoie de Windows 10 sau mai nou."
+LangString tooOld ${LANG_ENGLISH} "The program needs Windows 10 or later."
+LangString otherWordSize ${LANG_ROMANIAN} "Acest Windows este pe 64 de biți: folosiți programul de instalare win64."
+LangString otherWordSize ${LANG_ENGLISH} "This is a 64-bit Windows: use the win64 installer."
 LangString foreignFolder ${LANG_ROMANIAN} "Folderul $INSTDIR conține deja altceva. Alegeți un folder nou sau gol."
 LangString foreignFolder ${LANG_ENGLISH} "The folder $INSTDIR already holds something else. Choose a new or an empty one."
 LangString notWritable ${LANG_ROMANIAN} "Programul este instalat, dar utilizatorii nu au primit dreptul de scriere în $INSTDIR. Acordați-l înainte de pornire."
@@ -63,26 +77,33 @@ LangString dataStays ${LANG_ENGLISH} "Settings, databases and pictures stay in $
     SetErrorLevel ${LEVEL}
 !macroend
 
-; An open program cannot be written: a half-replaced one would not start again.
-!macro refuseWhileRuns FILE
+!macro refuse TEXT
+    !insertmacro warn ${TEXT} 2
+    Quit
+!macroend
+
+; A file in use cannot be written: a half-replaced program would not start again.
+; REFUSALS uses it for each file of the program.
+!macro refuseWhileUsed FILE
     ${If} ${FileExists} "$INSTDIR\${FILE}"
         ClearErrors
         FileOpen $0 "$INSTDIR\${FILE}" a
         ${If} ${Errors}
-            !insertmacro warn programRuns 2
-            Quit
+            !insertmacro refuse programRuns
         ${EndIf}
         FileClose $0
     ${EndIf}
 !macroend
-!macro refuseWhileRunning
-    !insertmacro refuseWhileRuns "${PROGRAM}"
-    !insertmacro refuseWhileRuns jettool.exe
-    !insertmacro refuseWhileRuns station_demo.exe
-    !insertmacro refuseWhileRuns trm10c_simulator.exe
-!macroend
 
 Function .onInit
+    ${IfNot} ${AtLeastWin10}
+        !insertmacro refuse tooOld
+    ${EndIf}
+!ifndef WIN64
+    ${If} ${RunningX64}
+        !insertmacro refuse otherWordSize
+    ${EndIf}
+!endif
     ; Not under Program Files: the station writes beside its program.
     ${If} $INSTDIR == "$WINDIR\${FOLDER}"
         StrCpy $INSTDIR $WINDIR 2
@@ -114,18 +135,23 @@ Function startStation
     Exec '"$WINDIR\explorer.exe" "$SMPROGRAMS\${NAME}.lnk"'
 FunctionEnd
 
-Section
+Function .onInstFailed
+    SetErrorLevel 4
+FunctionEnd
+
+Section "-${NAME}" station
     Call lookIntoFolder ; a silent installation shows no pages
     ${If} $0 == 1
-        !insertmacro warn foreignFolder 2
-        Quit
+        !insertmacro refuse foreignFolder
     ${EndIf}
-    !insertmacro refuseWhileRunning
+    !include "${REFUSALS}"
     SetShellVarContext all
 
     ; The installed version knows by name what it laid; the new one may not have all of it.
-    ${If} ${FileExists} "$INSTDIR\uninstall.exe"
-        ExecWait '"$INSTDIR\uninstall.exe" /S /PROGRAMONLY _?=$INSTDIR'
+    ReadRegStr $0 HKLM "${UNINSTALL_KEY}" InstallLocation
+    ${If} $0 == $INSTDIR
+    ${AndIf} ${FileExists} "${UNINSTALLER}"
+        ExecWait '"${UNINSTALLER}" /S /PROGRAMONLY _?=${UNINSTALLER_FOLDER}'
     ${EndIf}
 
     SetOverwrite on
@@ -139,7 +165,7 @@ Section
     CreateDirectory "$INSTDIR\mdb\arhive"
     CreateDirectory "$INSTDIR\img"
     ; Every operator of this computer: the group of its users, by its number in every language.
-    nsExec::Exec 'icacls "$INSTDIR" /grant "*S-1-5-32-545:(OI)(CI)M" /Q'
+    nsExec::Exec '"$SYSDIR\icacls.exe" "$INSTDIR" /grant "*S-1-5-32-545:(OI)(CI)M" /Q'
     Pop $0
     ${If} $0 != 0
         !insertmacro warn notWritable 3
@@ -149,19 +175,30 @@ Section
     CreateShortcut "$SMPROGRAMS\${NAME}.lnk" "$INSTDIR\${PROGRAM}"
     CreateShortcut "$DESKTOP\${NAME}.lnk" "$INSTDIR\${PROGRAM}"
 
-    WriteUninstaller "$INSTDIR\uninstall.exe"
+    CreateDirectory "${UNINSTALLER_FOLDER}"
+    WriteUninstaller "${UNINSTALLER}"
     WriteRegStr HKLM "${UNINSTALL_KEY}" DisplayName "${NAME}"
     WriteRegStr HKLM "${UNINSTALL_KEY}" DisplayVersion ${VERSION}
     WriteRegStr HKLM "${UNINSTALL_KEY}" DisplayIcon "$INSTDIR\${PROGRAM}"
     WriteRegStr HKLM "${UNINSTALL_KEY}" InstallLocation "$INSTDIR"
-    WriteRegStr HKLM "${UNINSTALL_KEY}" UninstallString '"$INSTDIR\uninstall.exe"'
-    WriteRegStr HKLM "${UNINSTALL_KEY}" QuietUninstallString '"$INSTDIR\uninstall.exe" /S'
+    WriteRegStr HKLM "${UNINSTALL_KEY}" Publisher "Maintainers of the station"
+    SectionGetSize ${station} $0
+    WriteRegDWORD HKLM "${UNINSTALL_KEY}" EstimatedSize $0 ; KiB
+    WriteRegStr HKLM "${UNINSTALL_KEY}" UninstallString '"${UNINSTALLER}"'
+    WriteRegStr HKLM "${UNINSTALL_KEY}" QuietUninstallString '"${UNINSTALLER}" /S'
     WriteRegDWORD HKLM "${UNINSTALL_KEY}" NoModify 1
     WriteRegDWORD HKLM "${UNINSTALL_KEY}" NoRepair 1
 SectionEnd
 
+Function un.onInit
+    ReadRegStr $INSTDIR HKLM "${UNINSTALL_KEY}" InstallLocation
+    ${If} $INSTDIR == ""
+        Quit ; nothing is installed
+    ${EndIf}
+FunctionEnd
+
 Section Uninstall
-    !insertmacro refuseWhileRunning
+    !include "${REFUSALS}"
     SetShellVarContext all
 
     ; By name: the folder may hold what others put there.
@@ -173,8 +210,9 @@ Section Uninstall
         Return ; an update goes on from here
     ${EndIf}
 
-    Delete "$INSTDIR\uninstall.exe"
     RMDir "$INSTDIR"
+    Delete "${UNINSTALLER}"
+    RMDir "${UNINSTALLER_FOLDER}"
     Delete "$SMPROGRAMS\${NAME}.lnk"
     Delete "$DESKTOP\${NAME}.lnk"
     DeleteRegKey HKLM "${UNINSTALL_KEY}"

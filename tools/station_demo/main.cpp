@@ -52,6 +52,31 @@ public:
     void open(const QString &path, Window) override { print(QStringLiteral("Opens ") + path); }
 };
 
+QString textOf(const jet::Value &value)
+{
+    return QString::fromStdString(jet::defaultText(value));
+}
+
+/// Reads back from the file what the samples left there.
+void printNewestRows(const QString &path)
+{
+    jet::OpenOptions options;
+    options.readOnly = true;
+    const jet::Database database = jet::Database::open(nativePath(path), options);
+    const jet::Table table = database.table(tabel::kName);
+    print(QStringLiteral("Table Tabel of %1 holds %2 rows; the newest:")
+              .arg(path)
+              .arg(table.recordCount()));
+    jet::Cursor records = table.byIndex(tabel::kPrimaryIndex, jet::Order::Descending);
+    for (int shown = 0; shown < kSamples && records.next(); ++shown) {
+        QStringList columns;
+        for (const jet::Value &value : records.row())
+            columns += textOf(value).leftJustified(8);
+        print(columns.join(QLatin1Char(' ')));
+    }
+}
+
+/// Gives the program's exit code.
 int takeSamples(StationApplication &application, const QString &folder)
 {
     SystemClock clock;
@@ -88,31 +113,9 @@ int takeSamples(StationApplication &application, const QString &folder)
     program.window().resize(kWindowSize);
     program.showControlCentre();
     program.controlCentre().StartMonCommand_Click();
-    return application.exec();
-}
-
-QString textOf(const jet::Value &value)
-{
-    return QString::fromStdString(jet::defaultText(value));
-}
-
-/// Reads back from the file what the samples left there.
-void printNewestRows(const QString &path)
-{
-    jet::OpenOptions options;
-    options.readOnly = true;
-    const jet::Database database = jet::Database::open(nativePath(path), options);
-    const jet::Table table = database.table(tabel::kName);
-    print(QStringLiteral("Table Tabel of %1 holds %2 rows; the newest:")
-              .arg(path)
-              .arg(table.recordCount()));
-    jet::Cursor records = table.byIndex(tabel::kPrimaryIndex, jet::Order::Descending);
-    for (int shown = 0; shown < kSamples && records.next(); ++shown) {
-        QStringList columns;
-        for (const jet::Value &value : records.row())
-            columns += textOf(value).leftJustified(8);
-        print(columns.join(QLatin1Char(' ')));
-    }
+    const int exitCode = application.exec();
+    printNewestRows(program.station().storagePath(program.station().NumeFisier[0]));
+    return exitCode;
 }
 
 } // namespace
@@ -121,15 +124,13 @@ int main(int argc, char **argv)
 {
     StationApplication application(argc, argv);
     application.showReport = [](const QString &) {}; // standard error has it already
-    if (argc != 2) {
+    const QStringList arguments = QCoreApplication::arguments();
+    if (arguments.size() != 2) {
         std::fprintf(stderr, "usage: station_demo STATION_FOLDER\n");
         return 2;
     }
-    const QString folder = QDir(QString::fromLocal8Bit(argv[1])).absolutePath();
+    const QString folder = QDir(arguments[1]).absolutePath();
     int exitCode = EXIT_FAILURE;
-    application.guard([&] {
-        exitCode = takeSamples(application, folder);
-        printNewestRows(folder + QStringLiteral("/mdb/autoclava1.mdb"));
-    });
+    application.guard([&] { exitCode = takeSamples(application, folder); });
     return exitCode;
 }
