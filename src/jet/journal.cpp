@@ -104,7 +104,7 @@ std::optional<Journal> Journal::read(File &file)
     if (file.size() < end + kHashSize)
         return std::nullopt;
 
-    Bytes head(recordsStart);
+    Bytes head(static_cast<std::size_t>(recordsStart)); // at most the file's size
     if (file.read(0, head) != head.size())
         return std::nullopt;
     journal.readWitnesses(ByteView(head).subspan(kHeaderSize));
