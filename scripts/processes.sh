@@ -8,6 +8,7 @@ started=() # process numbers
 end_started() {
     local pid
     for pid in "${started[@]}"; do kill "$pid" 2>/dev/null || true; done
+    started=()
 }
 
 # wait_until WHAT COMMAND...: fails loudly when the command does not succeed in time.
@@ -23,6 +24,7 @@ wait_until() {
 # start_screen WIDTHxHEIGHT: a virtual one, for what is started from now on.
 start_screen() {
     local display
+    rm -f "$work/display" # an earlier screen's
     Xvfb -displayfd 3 -screen 0 "$1x24" -nolisten tcp 3>"$work/display" 2>"$work/xvfb.log" &
     started+=($!)
     wait_until "the virtual screen" test -s "$work/display"

@@ -50,6 +50,6 @@ map_ports() {
     for link in "$@"; do
         logged registry wine reg add 'HKLM\Software\Wine\Ports' /v "COM$((++number))" /d "$link" /f
     done
-    end_wineserver
+    end_wineserver # it looks at its ports once
     logged wineserver wineserver -p
 }
