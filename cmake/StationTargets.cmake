@@ -8,6 +8,9 @@ if(MSVC)
 else()
     target_compile_options(station_options INTERFACE
         -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror)
+    # What is installed is the same bytes wherever the clone stands; debuggers need the true paths.
+    target_compile_options(station_options INTERFACE
+        "$<$<AND:$<CONFIG:Release>,$<COMPILE_LANGUAGE:CXX>>:-ffile-prefix-map=${CMAKE_SOURCE_DIR}=.>")
     if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
         # False alarms on std::string operator+ (GCC bug 105651).
         target_compile_options(station_options INTERFACE -Wno-restrict -Wno-stringop-overread)

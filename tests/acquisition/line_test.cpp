@@ -131,3 +131,14 @@ TEST_F(Line, ThatVanishes)
     EXPECT_EQ(op.lastIcon, Operator::Icon::Critical);
     EXPECT_THROW(exchange->interogare_aparat({}), RuntimeError);
 }
+
+TEST_F(Line, GoneBeforeTheAnswerTheRecorderVanishes)
+{
+    plug(Fault::None);
+    bool vanished = false;
+    QObject::connect(recorder.get(), &RecorderSimulation::vanished, [&] { vanished = true; });
+    begin(1);
+    joined.recorderEnd->close(); // as a port whose adapter is pulled closes itself
+    time.advance(milliseconds(0));
+    EXPECT_TRUE(vanished);
+}

@@ -1,3 +1,4 @@
+#include "platform/runtime_error.h"
 #include "platform/scheduler.h"
 #include "tools/trm10c_simulator/recorder_line.h"
 #include "tools/trm10c_simulator/recorder_simulation.h"
@@ -95,13 +96,22 @@ RecorderSettings settingsFrom(const QCommandLineParser &parser)
     return settings;
 }
 
+RecorderLine serialPort(const QString &port)
+{
+    try {
+        return openSerialPort(port);
+    } catch (const RuntimeError &error) {
+        throw std::runtime_error((port + ": " + error.description()).toStdString());
+    }
+}
+
 RecorderLine lineFrom(const QCommandLineParser &parser)
 {
     if (!parser.isSet("port"))
         return openPseudoTerminal(parser.value("link"));
     if (parser.isSet("link"))
         throw UsageError("--link is for a pseudo-terminal, not for the port of --port");
-    return openSerialPort(parser.value("port"));
+    return serialPort(parser.value("port"));
 }
 
 int run(const QCommandLineParser &parser)

@@ -37,6 +37,11 @@ void RecorderSimulation::startNextPiece()
 
 void RecorderSimulation::sendNextPiece()
 {
+    // A port whose adapter has been pulled closes the line and says nothing.
+    if (!m_line.isOpen()) {
+        vanish();
+        return;
+    }
     m_line.write(m_pieces.takeFirst().bytes);
     startNextPiece();
 }

@@ -24,7 +24,7 @@ public:
 signals:
     /// One line of text about what was received or done.
     void reported(const QString &text);
-    /// The recorder has closed its line for good.
+    /// The line is closed for good: by the recorder, or because its port has gone.
     void vanished();
 
 private:
