@@ -1,45 +1,60 @@
-#include "tests/jet/sample_database.h"
+#include "manual_example.h" // the code of docs/jet-engine.md, made from it by CMake
 
-#include <gtest/gtest.h>
+#include "tests/jet/new_database.h"
 
-#include <algorithm>
 #include <limits>
 
 namespace jet
 {
-namespace
-{
 
-TEST(Database, AppendsKeepIndexCountAndReadersInAgreement)
+TEST(Example, OfTheManualWorks)
 {
     const TemporaryFolder folder;
-    const auto path = folder / "autoclava1.mdb";
-    Database database = Database::create(path, kSomeDay, unsynced());
-    Table table = database.createTable(tabelDesign(), kSomeDay);
-    EXPECT_EQ(findings(database), "");
-    appendSamples(table, 1, 3000);
-
-    EXPECT_EQ(table.recordCount(), 3000U);
-    EXPECT_EQ(errorOf([&] { table.appendRow(sampleRow(1500)); }), ErrorCode::DuplicateKey);
-    EXPECT_EQ(findings(database), "");
-    EXPECT_EQ(mdbTables(path), "Tabel\n");
-    EXPECT_EQ(mdbCount(path, "Tabel"), "3000\n");
-    const std::vector<Row> rows = rowsOf(table.records());
-    ASSERT_EQ(rows.size(), 3000U);
-    EXPECT_EQ(rows[2344], sampleRow(2345));
-    const std::string exported = mdbExport(path, "Tabel");
-    EXPECT_EQ(std::ranges::count(exported, '\n'), 3000);
+    testing::internal::CaptureStdout();
+    storeReadings(folder / "readings.mdb", kSomeDay);
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "134.25\n121.5\n");
+    EXPECT_EQ(mdbExport(folder / "readings.mdb", "Readings"), "1,121.5\n2,134.25\n");
 }
 
-TEST(Database, AutonumbersGoOnAfterNegativeNumbersAndEndAtTheGreatest)
+TEST_F(NewDatabase, EveryTypeReadsTheSameInMdbtools)
 {
-    const TemporaryFolder folder;
-    Database database = Database::create(folder / "t.mdb", kSomeDay, unsynced());
+    Table table = make(everyColumnDesign());
+    table.appendRow(everyRow());
+    table.append(Assignments{});
+    EXPECT_EQ(findings(m_database), "");
+    // mdbtools leave a hyphen of the GUID out
+    EXPECT_EQ(mdbExport(m_path, "T"),
+              "1,1,200,-2,-1234.5678,0.5,121.25,\"2026-11-21 13:30:00\",\"abc\",\"Șarjă „A” 5€\","
+              "\"două\nrânduri\",\"" +
+                  std::string(5000, 'x') +
+                  "\",\"{00112233-4455-6677-8899AABBCCDDEEFF}\",-12345678901234.5678\n"
+                  "2,0,,,,,,,,,,,,\n");
+    Row empty(14);
+    empty[0] = 2;
+    empty[1] = false;
+    EXPECT_EQ(rowsOf(Database::open(m_path).table(u"T").records()),
+              (std::vector{everyRow(), empty}));
+}
+
+TEST_F(NewDatabase, SortsByColumnsThatNoIndexCouldHave)
+{
+    Table table = make(everyColumnDesign());
+    for (const char16_t *text : {u"b", u"\u03A9", u"", u"a", u"\u20AC"})
+        table.append({{u"Nume", Text(text)}, {u"Zecimal", Text(u"-1.5")}, {u"Obiect", Bytes{7}}});
+    table.append(Assignments{{u"Zecimal", 1}});
+    EXPECT_EQ(idsOf(table.sortedBy(u"Nume")), (std::vector<std::int32_t>{6, 3, 4, 1, 2, 5}));
+    EXPECT_EQ(idsOf(table.sortedBy(u"Nume", Order::Descending)).front(), 5);
+    EXPECT_EQ(idsOf(table.sortedBy(u"Zecimal", Order::Descending)).front(), 6);
+    EXPECT_EQ(idsOf(table.sortedBy(u"Obiect")).front(), 6);
+}
+
+TEST_F(NewDatabase, AutonumbersGoOnAfterNegativeNumbersAndEndAtTheGreatest)
+{
     TableDesign design;
     design.name = u"T";
     design.columns = {{u"Nr", ColumnType::Long, 0, true}};
     design.indexes = {{u"Nr", {{u"Nr"}}, true}};
-    Table table = database.createTable(design, kSomeDay);
+    Table table = make(design);
     const std::int32_t greatest = std::numeric_limits<std::int32_t>::max();
     for (const Value &number : {Value(), Value(-2), Value(), Value(), Value(greatest)})
         table.appendRow({number});
@@ -47,10 +62,8 @@ TEST(Database, AutonumbersGoOnAfterNegativeNumbersAndEndAtTheGreatest)
     EXPECT_EQ(idsOf(table.records()), (std::vector<std::int32_t>{1, -2, 2, 3, greatest}));
 }
 
-TEST(Database, RowWhoseKeyIsTooLongIsRefusedAlone)
+TEST_F(NewDatabase, RowWhoseKeyIsTooLongIsRefusedAlone)
 {
-    const TemporaryFolder folder;
-    Database database = Database::create(folder / "t.mdb", kSomeDay, unsynced());
     TableDesign design;
     design.name = u"T";
     design.indexes = {{u"Toate", {}}};
@@ -58,8 +71,8 @@ TEST(Database, RowWhoseKeyIsTooLongIsRefusedAlone)
         design.columns.push_back({Text(1, name), ColumnType::Binary, 255});
         design.indexes.front().columns.push_back({Text(1, name)});
     }
-    Table table = database.createTable(design, kSomeDay);
-    inTransaction(database, [&] {
+    Table table = make(design);
+    inTransaction([&] {
         EXPECT_EQ(errorOf([&] { table.appendRow(Row(8, Bytes(255, 1))); }),
                   ErrorCode::RecordTooLarge);
         table.appendRow(Row(8, Bytes(9, 1)));
@@ -67,30 +80,26 @@ TEST(Database, RowWhoseKeyIsTooLongIsRefusedAlone)
     EXPECT_EQ(table.recordCount(), 1U);
 }
 
-TEST(Database, NamesThatTheDatabaseProgramWouldNotTakeAreRefused)
+TEST_F(NewDatabase, NamesThatTheDatabaseProgramWouldNotTakeAreRefused)
 {
-    const TemporaryFolder folder;
-    Database database = Database::create(folder / "t.mdb", kSomeDay, unsynced());
-    database.createTable(tabelDesign(), kSomeDay);
+    make(tabelDesign());
     TableDesign longest = tabelDesign(Text(64, u'n'));
     longest.columns.front().name = longest.indexes.front().columns.front().column = longest.name;
-    database.createTable(longest, kSomeDay);
+    make(longest);
     for (const Text &name : {Text(), Text(65, u'n'), Text(u" a"), Text(u"a.b"), Text(u"a!"),
                              Text(u"[a]"), Text(u"a`"), Text(u"a\n")}) {
-        const auto code = [&](TableDesign design) {
-            return errorOf([&] { database.createTable(design, kSomeDay); });
-        };
+        const auto code = [&](const TableDesign &design) { return errorOf([&] { make(design); }); };
         TableDesign column = tabelDesign(u"Nou");
         column.columns.back().name = name;
         TableDesign index = tabelDesign(u"Nou");
         index.indexes.front().name = name;
-        for (const auto &error : {code(tabelDesign(name)), code(column), code(index),
-                                  errorOf([&] { database.renameTable(u"Tabel", name, kSomeDay); })})
+        for (const auto &error : {code(tabelDesign(name)), code(column), code(index), errorOf([&] {
+                                      m_database.renameTable(u"Tabel", name, kSomeDay);
+                                  })})
             EXPECT_EQ(error, ErrorCode::InvalidName) << toUtf8(name);
     }
-    EXPECT_EQ(database.tables(), (std::vector<Text>{u"Tabel", longest.name}));
-    EXPECT_EQ(findings(database), "");
+    EXPECT_EQ(m_database.tables(), (std::vector<Text>{u"Tabel", longest.name}));
+    EXPECT_EQ(findings(m_database), "");
 }
 
-} // namespace
 } // namespace jet

@@ -46,30 +46,4 @@ inline ColumnDefinition column(std::u16string_view name, ColumnType type, std::u
     return result;
 }
 
-/// The measurement table as the dumps of real files show it: definition on page 16.
-inline TableDefinition tabelDefinition()
-{
-    TableDefinition table;
-    table.columns = {column(u"Id", ColumnType::Long)};
-    for (char16_t digit = u'1'; digit <= u'6'; ++digit)
-        table.columns.push_back(column(std::u16string(u"Senzor") + digit, ColumnType::Double));
-    table.columns.push_back(column(u"Alarma", ColumnType::Text, 20));
-    table.columns.push_back(column(u"Data", ColumnType::DateTime));
-    table.columns.push_back(column(u"Ora", ColumnType::DateTime));
-    layOutColumns(table);
-    table.ownedPages = {17, 0};
-    table.freeSpacePages = {17, 1};
-    RealIndex tree;
-    tree.columns = {{0, true}};
-    tree.usageMap = {17, 2};
-    tree.root = 18;
-    tree.flags = IndexFlag::Always | IndexFlag::Required | IndexFlag::Unique;
-    table.realIndexes = {tree};
-    LogicalIndex index;
-    index.name = u"IndexPrimar";
-    index.kind = LogicalIndexKind::Primary;
-    table.logicalIndexes = {index};
-    return table;
-}
-
 } // namespace jet

@@ -1,8 +1,4 @@
-#include "tests/jet/file_image.h"
-#include "tests/jet/memory_disk.h"
-#include "tests/jet/sample_database.h"
-
-#include <gtest/gtest.h>
+#include "tests/jet/interrupted_append.h"
 
 #include <fstream>
 
@@ -94,28 +90,9 @@ TEST_F(Jettool, DumpsEveryTableInLinesThatNameIt)
 
 TEST_F(Jettool, ReadsAnInterruptedStatementAndLeavesIt)
 {
-    {
-        Database database = Database::create(m_path, kSomeDay, unsynced());
-        Table table = database.createTable(tabelDesign(), kSomeDay);
-        appendSamples(table, 1, 5);
-    }
+    makeTabel(m_path, 5);
     const auto journal = m_folder / "autoclava1.mdb.jrn";
-    MemoryDisk disk;
-    const Bytes before = bytesOf(m_path);
-    // stopped after the first page of an append that has reached the file
-    for (long stop = 1; disk.files[m_path.string()].content == before || stop == 1; ++stop) {
-        disk = {};
-        disk.files[m_path.string()].content = before;
-        disk.setFault(MemoryDisk::Fault::Stop, stop, 0);
-        EXPECT_EQ(errorOf([&] {
-                      Database::open(m_path, unsynced(), std::make_unique<MemoryFileSystem>(disk))
-                          .table(u"Tabel")
-                          .appendRow(sampleRow(6));
-                  }),
-                  ErrorCode::DiskError);
-    }
-    for (const auto &[name, file] : disk.files)
-        writeFile(name, file.content);
+    interruptAppend(m_path, 6, 6);
     ASSERT_NE(bytesOf(journal), Bytes());
     using FilesAndTimes = std::vector<std::pair<Bytes, std::filesystem::file_time_type>>;
     const auto state = [&] {
@@ -135,11 +112,7 @@ TEST_F(Jettool, ReadsAnInterruptedStatementAndLeavesIt)
 
 TEST_F(Jettool, NamesThePageAndTheReasonOfDamage)
 {
-    {
-        Database database = Database::create(m_path, kSomeDay, unsynced());
-        Table table = database.createTable(tabelDesign(), kSomeDay);
-        appendSamples(table, 1, 5);
-    }
+    makeTabel(m_path, 5);
     FileImage image(bytesOf(m_path));
     const PageNo root = image.definition().realIndexes.front().root;
     image.page(root)[kEntryArea + 4] ^= 1; // the key of the first entry

@@ -1,5 +1,4 @@
-#include "tests/jet/file_image.h"
-#include "tests/jet/memory_disk.h"
+#include "jet/page.h"
 #include "tests/jet/sample_database.h"
 
 #include <gtest/gtest.h>
@@ -66,37 +65,6 @@ TEST_F(LargeFile, StatementThatWouldPassTheFormatsLimitIsRefused)
     EXPECT_EQ(std::filesystem::file_size(m_path), fileOffset(0x80000));
     append(table, 1);
     EXPECT_EQ(table.recordCount(), 101U);
-}
-
-TEST(FullDisk, RefusesTheStatementAndNothingElse)
-{
-    const TemporaryFolder folder;
-    {
-        Database database = Database::create(folder / "t.mdb", kSomeDay, unsynced());
-        Table table = database.createTable(tabelDesign(), kSomeDay);
-        appendSamples(table, 1, 20);
-    }
-    int refused = 0;
-    for (long at = 1, fired = 1; fired != 0; ++at) {
-        MemoryDisk disk;
-        disk.files["t.mdb"].content = bytesOf(folder / "t.mdb");
-        Database database =
-            Database::open("t.mdb", unsynced(), std::make_unique<MemoryFileSystem>(disk));
-        Table table = database.table(u"Tabel");
-        disk.failure = ErrorCode::DiskFull;
-        disk.setFault(MemoryDisk::Fault::Fail, at, 100);
-        const auto error = errorOf([&] { table.appendRow(sampleRow(21)); });
-        fired = disk.fired;
-        if (error) {
-            ++refused;
-            EXPECT_EQ(error, ErrorCode::DiskFull) << at;
-            EXPECT_EQ(table.recordCount(), 20U) << at;
-            table.appendRow(sampleRow(21));
-        }
-        EXPECT_EQ(table.recordCount(), 21U) << at;
-        EXPECT_EQ(findings(database), "") << at;
-    }
-    EXPECT_GT(refused, 3); // the journal's writes and the file's
 }
 
 } // namespace

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "jet/database.h"
-
+#include "jet/text_codec.h"
 #include "tests/jet/jet_testing.h"
 #include "tests/jet/mdbtools.h"
 
@@ -15,6 +15,14 @@ namespace jet
 
 inline constexpr DateTime kSomeDay{46347.5};
 
+inline OpenOptions unsynced()
+{
+    OpenOptions options;
+    options.durability = Durability::Unsynced;
+    options.lockTimeout = std::chrono::milliseconds(20);
+    return options;
+}
+
 /// Table Tabel as the station has it.
 inline TableDesign tabelDesign(const Text &name = u"Tabel")
 {
@@ -27,6 +35,71 @@ inline TableDesign tabelDesign(const Text &name = u"Tabel")
     design.columns.push_back({u"Data", ColumnType::DateTime});
     design.columns.push_back({u"Ora", ColumnType::DateTime});
     design.indexes.push_back({u"IndexPrimar", {{u"Id"}}, true});
+    return design;
+}
+
+/// The same as the dumps of real files show it: definition on page 16, no text compressed.
+inline TableDefinition tabelDefinition()
+{
+    TableDefinition table = makeDefinition(tabelDesign());
+    table.columns[7].compressible = false;
+    table.ownedPages = {17, 0};
+    table.freeSpacePages = {17, 1};
+    table.realIndexes[0].usageMap = {17, 2};
+    table.realIndexes[0].root = 18;
+    return table;
+}
+
+inline TableDesign everyColumnDesign()
+{
+    return {u"T",
+            {{u"Id", ColumnType::Long, 0, true},
+             {u"Da", ColumnType::Boolean},
+             {u"Octet", ColumnType::Byte},
+             {u"Scurt", ColumnType::Integer},
+             {u"Pret", ColumnType::Currency},
+             {u"Simplu", ColumnType::Single},
+             {u"Dublu", ColumnType::Double},
+             {u"Cand", ColumnType::DateTime},
+             {u"Brut", ColumnType::Binary, 8},
+             {u"Nume", ColumnType::Text, 20},
+             {u"Lung", ColumnType::Memo},
+             {u"Obiect", ColumnType::Ole},
+             {u"Guid", ColumnType::Guid},
+             {u"Zecimal", ColumnType::Numeric, 0, false, 18, 4}},
+            {{u"Cheie", {{u"Id"}}, true}}};
+}
+
+inline Row everyRow()
+{
+    return {1,
+            true,
+            std::uint8_t{200},
+            std::int16_t{-2},
+            Currency{-12345678},
+            0.5f,
+            121.25,
+            DateTime{46347.5625},
+            Bytes{'a', 'b', 'c'},
+            Text(u"Șarjă „A” 5€"),
+            Text(u"două\nrânduri"),
+            Bytes(5000, 'x'),
+            Guid{{0x33, 0x22, 0x11, 0, 0x55, 0x44, 0x77, 0x66, 0x88, 0x99, 0xAA, 0xBB, 0xCC, 0xDD,
+                  0xEE, 0xFF}},
+            Numeric{true, {0xA630F34E, 0x01B69B4B}, 4}};
+}
+
+/// 200 columns of four types, whose definition takes several pages.
+inline TableDesign wideDesign(const Text &name)
+{
+    TableDesign design;
+    design.name = name;
+    const ColumnType types[] = {ColumnType::Integer, ColumnType::Text, ColumnType::Boolean,
+                                ColumnType::Double};
+    for (std::size_t i = 0; i < 200; ++i)
+        design.columns.push_back(
+            {u"Coloana cu nume lung " + fromUtf8(std::to_string(i)), types[i % 4], 50});
+    design.indexes = {{u"Prima", {{design.columns[0].name}}}};
     return design;
 }
 
@@ -48,6 +121,14 @@ inline void appendSamples(Table &table, std::int32_t first, std::int32_t last)
         table.appendRow(sampleRow(id));
 }
 
+/// Makes a database whose table has that many samples.
+inline void makeTabel(const std::filesystem::path &path, std::int32_t samples)
+{
+    Database database = Database::create(path, kSomeDay, unsynced());
+    Table table = database.createTable(tabelDesign(), kSomeDay);
+    appendSamples(table, 1, samples);
+}
+
 /// Calls a function inside one transaction.
 template <typename Work>
 void inTransaction(Database &database, Work &&work)
@@ -65,6 +146,19 @@ inline void eraseEvery(Table table, int which)
         if (i % which == 0)
             cursor.erase();
     }
+}
+
+/// As the station repairs its table: copied, the old one dropped, the copy given its name.
+inline void copyDropAndRename(Database &database)
+{
+    const Table old = database.table(u"Tabel");
+    TableDesign design = old.design();
+    design.name = u"Tabel2";
+    Table copy = database.createTable(design, kSomeDay);
+    for (Cursor cursor = old.records(); cursor.next();)
+        copy.appendRow(cursor.row());
+    database.dropTable(u"Tabel");
+    database.renameTable(u"Tabel2", u"Tabel", kSomeDay);
 }
 
 inline std::vector<Row> rowsOf(Cursor cursor)
@@ -91,14 +185,6 @@ inline std::string findings(const Database &database)
     for (const Finding &finding : database.check())
         lines += "page " + std::to_string(finding.page) + ": " + finding.reason + "\n";
     return lines;
-}
-
-inline OpenOptions unsynced()
-{
-    OpenOptions options;
-    options.durability = Durability::Unsynced;
-    options.lockTimeout = std::chrono::milliseconds(20);
-    return options;
 }
 
 } // namespace jet

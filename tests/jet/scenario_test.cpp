@@ -1,11 +1,8 @@
-#include "tests/jet/sample_database.h"
-
-#include <gtest/gtest.h>
+#include "tests/jet/new_database.h"
 
 #include <algorithm>
 #include <numeric>
 #include <random>
-#include <utility>
 
 // What the station and its users do to a file over weeks; after each the checker finds nothing and
 // programs that share no code with the engine read the same.
@@ -15,7 +12,7 @@ namespace jet
 namespace
 {
 
-class Scenario : public testing::Test
+class Scenario : public NewDatabase
 {
 protected:
     /// The checker finds nothing and both programs see the same rows, in every value.
@@ -39,26 +36,11 @@ protected:
         std::ranges::sort(ids);
         EXPECT_EQ(ids, idsOf(table.byIndex(u"IndexPrimar")));
     }
-    Table make(TableDesign design)
-    {
-        design.name = u"Tabel";
-        return m_database.createTable(design, kSomeDay);
-    }
-
-    template <typename Work>
-    void inTransaction(Work &&work)
-    {
-        jet::inTransaction(m_database, std::forward<Work>(work));
-    }
-
-    TemporaryFolder m_folder;
-    std::filesystem::path m_path = m_folder / "autoclava1.mdb";
-    Database m_database = Database::create(m_path, kSomeDay, unsynced());
 };
 
 TEST_F(Scenario, MonthOfSamplesGrowsEveryMapAndLevel)
 {
-    Table table = m_database.createTable(tabelDesign(), kSomeDay);
+    Table table = make(tabelDesign());
     inTransaction([&] { appendSamples(table, 1, 100000); });
     expectSound(table);
     EXPECT_EQ(table.recordCount(), 100000U);
@@ -75,7 +57,7 @@ TEST_F(Scenario, MonthOfSamplesGrowsEveryMapAndLevel)
 
 TEST_F(Scenario, FileEmptiedEveryDayStaysAsLargeAsOneDay)
 {
-    Table table = m_database.createTable(tabelDesign(), kSomeDay);
+    Table table = make(tabelDesign());
     std::uintmax_t secondDay = 0;
     for (int day = 1; day <= 400; ++day) {
         inTransaction([&] { appendSamples(table, day, day + 449); });
@@ -94,20 +76,12 @@ TEST_F(Scenario, FileEmptiedEveryDayStaysAsLargeAsOneDay)
 
 TEST_F(Scenario, RepairedFiftyTimes)
 {
-    Table table = m_database.createTable(tabelDesign(), kSomeDay);
+    Table table = make(tabelDesign());
     appendSamples(table, 1, 300);
     const std::vector<Row> rows = rowsOf(table.records());
     std::uintmax_t size = 0;
     for (int repair = 0; repair < 50; ++repair) {
-        inTransaction([&] {
-            TableDesign design = table.design();
-            design.name = u"Tabel2";
-            Table copy = m_database.createTable(design, kSomeDay);
-            for (Cursor cursor = table.records(); cursor.next();)
-                copy.appendRow(cursor.row());
-            m_database.dropTable(u"Tabel");
-            m_database.renameTable(u"Tabel2", u"Tabel", kSomeDay);
-        });
+        inTransaction([&] { copyDropAndRename(m_database); });
         if (repair == 1)
             size = std::filesystem::file_size(m_path);
         if (repair % 10 == 0)
@@ -125,7 +99,7 @@ TEST_F(Scenario, RandomOrderThroughSeveralLevelsAndBackToNothing)
     TableDesign design = tabelDesign();
     design.columns[7].size = 100;
     design.indexes.push_back({u"Alarma", {{u"Alarma", true}, {u"Id"}}});
-    Table table = m_database.createTable(design, kSomeDay);
+    Table table = make(design);
     std::mt19937 random(7);
     std::vector<std::int32_t> ids(2600);
     std::iota(ids.begin(), ids.end(), 1);
@@ -157,7 +131,7 @@ TEST_F(Scenario, RandomOrderThroughSeveralLevelsAndBackToNothing)
 TEST_F(Scenario, TextKeysWithEveryAsciiCharacter)
 {
     Table table =
-        make({u"",
+        make({u"Tabel",
               {{u"Cheie", ColumnType::Text, 20}, {u"Nr", ColumnType::Integer}},
               {{u"Sus", {{u"Cheie"}}, false, true}, {u"Jos", {{u"Cheie", true}, {u"Nr"}}}}});
     std::vector<Text> keys;
@@ -198,19 +172,11 @@ TEST_F(Scenario, TextKeysWithEveryAsciiCharacter)
 
 TEST_F(Scenario, TwoHundredColumnsOverManyPages)
 {
-    TableDesign design;
-    const ColumnType types[] = {ColumnType::Integer, ColumnType::Text, ColumnType::Boolean,
-                                ColumnType::Double};
-    for (std::size_t i = 0; i < 200; ++i)
-        design.columns.push_back(
-            {u"Coloana cu nume lung " + fromUtf8(std::to_string(i)), types[i % 4], 50});
-    design.indexes = {{u"Prima", {{design.columns[0].name}}}};
-    Table table = make(design);
-
+    Table table = make(wideDesign(u"Tabel"));
     std::vector<Row> rows;
     for (int number = 0; number < 30 * 200;) {
         Row row;
-        for (std::size_t i = 0; i < design.columns.size(); ++i, ++number) {
+        for (std::size_t i = 0; i < 200; ++i, ++number) {
             const Value values[] = {static_cast<std::int16_t>(number),
                                     fromUtf8(std::to_string(number)), number % 3 == 0,
                                     number / 8.0};
@@ -229,7 +195,7 @@ TEST_F(Scenario, TwoHundredColumnsOverManyPages)
 
 TEST_F(Scenario, LongTextsOfEveryForm)
 {
-    Table table = make({u"", {{u"Id", ColumnType::Long}, {u"Text", ColumnType::Memo}}, {}});
+    Table table = make({u"Tabel", {{u"Id", ColumnType::Long}, {u"Text", ColumnType::Memo}}, {}});
     // inline up to 64 bytes, one row up to 4076, then chains; one and two bytes per character
     std::vector<Text> texts;
     for (const std::size_t length : {1, 31, 32, 33, 62, 65, 2038, 2039, 4074, 4077, 9000, 70000}) {

@@ -2,9 +2,7 @@
 #include "jet/journal.h"
 #include "jet/session.h"
 
-#include "tests/jet/sample_database.h"
-
-#include <gtest/gtest.h>
+#include "tests/jet/interrupted_append.h"
 
 #include <algorithm>
 #include <fstream>
@@ -19,12 +17,7 @@ namespace
 class Sharing : public testing::Test
 {
 protected:
-    Sharing()
-    {
-        Database database = Database::create(m_path, kSomeDay, unsynced());
-        Table table = database.createTable(tabelDesign(), kSomeDay);
-        appendSamples(table, 1, 20);
-    }
+    Sharing() { makeTabel(m_path, 20); }
 
     Database open(bool readOnly = false) const
     {
@@ -109,84 +102,32 @@ TEST_F(Sharing, KilledWriterLosesNothingItReported)
     }
 }
 
+TEST_F(Sharing, LeftOverJournalIsDroppedWhenAnotherProgramHasChangedTheFile)
+{
+    const Bytes before = bytesOf(m_path);
+    interruptAppend(m_path, 21, 21);
+    const Bytes torn = bytesOf(m_path);
+    const auto changed = std::ranges::mismatch(before, torn).in1 - before.begin();
+    const auto files = makeSystemFiles();
+    const auto log = files->open(m_folder / "autoclava1.mdb.jrn", FileSystem::Access::Read);
+    const auto usedAfterChange = [&](std::ptrdiff_t offset) {
+        Bytes foreign = torn;
+        foreign[static_cast<std::size_t>(offset)] ^= 0x55;
+        writeFile(m_path, foreign);
+        return Journal::read(*log)->mustBeFinished(*files->open(m_path, FileSystem::Access::Read));
+    };
+    EXPECT_TRUE(usedAfterChange(6 * 4096)) << "a page that the statement has nothing to do with";
+    EXPECT_FALSE(usedAfterChange(0xE00)) << "a user's commit counter";
+    EXPECT_FALSE(usedAfterChange(4096 + 100)) << "a page that the statement only relied on";
+    EXPECT_FALSE(usedAfterChange(changed)) << "a page that the statement has changed";
+}
+
 class LeftOverJournal : public Sharing
 {
 protected:
-    /// Leaves the files as a program does that was stopped after the first page it wrote to the
-    /// database.
-    void SetUp() override
-    {
-        const auto journal = m_folder / "autoclava1.mdb.jrn";
-        const auto old = m_folder / "old.mdb";
-        std::filesystem::copy_file(m_path, old);
-        {
-            Database database = open();
-            Transaction transaction(database);
-            Table table = database.table(u"Tabel");
-            appendSamples(table, 21, 90);
-            transaction.commit();
-        }
-        // The journal was emptied, so it is written once more from the change between the files.
-        const auto load = [](const std::filesystem::path &path) {
-            std::ifstream file(path, std::ios::binary);
-            return Bytes(std::istreambuf_iterator<char>(file), {});
-        };
-        m_before = load(old);
-        const Bytes after = load(m_path);
-        writeJournal(journal, m_before, after);
-        std::filesystem::rename(old, m_path);
-        m_firstChange = firstDifference(m_before, after);
-        put(m_path, m_firstChange, after);
-    }
+    LeftOverJournal() { interruptAppend(m_path, 21, 90); }
 
-    static std::streamoff firstDifference(const Bytes &before, const Bytes &after)
-    {
-        const auto place = std::ranges::mismatch(before, after).in1;
-        return (place - before.begin()) / 512 * 512;
-    }
-    /// Writes one sector of `content` into the file.
-    static void put(const std::filesystem::path &path, std::streamoff offset, const Bytes &content)
-    {
-        std::fstream file(path, std::ios::binary | std::ios::in | std::ios::out);
-        file.seekp(offset);
-        file.write(reinterpret_cast<const char *>(content.data()) + offset, 512);
-    }
-
-    static PageBuffer pageOf(const Bytes &file, PageNo page)
-    {
-        PageBuffer buffer{};
-        std::copy_n(file.begin() + static_cast<std::ptrdiff_t>(fileOffset(page)), kPageSize,
-                    buffer.begin());
-        return buffer;
-    }
-    static void writeJournal(const std::filesystem::path &path, const Bytes &before,
-                             const Bytes &after)
-    {
-        const auto pagesBefore = static_cast<PageNo>(before.size() / kPageSize);
-        const auto pagesAfter = static_cast<PageNo>(after.size() / kPageSize);
-        std::vector<PageBuffer> olds(pagesAfter);
-        std::vector<PageBuffer> news(pagesAfter);
-        std::vector<PageChange> changes;
-        for (PageNo page = 0; page < pagesAfter; ++page) {
-            news[page] = pageOf(after, page);
-            if (page < pagesBefore)
-                olds[page] = pageOf(before, page);
-            if (page >= pagesBefore)
-                changes.push_back({page, nullptr, &news[page]});
-            else if (olds[page] != news[page])
-                changes.push_back({page, &olds[page], &news[page]});
-        }
-        const auto file = makeSystemFiles()->open(path, FileSystem::Access::Create);
-        std::vector<PageWitness> witnesses;
-        for (PageNo page = 0; page < pagesBefore; ++page) {
-            if (olds[page] == news[page])
-                witnesses.push_back({page, hashBytes(olds[page])});
-        }
-        Journal::write(*file, pagesBefore, pagesAfter, witnesses, changes);
-    }
-
-    Bytes m_before;
-    std::streamoff m_firstChange = 0;
+    const Bytes m_before = bytesOf(m_path);
 };
 
 TEST_F(LeftOverJournal, IsFinishedOnOpenAndOnlySeenByAReader)
@@ -205,30 +146,10 @@ TEST_F(LeftOverJournal, IsFinishedOnOpenAndOnlySeenByAReader)
 
 TEST_F(LeftOverJournal, IsDroppedWhenNothingOfItReachedTheFile)
 {
-    put(m_path, m_firstChange, m_before);
+    writeFile(m_path, m_before);
     EXPECT_EQ(open(true).table(u"Tabel").recordCount(), 20U);
     EXPECT_EQ(open().table(u"Tabel").recordCount(), 20U);
     EXPECT_FALSE(exists("autoclava1.mdb.jrn"));
-}
-
-TEST_F(LeftOverJournal, IsDroppedWhenAnotherProgramHasChangedTheFile)
-{
-    const auto torn = m_folder / "torn.mdb";
-    std::filesystem::copy_file(m_path, torn);
-    const auto files = makeSystemFiles();
-    const auto log = files->open(m_folder / "autoclava1.mdb.jrn", FileSystem::Access::Read);
-    const auto usedAfterChange = [&](std::streamoff offset) {
-        std::filesystem::remove(m_path);
-        std::filesystem::copy_file(torn, m_path);
-        std::fstream file(m_path, std::ios::binary | std::ios::in | std::ios::out);
-        file.seekp(offset);
-        file.put(7);
-        file.close();
-        return Journal::read(*log)->mustBeFinished(*files->open(m_path, FileSystem::Access::Read));
-    };
-    EXPECT_FALSE(usedAfterChange(0xE00)) << "a user's commit counter";
-    EXPECT_FALSE(usedAfterChange(2 * 4096 + 100)) << "a page that the statement only relied on";
-    EXPECT_FALSE(usedAfterChange(m_firstChange + 5)) << "a page that the statement has changed";
 }
 
 /// The system's files, for what happens between two looks at them.
@@ -306,9 +227,7 @@ TEST_F(Sharing, ReadersGoBehindAWriterThatWaits)
 TEST_F(LeftOverJournal, BelongsToTheFileWhateverNameOpensIt)
 {
     const auto backup = m_folder / "autoclava1.bak";
-    std::ofstream(backup, std::ios::binary)
-        .write(reinterpret_cast<const char *>(m_before.data()),
-               static_cast<std::streamsize>(m_before.size()));
+    writeFile(backup, m_before);
     EXPECT_EQ(Database::open(backup).table(u"Tabel").recordCount(), 20U);
     std::error_code failure;
     std::filesystem::create_symlink(m_path, m_folder / "link.mdb", failure);
