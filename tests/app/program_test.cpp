@@ -6,12 +6,13 @@
 #include "chart/chart_grid.h"
 #include "jet/database.h"
 #include "platform/qt_printers.h"
-#include "platform/runtime_error.h"
-#include "platform/shell.h"
 #include "storage/storage_file.h"
 #include "storage/tabel.h"
+#include "tests/support/controls.h"
 #include "tests/support/fake_operator.h"
+#include "tests/support/fake_shell.h"
 #include "tests/support/joined_line.h"
+#include "tests/support/runtime_errors.h"
 #include "tests/support/station_folder.h"
 #include "tools/trm10c_simulator/recorder_simulation.h"
 
@@ -20,13 +21,9 @@
 #include <QElapsedTimer>
 #include <QFile>
 #include <QLabel>
-#include <QLineEdit>
 #include <QMdiSubWindow>
 #include <QMenuBar>
-#include <QPushButton>
 #include <QTableView>
-#include <QtTest/QTest>
-#include <gtest/gtest.h>
 
 namespace
 {
@@ -43,19 +40,6 @@ public:
 
 private:
     QElapsedTimer m_watch;
-};
-
-class FakeShell final : public Shell
-{
-public:
-    void open(const QString &path, Window) override
-    {
-        if (fails)
-            throw RuntimeError(RuntimeError::FileNotFound);
-        opened += path;
-    }
-    QStringList opened;
-    bool fails = false;
 };
 
 class ProgramTest : public ::testing::Test
@@ -77,6 +61,14 @@ protected:
         program->start();
     }
 
+    /// Starts the program and its monitoring, and waits for the first samples.
+    void monitor(int samples)
+    {
+        start();
+        hit(Qt::Key_F1);
+        EXPECT_TRUE(reaches(samples));
+    }
+
     QString storagePath() const { return folder.path() + QStringLiteral("/mdb/autoclava1.mdb"); }
     template <typename Widget>
     Widget *child(const char *name)
@@ -87,7 +79,7 @@ protected:
     {
         return menuItem(*program->window().menuBar(), QString::fromLatin1(name));
     }
-    void press(Qt::Key key) { QTest::keyClick(child<QWidget>("Form1"), key); }
+    void hit(Qt::Key key) { QTest::keyClick(child<QWidget>("Form1"), key); }
     bool reaches(int id)
     {
         return QTest::qWaitFor([&] { return lastId >= id; }, 60'000);
@@ -98,15 +90,6 @@ protected:
             jet::Database::open(nativePath(storagePath()), {.readOnly = true});
         EXPECT_TRUE(database.check().empty());
         return database.table(tabel::kName).recordCount();
-    }
-    int errorOfStart()
-    {
-        try {
-            start();
-        } catch (const RuntimeError &error) {
-            return error.number();
-        }
-        return 0;
     }
 
     MorningClock clock;
@@ -131,10 +114,10 @@ TEST_F(ProgramTest, KeysStartAndStopMonitoringAndSamplesReachChartAndFile)
     EXPECT_EQ(program->window().windowTitle(), "Monitorizare PLC v2.0.0");
     EXPECT_FALSE(program->station().monitorActive);
     EXPECT_TRUE(program->window().findChild<QObject *>("ControlPlc"));
-    press(Qt::Key_F1);
+    hit(Qt::Key_F1);
     ASSERT_TRUE(reaches(65)) << "past the last row of the charts";
     EXPECT_EQ(child<QLabel>("MonLabel")->text(), "Monitor activ!");
-    press(Qt::Key_F2);
+    hit(Qt::Key_F2);
     EXPECT_EQ(child<QLabel>("MonLabel")->text(), "Monitor oprit.");
     EXPECT_EQ(storedRecords(), std::uint32_t(lastId));
     const std::span<const double> series = program->station().Diagrame[1].chart->columnData(3);
@@ -142,16 +125,14 @@ TEST_F(ProgramTest, KeysStartAndStopMonitoringAndSamplesReachChartAndFile)
     EXPECT_EQ(series[59], 0) << "the last row keeps the lower limit";
     EXPECT_TRUE(op.told.isEmpty()) << op.told.join('\n').toStdString();
 
-    press(Qt::Key_F3);
+    hit(Qt::Key_F3);
     EXPECT_EQ(series[0], 0);
     EXPECT_EQ(program->station().currentRow, 1);
 }
 
 TEST_F(ProgramTest, WindowsComeAndGoWhileMonitoringGoesOn)
 {
-    start();
-    press(Qt::Key_F1);
-    ASSERT_TRUE(reaches(3));
+    monitor(3);
     EXPECT_TRUE(item("SalvareImg")->isEnabled());
     child<QWidget>("Form1")->parentWidget()->close();
     EXPECT_FALSE(item("SalvareImg")->isEnabled());
@@ -170,10 +151,8 @@ TEST_F(ProgramTest, WindowsComeAndGoWhileMonitoringGoesOn)
 
 TEST_F(ProgramTest, BrowserShowsTheNewestFirstAndGivesWayToTheArchive)
 {
-    start();
-    press(Qt::Key_F1);
-    ASSERT_TRUE(reaches(30));
-    press(Qt::Key_F2);
+    monitor(30);
+    hit(Qt::Key_F2);
     const int newest = lastId;
     item("DeschidMdbCurent")->trigger();
     auto *grid = child<QTableView>("DBGrid1");
@@ -218,54 +197,48 @@ TEST_F(ProgramTest, BrowserThatFailsMayBeClosedBehindItsOwnMessage)
 
 TEST_F(ProgramTest, LockedDialogDisablesTheRestWhileMonitoringGoesOn)
 {
-    start();
+    monitor(2);
     program->window().setItemEnabled("MeniuCalib", false);
-    press(Qt::Key_F1);
-    ASSERT_TRUE(reaches(2));
-    item("AlarmPresGraf")->trigger();
-    auto *dialog = child<QDialog>("frmOptDiag2");
-    ASSERT_TRUE(dialog);
-    EXPECT_FALSE(item("ExitProg")->isEnabled());
-    EXPECT_FALSE(child<QWidget>("Form1Frame")->isEnabled());
-    ASSERT_TRUE(reaches(lastId + 2));
+    item("DespreProg")->trigger();
+    const auto *about = child<QDialog>("frmAbout");
+    QDialog *dialog = nullptr;
+    for (const char *round : {"first", "again, as the error window stays"}) {
+        item("AlarmPresGraf")->trigger();
+        QTest::qWait(0);
+        dialog = child<QDialog>("frmOptDiag2");
+        ASSERT_TRUE(dialog) << round;
+        for (const QAction *action : menuItems(*program->window().menuBar()))
+            EXPECT_FALSE(action->isEnabled()) << action->objectName().toStdString();
+        EXPECT_FALSE(child<QWidget>("Form1Frame")->isEnabled());
+        EXPECT_FALSE(about->isEnabled());
+        ASSERT_TRUE(reaches(lastId + 2));
 
-    dialog->findChild<QLineEdit *>("AlarmSupText")->setText("mult");
-    QTest::mouseClick(dialog->findChild<QPushButton *>("cmdApply"), Qt::LeftButton);
-    auto *error = child<QWidget>("FormEroare");
-    ASSERT_TRUE(error && error->isVisible());
-    EXPECT_EQ(error->findChild<QLabel *>("EroareLabel")->text(),
-              "Verificati corectitudinea campurilor.");
-    EXPECT_FALSE(dialog->isEnabled());
-    QTest::mouseClick(error->findChild<QPushButton *>("OKButton"), Qt::LeftButton);
-    EXPECT_TRUE(dialog->isEnabled());
-
-    dialog->close(); // the error window stays; it must work for the next dialog too
-    item("AlarmPresGraf")->trigger();
-    QTest::qWait(0);
-    dialog = child<QDialog>("frmOptDiag2");
-    dialog->findChild<QLineEdit *>("AlarmSupText")->setText("mult");
-    QTest::mouseClick(dialog->findChild<QPushButton *>("cmdApply"), Qt::LeftButton);
-    EXPECT_TRUE(error->isVisible() && error->isEnabled());
-    QTest::mouseClick(error->findChild<QPushButton *>("OKButton"), Qt::LeftButton);
-    EXPECT_TRUE(dialog->isEnabled());
-
-    dialog->findChild<QLineEdit *>("AlarmSupText")->setText("20,5");
-    QTest::mouseClick(dialog->findChild<QPushButton *>("cmdApply"), Qt::LeftButton);
+        type(*dialog, "AlarmSupText", "mult");
+        press(*dialog, "cmdApply");
+        auto *error = child<QWidget>("FormEroare");
+        ASSERT_TRUE(error && error->isVisible() && error->isEnabled()) << round;
+        EXPECT_EQ(control<QLabel>(*error, "EroareLabel").text(),
+                  "Verificati corectitudinea campurilor.");
+        EXPECT_FALSE(dialog->isEnabled());
+        press(*error, "OKButton");
+        EXPECT_TRUE(dialog->isEnabled()) << round;
+        type(*dialog, "AlarmSupText", "20,5");
+        press(*dialog, "cmdApply");
+        dialog->close();
+    }
     EXPECT_EQ(program->station().Diagrame[1].chart->columnData(5)[59], 20.5);
-    dialog->close();
     EXPECT_TRUE(item("ExitProg")->isEnabled());
     EXPECT_FALSE(item("MeniuCalib")->isEnabled()) << "was disabled before";
     EXPECT_TRUE(child<QWidget>("Form1Frame")->isEnabled());
+    EXPECT_TRUE(about->isEnabled());
     ASSERT_TRUE(reaches(lastId + 2));
     EXPECT_TRUE(program->station().sensors[3].alarm);
 }
 
 TEST_F(ProgramTest, ArchiveBehindALockedDialogLeavesItTheFocus)
 {
-    start();
-    press(Qt::Key_F1);
-    ASSERT_TRUE(reaches(2));
-    press(Qt::Key_F2);
+    monitor(2);
+    hit(Qt::Key_F2);
     item("DeschidMdbCurent")->trigger();
     item("MeniuCalib")->trigger();
     ASSERT_TRUE(child<QDialog>("FormCalibrare"));
@@ -279,13 +252,11 @@ TEST_F(ProgramTest, ArchiveBehindALockedDialogLeavesItTheFocus)
 
 TEST_F(ProgramTest, PicturesAndHistoryOfTheDay)
 {
-    start();
-    press(Qt::Key_F1);
-    ASSERT_TRUE(reaches(5));
-    press(Qt::Key_F2);
+    monitor(5);
+    hit(Qt::Key_F2);
     item("SalvareImg")->trigger();
     EXPECT_TRUE(QImage(folder.path() + "/img/Diagrama2_07.03.2026_09.05.bmp").width() > 100);
-    EXPECT_EQ(shell.opened, QStringList({folder.path() + "/img/"}));
+    EXPECT_EQ(shell.opened, QStringList({folder.path() + "/img/ minimised"}));
     QDir(folder.path() + "/img").removeRecursively();
     item("SalvareImg")->trigger();
     EXPECT_EQ(op.told, QStringList({"76 Path not found"}));
@@ -297,8 +268,8 @@ TEST_F(ProgramTest, PicturesAndHistoryOfTheDay)
     EXPECT_FALSE(child<QWidget>("FormAdoChartFrame")->isEnabled());
     limits->close();
     EXPECT_EQ(program->window().activeChild(), child<QWidget>("FormAdoChart"));
-    child<QLineEdit>("Text1")->setText("07.03.2026");
-    QTest::mouseClick(child<QPushButton>("Command1"), Qt::LeftButton);
+    type(program->window(), "Text1", "07.03.2026");
+    press(program->window(), "Command1");
     EXPECT_TRUE(child<QLabel>("LabelStare")->text().startsWith("Diagramele la data de "))
         << child<QLabel>("LabelStare")->text().toStdString();
     program->window().resize(900, 700);
@@ -313,26 +284,28 @@ TEST_F(ProgramTest, TitleAndNamesAreShownAtOnce)
     QTest::mouseDClick(child<QLabel>("Label2"), Qt::LeftButton);
     auto *title = child<QDialog>("frmTitluDiag");
     ASSERT_TRUE(title);
-    title->findChild<QLineEdit *>("textTitlu")->setText("Presiune (bar)");
-    QTest::mouseClick(title->findChild<QPushButton *>("OKButton"), Qt::LeftButton);
+    type(*title, "textTitlu", "Presiune (bar)");
+    press(*title, "OKButton");
     EXPECT_EQ(child<QLabel>("Label2")->text(), "Presiune (bar)");
-    item("mnuNumeSenzori1")->trigger();
-    auto *names = child<QDialog>("frmNumeSenzori1");
+    EXPECT_TRUE(folder.config().startsWith("Diagrama2.Titlu =,Presiune (bar)\r\n"));
+
+    item("mnuNumeSenzori2")->trigger();
+    auto *names = child<QDialog>("frmNumeSenzori2");
     ASSERT_TRUE(names);
     EXPECT_TRUE(names->isModal());
-    names->findChild<QLineEdit *>("textNume1")->setText("Camera");
-    QTest::mouseClick(names->findChild<QPushButton *>("OKButton"), Qt::LeftButton);
-    EXPECT_EQ(program->station().Diagrame[0].chart->columnLabelOf(2), "Camera");
-    press(Qt::Key_F1);
+    EXPECT_EQ(control<QLabel>(*names, "labelNume2").text(), "Senzor3 :");
+    type(*names, "textNume1", "Camera");
+    QTest::keyClick(names, Qt::Key_Return);
+    EXPECT_FALSE(names->isVisible());
+    EXPECT_EQ(program->station().Diagrame[1].chart->columnLabelOf(2), "Camera");
+    hit(Qt::Key_F1);
     ASSERT_TRUE(reaches(2));
-    EXPECT_GT(program->station().Diagrame[0].chart->columnData(2)[0], 10);
+    EXPECT_GT(program->station().Diagrame[1].chart->columnData(2)[0], 10);
 }
 
 TEST_F(ProgramTest, StorageFileThatGoesMissingStopsMonitoring)
 {
-    start();
-    press(Qt::Key_F1);
-    ASSERT_TRUE(reaches(2));
+    monitor(2);
     QFile::remove(storagePath());
     ASSERT_TRUE(QTest::qWaitFor([&] { return !op.told.isEmpty(); }, 20'000));
     EXPECT_EQ(op.told, QStringList({"Fisierul de stocare nu exista !!"}));
@@ -342,9 +315,7 @@ TEST_F(ProgramTest, StorageFileThatGoesMissingStopsMonitoring)
 
 TEST_F(ProgramTest, ClosingAsksForTheArchiveAndCancelKeepsTheProgram)
 {
-    start();
-    press(Qt::Key_F1);
-    ASSERT_TRUE(reaches(2));
+    monitor(2);
     EXPECT_FALSE(program->window().close());
     item("ExitProg")->trigger();
     EXPECT_EQ(ends, 0);
@@ -362,26 +333,22 @@ TEST_F(ProgramTest, ClosingAsksForTheArchiveAndCancelKeepsTheProgram)
 TEST_F(ProgramTest, UnusableSettingsEndTheStartWithTheRuntimesError)
 {
     folder.setValue("Diagrama2.alarma_minim =", "zece");
-    EXPECT_EQ(errorOfStart(), RuntimeError::TypeMismatch);
+    EXPECT_EQ(errorOf([this] { start(); }), RuntimeError::TypeMismatch);
     folder.setConfig(folder.config().replace("Diagrama1.Titlu =", "Titlu ="));
-    EXPECT_EQ(errorOfStart(), RuntimeError::TypeMismatch);
+    EXPECT_EQ(errorOf([this] { start(); }), RuntimeError::TypeMismatch);
     EXPECT_EQ(op.told, QStringList({"Eroare in /config/config.ini"}));
     folder.setValue("ControlPlc.Settings =", "fast");
-    EXPECT_EQ(errorOfStart(), RuntimeError::InvalidPropertyValue);
+    EXPECT_EQ(errorOf([this] { start(); }), RuntimeError::InvalidPropertyValue);
     QFile::remove(folder.configPath());
-    EXPECT_EQ(errorOfStart(), RuntimeError::FileNotFound);
+    EXPECT_EQ(errorOf([this] { start(); }), RuntimeError::FileNotFound);
 }
 
 TEST_F(ProgramTest, PortThatDoesNotExistIsTheRuntimesErrorAndMonitoringHasEnded)
 {
     folder.setValue("ControlPlc.CommPort =", "nowhere");
     start();
-    try {
-        program->controlCentre().StartMonCommand_Click();
-        FAIL() << "no such port";
-    } catch (const RuntimeError &error) {
-        EXPECT_EQ(error.number(), RuntimeError::InvalidPortNumber);
-    }
+    EXPECT_EQ(errorOf([this] { program->controlCentre().StartMonCommand_Click(); }),
+              RuntimeError::InvalidPortNumber);
     EXPECT_FALSE(program->station().monitorActive);
 }
 

@@ -1,25 +1,21 @@
 #pragma once
 
-#include "app/settings/settings.h"
 #include "chart/chart_grid.h"
 #include "diagrams/live_diagrams.h"
-#include "tests/support/fake_operator.h"
-#include "tests/support/station_folder.h"
+#include "tests/support/station_rig.h"
 #include "tests/support/test_time.h"
 
-#include <gtest/gtest.h>
-
 /// Live diagrams on the shipped settings, at 09:05:00.250 on 7 March 2026.
-class DiagramsRig : public ::testing::Test
+class DiagramsRig : public StationRig
 {
 protected:
-    DiagramsRig()
+    void load(LiveDiagrams &diagrams)
     {
-        station.appFolder = folder.path();
-        station.locale = QLocale(QLocale::Romanian);
+        diagrams.loadTables();
+        diagrams.loadSettings();
     }
     /// One sample a second after the last: the value for all sensors.
-    void sample(LiveDiagrams &live, double value)
+    void sample(double value)
     {
         time.passSilently(std::chrono::seconds(1));
         for (Sensor &sensor : station.sensors)
@@ -31,9 +27,6 @@ protected:
         return chart.columnData(column)[static_cast<std::size_t>(row - 1)];
     }
 
-    StationFolder folder;
-    Station station;
-    FakeOperator op;
     TestTime time{wallTime(QDate(2026, 3, 7), QTime(9, 5, 0, 250))};
-    Settings settings{station, op};
+    LiveDiagrams live{station, settings, time};
 };

@@ -7,9 +7,7 @@
 #include <QMdiArea>
 #include <QMdiSubWindow>
 #include <QPointer>
-#include <QPushButton>
 #include <QSignalSpy>
-#include <QtTest/QTest>
 #include <qcustomplot.h>
 
 namespace
@@ -38,7 +36,6 @@ protected:
         return *control<ChartView>(form, chart).findChild<QCustomPlot *>();
     }
 
-    LiveDiagrams live{station, settings, time};
     QMdiArea area;
     QPointer<QMdiSubWindow> frame;
     std::vector<bool> menus;
@@ -138,7 +135,7 @@ TEST_F(Form1Test, MouseAsksForMenuTitleAndControlCentre)
 TEST_F(Form1Test, PickedPointIsToldUnderItsChart)
 {
     Form1 &form = open();
-    sample(live, 75);
+    sample(75);
     auto &plot = static_cast<QCustomPlot &>(plotOf(form, "MSChart2"));
     plot.replot();
     QTest::mouseClick(&plot, Qt::LeftButton, {},

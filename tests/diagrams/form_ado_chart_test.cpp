@@ -5,14 +5,11 @@
 #include "tests/support/controls.h"
 
 #include <QLabel>
-#include <QLineEdit>
 #include <QMdiArea>
 #include <QMdiSubWindow>
 #include <QPointer>
-#include <QPushButton>
 #include <QScrollBar>
 #include <QSignalSpy>
-#include <QtTest/QTest>
 #include <qcustomplot.h>
 
 namespace
@@ -56,7 +53,7 @@ protected:
     void generate(const QString &date)
     {
         control<QLineEdit>(*form, "Text1").setText(date);
-        QTest::mouseClick(&control<QPushButton>(*form, "Command1"), Qt::LeftButton);
+        press(*form, "Command1");
     }
     QString status() const { return control<QLabel>(*form, "LabelStare").text(); }
     QWidget &named(const char *name) const { return control<QWidget>(*form, name); }

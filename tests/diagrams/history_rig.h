@@ -13,11 +13,7 @@ class HistoryRig : public DiagramsRig
 protected:
     static constexpr double kDay = 46088; // 7 March 2026, as the database counts days
 
-    HistoryRig()
-    {
-        live.loadTables();
-        live.loadSettings();
-    }
+    HistoryRig() { load(live); }
 
     QString archive() const { return station.archiveFolder() + kArchive; }
     std::filesystem::path archivePath() const
@@ -59,6 +55,5 @@ protected:
 
     static inline const QString kArchive = QStringLiteral("arh_07.03.2026_autoclava1.mdb");
 
-    LiveDiagrams live{station, settings, time};
     HistoryDiagrams history{station, settings};
 };

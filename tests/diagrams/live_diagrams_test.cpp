@@ -1,5 +1,4 @@
 #include "tests/diagrams/diagrams_rig.h"
-#include "tests/support/runtime_errors.h"
 
 namespace
 {
@@ -7,11 +6,6 @@ namespace
 class LiveDiagramsTest : public DiagramsRig
 {
 protected:
-    void load(LiveDiagrams &diagrams)
-    {
-        diagrams.loadTables();
-        diagrams.loadSettings();
-    }
     static LiveDiagrams::Charts charts(const std::vector<std::pair<QString, int>> &tagsAndRows,
                                        int sensorSeries = 3)
     {
@@ -22,7 +16,6 @@ protected:
         return result;
     }
 
-    LiveDiagrams live{station, settings, time};
     ChartGrid &chart1 = live.chart(0);
     ChartGrid &chart2 = live.chart(1);
 };
@@ -75,11 +68,11 @@ TEST_F(LiveDiagramsTest, SweepClearsBeforeTheLastRow)
 {
     load(live);
     for (int row = 1; row <= 59; ++row)
-        sample(live, row);
+        sample(row);
     EXPECT_EQ(valueAt(chart2, 3, 59), 59);
     EXPECT_EQ(valueAt(chart2, 3, 60), 0) << "the last row keeps the lower graph limit";
 
-    sample(live, 100);
+    sample(100);
     for (ChartGrid *chart : {&chart1, &chart2}) {
         EXPECT_EQ(valueAt(*chart, 2, 1), 100);
         EXPECT_EQ(valueAt(*chart, 2, 59), 0);
@@ -87,7 +80,7 @@ TEST_F(LiveDiagramsTest, SweepClearsBeforeTheLastRow)
     }
     EXPECT_EQ(station.currentRow, 2);
 
-    sample(live, 101);
+    sample(101);
     live.goleste_diagramele();
     EXPECT_EQ(valueAt(chart1, 2, 1), 0);
     EXPECT_EQ(chart1.row(), 1);
@@ -114,7 +107,7 @@ TEST_F(LiveDiagramsTest, ReadingsReachTheirSeriesByName)
 TEST_F(LiveDiagramsTest, PointTextTellsLabelValueAndMoment)
 {
     load(live);
-    sample(live, 121.25);
+    sample(121.25);
     EXPECT_EQ(live.pointText(chart2, 1, 1), "T4 = 121,25\r\n07.03.2026 09:05:01");
     EXPECT_EQ(station.Diagrame[1].timeStamps[1].time().msec(), 0);
     EXPECT_EQ(live.pointText(chart2, 5, 2), "AL = 138\r\n00:00:00") << "row not yet written";

@@ -50,9 +50,9 @@ TEST_F(Options, NumbersAreTakenWithCommaOrPointAndInAnyOrder)
     texts.LimSup = " -12.5";
     EXPECT_TRUE(options.valideaza_tab(kLimits, texts));
     EXPECT_EQ(texts.LimInf, "200.25");
-    EXPECT_EQ(diagrams.chart(1).valueAxisMinimum(), 200.25);
-    EXPECT_EQ(diagrams.chart(1).valueAxisMaximum(), -12.5);
-    EXPECT_EQ(diagrams.chart(0).valueAxisMaximum(), 150) << "the other diagram keeps its own";
+    EXPECT_EQ(live.chart(1).valueAxisMinimum(), 200.25);
+    EXPECT_EQ(live.chart(1).valueAxisMaximum(), -12.5);
+    EXPECT_EQ(live.chart(0).valueAxisMaximum(), 150) << "the other diagram keeps its own";
 
     for (const char *bad : {"", "abc", "1.2,3", "12 3", "5x"}) {
         texts.AlarmInf = "3";
@@ -108,7 +108,7 @@ TEST_F(Options, AllTabsStopAtTheFirstRefusedOne)
     texts.Scan = "9";
     EXPECT_FALSE(options.applyAll(texts));
     EXPECT_EQ(errors.size(), 1);
-    EXPECT_EQ(diagrams.chart(1).valueAxisMaximum(), 77);
+    EXPECT_EQ(live.chart(1).valueAxisMaximum(), 77);
     EXPECT_EQ(station.Diagrame[0].interval_scanare, 1);
     EXPECT_EQ(texts.AlarmInf, "10");
     EXPECT_EQ(texts.Scan, "1");
@@ -135,8 +135,9 @@ TEST_F(Options, SaveWritesTheTabAndRestoreBringsItBackByteForByte)
     station.Diagrame[1].limita_maxima = station.Diagrame[1].alarma_maxim = 1;
     for (const QString &tab : {kLimits, kAlarms, kScan})
         options.restoreDefaults(tab, texts);
-    EXPECT_EQ(diagrams.chart(1).valueAxisMaximum(), 150);
-    EXPECT_EQ(diagrams.chart(1).columnData(5)[7], 138);
+    EXPECT_EQ(live.chart(1).valueAxisMaximum(), 150);
+    EXPECT_EQ(live.chart(1).columnData(5)[7], 138);
+    EXPECT_EQ(live.chart(1).columnData(3)[7], 0) << "the readings stay";
     EXPECT_EQ(station.Diagrame[0].interval_scanare, 5);
     EXPECT_EQ(texts.NumeMdb, (std::array<QString, 4>{"date.mdb", "a", "b.mdb", "b.mdb"}));
     EXPECT_EQ(folder.config(), expected);

@@ -9,11 +9,8 @@
 #include <QComboBox>
 #include <QDir>
 #include <QLabel>
-#include <QLineEdit>
-#include <QPushButton>
 #include <QSignalSpy>
 #include <QTabWidget>
-#include <QtTest/QTest>
 
 namespace
 {
@@ -72,23 +69,6 @@ private:
     }
 };
 
-void press(const QWidget &form, const char *button)
-{
-    QTest::mouseClick(&control<QPushButton>(form, button), Qt::LeftButton);
-}
-
-void type(const QWidget &form, const char *box, const QString &text)
-{
-    auto &edit = control<QLineEdit>(form, box);
-    edit.selectAll();
-    QTest::keyClicks(&edit, text);
-}
-
-QString textOf(const QWidget &form, const char *box)
-{
-    return control<QLineEdit>(form, box).text();
-}
-
 /// The controls that the tab key visits, in its order.
 QList<QWidget *> tabStops(const QDialog &form)
 {
@@ -109,7 +89,7 @@ TEST_F(Dialogs, OptionsApplyWhatIsTypedAndShowWhatWasUnderstood)
     type(*form, "LimSupText", "12,5");
     press(*form, "cmdApply");
     EXPECT_EQ(textOf(*form, "LimSupText"), "12.5");
-    EXPECT_EQ(diagrams.chart(1).valueAxisMaximum(), 12.5);
+    EXPECT_EQ(live.chart(1).valueAxisMaximum(), 12.5);
 
     form->selectTab("OptiuniScanare");
     type(*form, "ScanText", "2.7");
@@ -158,24 +138,6 @@ TEST_F(Dialogs, ControlTabTurnsTheTabsFromAnyControl)
     EXPECT_EQ(QApplication::focusWidget()->objectName(), "cmdApply");
     EXPECT_TRUE(control<QWidget>(*form, "picOptions_0").isVisible());
     EXPECT_FALSE(control<QWidget>(*form, "picOptions_2").isVisible());
-}
-
-TEST_F(Dialogs, NamesChangeTheLegendAndTitlesAreAnnounced)
-{
-    auto renaming = names();
-    EXPECT_EQ(control<QLabel>(*renaming, "labelNume2").text(), "Senzor3 :");
-    type(*renaming, "textNume2", "Abur");
-    QTest::keyClick(&control<QLineEdit>(*renaming, "textNume2"), Qt::Key_Return);
-    EXPECT_FALSE(renaming->isVisible());
-    EXPECT_EQ(diagrams.chart(1).columnLabelOf(3), "Abur");
-
-    auto retitling = title();
-    QSignalSpy changed(retitling.get(), &frmTitluDiag::titleChanged);
-    type(*retitling, "textTitlu", "Presiune");
-    press(*retitling, "OKButton");
-    EXPECT_EQ(changed.size(), 1);
-    EXPECT_EQ(station.Diagrame[1].Titlu, "Presiune");
-    EXPECT_TRUE(folder.config().startsWith("Diagrama2.Titlu =,Presiune\r\n"));
 }
 
 TEST_F(Dialogs, CalibrationRevertsAllFieldsAndStaysOpen)

@@ -14,22 +14,21 @@ TEST_F(Names, ReachFileLegendRecordAndSensorTableInOneStep)
     renameSensors(station, settings, 1, {"", "abur, sus", "2,5"});
     EXPECT_EQ(folder.config(), expected);
     EXPECT_EQ(station.Diagrame[1].Nume, QStringList({"", "abur, sus", "2.5"}));
-    EXPECT_EQ(diagrams.chart(1).columnLabelOf(3), "2.5");
+    EXPECT_EQ(live.chart(1).columnLabelOf(3), "2.5");
 
     renameSensors(station, settings, 0, {"egal", "egal", "T3"});
     for (const std::size_t i : {0, 1, 5})
         station.sensors[i].value = 60.0 + static_cast<double>(i);
-    diagrams.adauga_citiri(station.sensors);
-    EXPECT_EQ(diagrams.chart(1).columnData(3)[0], 65) << "readings keep reaching the series";
-    EXPECT_EQ(diagrams.chart(0).columnData(2)[0], 60) << "the first of two equal names wins";
+    live.adauga_citiri(station.sensors);
+    EXPECT_EQ(live.chart(1).columnData(3)[0], 65) << "readings keep reaching the series";
+    EXPECT_EQ(live.chart(0).columnData(2)[0], 60) << "the first of two equal names wins";
 }
 
 TEST_F(Names, AnyTextLeavesASettingsFileThatLoads)
 {
     for (const char *typed : {"\"T1", "\"", "a\r\nNumeFisier1 =,x", "șăț"}) {
         renameSensors(station, settings, 0, {QString::fromUtf8(typed), "b", "c"});
-        diagrams.loadTables();
-        diagrams.loadSettings();
+        load(live);
         EXPECT_TRUE(op.told.isEmpty()) << typed;
         EXPECT_EQ(station.Diagrame[0].Nume[2], "c") << typed;
         EXPECT_EQ(station.NumeFisier[0], "autoclava1.mdb") << typed;
@@ -46,7 +45,7 @@ TEST_F(Names, FailedWriteKeepsTheOldOnes)
               RuntimeError::PathNotFound);
     EXPECT_EQ(errorOf([&] { retitleDiagram(station, settings, 1, "Abur"); }),
               RuntimeError::PathNotFound);
-    EXPECT_EQ(diagrams.chart(0).columnLabelOf(1), "T1");
+    EXPECT_EQ(live.chart(0).columnLabelOf(1), "T1");
     EXPECT_EQ(station.Diagrame[1].Titlu, QString::fromUtf8("Temperatura (° Celsius)"));
 }
 

@@ -2,59 +2,39 @@
 
 #include <gtest/gtest.h>
 
-namespace
+TEST(ValueOfKey, FollowsTheFieldGrammar)
 {
-
-struct ReadCase {
-    const char *name;
-    QByteArray file;
-    QString key;
-    std::optional<QString> value;
-};
-
-void PrintTo(const ReadCase &c, std::ostream *out)
-{
-    *out << c.name;
+    struct Case {
+        const char *name;
+        QByteArray file;
+        QString key;
+        std::optional<QString> value;
+    };
+    for (const Case &c :
+         {Case{"AnyOrderAmongOtherLines", "; note\r\n\r\nb =,2\r\na =,1\r\n\r\n", "a =", "1"},
+          {"FirstOccurrenceWins", "a =,1\r\na =,2\r\n\r\n", "a =", "1"},
+          {"LetterCaseCounts", "A =,1\r\na =,2\r\n\r\n", "a =", "2"},
+          {"ValueEndsAtComma", "a =,x,y\r\n\r\n", "a =", "x"},
+          {"QuotesKeepCommas", "a =,\"9600,n,8,1\" x,y\r\nb =,2\r\n\r\n", "a =", "9600,n,8,1"},
+          {"BehindQuotesTheLineGoesOn", "a =,\"q\"\r\nb =,2\r\n\r\n", "b =", "2"},
+          {"LeadingBlanksAreSkipped", "  a =,  1 2\r\n\r\n", "a =", "1 2"},
+          {"EmptyValue", "a =,\r\nb =,2\r\n\r\n", "a =", ""},
+          {"LastLineWithValueNoLineEnd", "b =,2\r\na =,1", "a =", "1"},
+          {"LastKeyWithoutValueIsMissing", "b =,2\r\na =", "a =", std::nullopt},
+          {"LastKeyWithCommaOnlyIsMissing", "b =,2\r\na =,", "a =", std::nullopt},
+          {"MissingKey", "a =,1\r\n\r\n", "c =", std::nullopt},
+          {"EmptyFile", "", "a =", std::nullopt},
+          {"UnclosedQuoteIsText", "a =,\"x\r\nb =,\"2\"\r\n", "a =", "\"x"},
+          {"UnclosedQuoteHidesNothing", "a =,\"x\r\nb =,2\r\n", "b =", "2"},
+          {"PlainLineFeeds", "a =,1\nb =,2\n\n", "b =", "2"},
+          {"ByteOrderMark",
+           "\xEF\xBB\xBF"
+           "a =,1\r\n\r\n",
+           "a =", "1"},
+          {"Utf8", "a =,\xC2\xB0 C\r\n\r\n", "a =", QString::fromUtf8("° C")},
+          {"CodePage1252", "a =,\xB0 C \x80\r\n\r\n", "a =", QString::fromUtf8("° C €")}})
+        EXPECT_EQ(valueOfKey(c.file, c.key), c.value) << c.name;
 }
-
-class ValueOfKey : public ::testing::TestWithParam<ReadCase>
-{
-};
-
-} // namespace
-
-TEST_P(ValueOfKey, FollowsTheFieldGrammar)
-{
-    EXPECT_EQ(valueOfKey(GetParam().file, GetParam().key), GetParam().value);
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Cases, ValueOfKey,
-    ::testing::Values(
-        ReadCase{"AnyOrderAmongOtherLines", "; note\r\n\r\nb =,2\r\na =,1\r\n\r\n", "a =", "1"},
-        ReadCase{"FirstOccurrenceWins", "a =,1\r\na =,2\r\n\r\n", "a =", "1"},
-        ReadCase{"LetterCaseCounts", "A =,1\r\na =,2\r\n\r\n", "a =", "2"},
-        ReadCase{"ValueEndsAtComma", "a =,x,y\r\n\r\n", "a =", "x"},
-        ReadCase{"QuotesKeepCommas", "a =,\"9600,n,8,1\" x,y\r\nb =,2\r\n\r\n",
-                 "a =", "9600,n,8,1"},
-        ReadCase{"BehindQuotesTheLineGoesOn", "a =,\"q\"\r\nb =,2\r\n\r\n", "b =", "2"},
-        ReadCase{"LeadingBlanksAreSkipped", "  a =,  1 2\r\n\r\n", "a =", "1 2"},
-        ReadCase{"EmptyValue", "a =,\r\nb =,2\r\n\r\n", "a =", ""},
-        ReadCase{"LastLineWithValueNoLineEnd", "b =,2\r\na =,1", "a =", "1"},
-        ReadCase{"LastKeyWithoutValueIsMissing", "b =,2\r\na =", "a =", std::nullopt},
-        ReadCase{"LastKeyWithCommaOnlyIsMissing", "b =,2\r\na =,", "a =", std::nullopt},
-        ReadCase{"MissingKey", "a =,1\r\n\r\n", "c =", std::nullopt},
-        ReadCase{"EmptyFile", "", "a =", std::nullopt},
-        ReadCase{"UnclosedQuoteIsText", "a =,\"x\r\nb =,\"2\"\r\n", "a =", "\"x"},
-        ReadCase{"UnclosedQuoteHidesNothing", "a =,\"x\r\nb =,2\r\n", "b =", "2"},
-        ReadCase{"PlainLineFeeds", "a =,1\nb =,2\n\n", "b =", "2"},
-        ReadCase{"ByteOrderMark",
-                 "\xEF\xBB\xBF"
-                 "a =,1\r\n\r\n",
-                 "a =", "1"},
-        ReadCase{"Utf8", "a =,\xC2\xB0 C\r\n\r\n", "a =", QString::fromUtf8("° C")},
-        ReadCase{"CodePage1252", "a =,\xB0 C \x80\r\n\r\n", "a =", QString::fromUtf8("° C €")}),
-    [](const auto &c) { return std::string(c.param.name); });
 
 TEST(WithKeysReplaced, WrittenKeysMoveToTheTopAndTheRestKeepsBytesAndOrder)
 {

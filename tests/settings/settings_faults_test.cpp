@@ -1,14 +1,10 @@
-#include "app/settings/settings.h"
-#include "tests/support/fake_operator.h"
-#include "tests/support/runtime_errors.h"
-#include "tests/support/station_folder.h"
+#include "tests/support/station_rig.h"
 
 #include <QtGlobal>
 #ifdef Q_OS_UNIX // the faults are the system's own
 #include <QDir>
 #include <QFile>
 #include <csignal>
-#include <gtest/gtest.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -36,11 +32,9 @@ private:
     rlimit m_old{};
 };
 
-class SettingsFaults : public ::testing::Test
+class SettingsFaults : public StationRig
 {
 protected:
-    SettingsFaults() { station.appFolder = folder.path(); }
-
     /// Number of the error that a save ended with, 0 for none.
     int trySave()
     {
@@ -67,11 +61,6 @@ protected:
                   QStringList{"config.ini"})
             << "nothing half-written is left behind";
     }
-
-    StationFolder folder;
-    Station station;
-    FakeOperator op;
-    Settings settings{station, op};
 };
 
 } // namespace

@@ -1,35 +1,22 @@
-#include "app/settings/chart_settings.h"
 #include "app/settings/schedule.h"
-#include "app/settings/settings.h"
-#include "chart/chart_grid.h"
-#include "tests/support/fake_operator.h"
-#include "tests/support/runtime_errors.h"
-#include "tests/support/station_folder.h"
+#include "tests/support/station_rig.h"
 
 #include <QFile>
-#include <gtest/gtest.h>
 
 namespace
 {
 
-class SettingsTest : public ::testing::Test
+class SettingsTest : public StationRig
 {
 protected:
     SettingsTest()
     {
-        station.appFolder = folder.path();
-        station.locale = QLocale(QLocale::Romanian);
         for (const char *name : {"Diagrama1", "Diagrama2"}) {
             Diagrama record;
             record.name = QString::fromLatin1(name);
             station.Diagrame.push_back(record);
         }
     }
-
-    StationFolder folder;
-    Station station;
-    FakeOperator op;
-    Settings settings{station, op};
 };
 
 const QString kConfigError = QStringLiteral("Eroare in /config/config.ini");
@@ -122,28 +109,7 @@ TEST_F(SettingsTest, WriteOfAKeyThatIsNotThereChangesNothing)
     settings.scrie_config({"Diagrama1.limita_minima =", "NumeFisier5 ="}, 1);
     EXPECT_EQ(op.told, QStringList({kConfigError}));
     EXPECT_EQ(folder.config(), before);
-}
-
-TEST_F(SettingsTest, TabsSaveAndReadBack)
-{
-    for (Diagrama &record : station.Diagrame)
-        settings.incarca_setari_diagrama(record);
-    station.Diagrame[1].alarma_minim = -2.5;
-    station.Diagrame[1].interval_scanare = 5;
-    station.NumeFisier[3] = "d.mdb";
-    EXPECT_EQ(settings.chei_tab("Diagrama2", "Alarme", Settings::Mode::Scrie), 1);
-    settings.scrie_config(station.Chei, 1);
-    EXPECT_EQ(settings.chei_tab("Diagrama1", "Optiuni scanare", Settings::Mode::Scrie), 7);
-    settings.scrie_config(station.Chei, 7);
-    EXPECT_EQ(settings.chei_tab("Diagrama1", "Alta", Settings::Mode::Citeste), -1);
-
-    Diagrama again;
-    again.name = "Diagrama2";
-    settings.incarca_setari_diagrama(again);
-    EXPECT_EQ(again.alarma_minim, -2.5);
-    EXPECT_EQ(again.interval_scanare, 5);
-    EXPECT_EQ(station.NumeFisier[3], "d.mdb");
-    EXPECT_TRUE(op.told.isEmpty());
+    EXPECT_EQ(settings.chei_tab("Diagrama1", "Alta", Settings::Mode::Citeste), -1) << "no keys";
 }
 
 TEST_F(SettingsTest, CalibrationIsTakenByLeadingNumberInTheScreensForm)
@@ -163,33 +129,4 @@ TEST_F(SettingsTest, CalibrationIsTakenByLeadingNumberInTheScreensForm)
     EXPECT_EQ(station.sensors[0].calibrationText, "-1,5");
     EXPECT_EQ(station.sensors[1].calibrationText, "0");
     EXPECT_EQ(station.sensors[2].calibrationText, "0");
-}
-
-TEST_F(SettingsTest, TabsReachTheChart)
-{
-    ChartGrid grid("Diagrama1", {"T1", "AL", "AL"}, 4);
-    Diagrama &record = station.Diagrame[0];
-    record.chart = &grid;
-    record.limita_minima = 90;
-    record.limita_maxima = 20; // any two limits are passed on
-    record.alarma_minim = 5;
-    record.alarma_maxim = 7;
-    aplica_tab(record, "Limite grafic");
-    EXPECT_EQ(grid.columnData(3)[3], 0);
-    aplica_tab(record, "Alarme");
-    EXPECT_EQ(grid.valueAxisMaximum(), 20);
-    EXPECT_EQ(grid.valueAxisMinimum(), 90);
-    EXPECT_EQ(grid.columnData(1)[0], 0);
-    EXPECT_EQ(grid.columnData(2)[0], 5);
-    EXPECT_EQ(grid.columnData(3)[3], 7);
-}
-
-TEST(Schedule, CountsUnitsOnTheWallClock)
-{
-    const QDateTime moment = wallTime(QDate(2026, 3, 28), QTime(23, 59, 59));
-    EXPECT_EQ(addInterval(moment, 1, 0), wallTime(QDate(2026, 3, 29), QTime(0, 0, 0)));
-    EXPECT_EQ(addInterval(moment, 5, 1), wallTime(QDate(2026, 3, 29), QTime(0, 4, 59)));
-    // The night of the change to summer time has its usual 24 hours here.
-    EXPECT_EQ(addInterval(moment, 4, 2), wallTime(QDate(2026, 3, 29), QTime(3, 59, 59)));
-    EXPECT_EQ(addInterval(moment, -1, 3), wallTime(QDate(2026, 3, 27), QTime(23, 59, 59)));
 }

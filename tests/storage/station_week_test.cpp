@@ -36,26 +36,3 @@ TEST(StationWeek, EveryDayIsArchivedOnceAndTheFileOfTheDayDoesNotGrow)
     EXPECT_EQ(jet::mdbCount(station.archivePath(monday).toStdString(), "Tabel"),
               std::to_string(kMinutes) + "\n");
 }
-
-TEST(StationWeek, MessageBoxAcrossTheSecondSkipsThatDaysArchive)
-{
-    SimulatedStation station(wallTime(QDate(2026, 12, 31), QTime(23, 59, 46)));
-    station.cycle.start();
-    station.time.advanceTo(wallTime(QDate(2026, 12, 31), QTime(23, 59, 48, 500)));
-    // A duplicate number opens the message of the repair; the operator answers after midnight.
-    station.op.meanwhile = [&] { station.time.passSilently(std::chrono::seconds(30)); };
-    {
-        jet::Database database = jet::Database::open(station.storagePath().toStdU16String(), {});
-        jet::Cursor records = database.table(u"Tabel").records();
-        ASSERT_TRUE(records.first());
-        records.erase();
-    }
-    station.time.advanceTo(wallTime(QDate(2027, 1, 1), QTime(0, 1, 0)));
-    EXPECT_EQ(station.archives(), 0);
-    EXPECT_EQ(station.op.told.size(), 1);
-    station.op.meanwhile = nullptr;
-    station.station.Diagrame[0].masura_interval = 1;
-    station.time.advanceTo(wallTime(QDate(2027, 1, 1), QTime(23, 59, 52)));
-    EXPECT_EQ(station.archives(), 1);
-    EXPECT_TRUE(QFileInfo::exists(station.archivePath(QDate(2027, 1, 1))));
-}

@@ -1,27 +1,22 @@
-#include "app/settings/station.h"
 #include "jet/database.h"
-#include "platform/runtime_error.h"
 #include "storage/measurement_store.h"
 #include "storage/storage_file.h"
 #include "storage/tabel.h"
-#include "tests/support/fake_operator.h"
-#include "tests/support/station_folder.h"
+#include "tests/support/station_rig.h"
 #include "tests/support/test_time.h"
 
 #include <QDir>
 #include <QFile>
 #include <QSignalSpy>
-#include <gtest/gtest.h>
 
 namespace
 {
 
-class StorageTest : public ::testing::Test
+class StorageTest : public StationRig
 {
 protected:
     StorageTest()
     {
-        station.appFolder = folder.path();
         station.NumeFisier = {"autoclava1.mdb", "b.mdb", "c.mdb", "d.mdb"};
         station.monitorActive = true;
         for (int i = 0; i < 6; ++i) {
@@ -73,10 +68,7 @@ protected:
         records.erase();
     }
 
-    StationFolder folder;
     TestTime time;
-    Station station;
-    FakeOperator op;
     MeasurementStore store{station, op, time};
 };
 

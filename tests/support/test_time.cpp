@@ -7,8 +7,7 @@ using std::chrono::milliseconds;
 class TestTime::TestTimer final : public Timer
 {
 public:
-    TestTimer(TestTime &time, QString name, std::function<void()> tick)
-        : m_time(time), m_name(std::move(name)), m_tick(std::move(tick))
+    TestTimer(TestTime &time, std::function<void()> tick) : m_time(time), m_tick(std::move(tick))
     {
         m_time.m_timers.push_back(this);
     }
@@ -24,7 +23,6 @@ public:
     void stop() override { m_active = false; }
     bool isActive() const override { return m_active; }
 
-    const QString &name() const { return m_name; }
     milliseconds due() const { return m_due; }
     bool isBefore(const TestTimer &other) const
     {
@@ -39,7 +37,6 @@ public:
 
 private:
     TestTime &m_time;
-    QString m_name;
     std::function<void()> m_tick;
     milliseconds m_due{0};
     int m_turn = 0; // timers due at the same moment tick in the order of their starts
@@ -50,9 +47,9 @@ TestTime::TestTime(const QDateTime &start) : m_now(start) {}
 
 TestTime::~TestTime() = default;
 
-std::unique_ptr<Timer> TestTime::createTimer(const QString &name, std::function<void()> tick)
+std::unique_ptr<Timer> TestTime::createTimer(const QString &, std::function<void()> tick)
 {
-    return std::make_unique<TestTimer>(*this, name, std::move(tick));
+    return std::make_unique<TestTimer>(*this, std::move(tick));
 }
 
 TestTime::TestTimer *TestTime::nextDue(milliseconds limit) const
