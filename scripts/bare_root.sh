@@ -14,13 +14,17 @@ in_root() {
         exec chroot "$root" env DEBIAN_FRONTEND=noninteractive HOME=/root LC_ALL=C.UTF-8 "$@"' sh "$root" "$@"
 }
 
-# make_root OPTION...: what mmdebstrap is told besides. From the archives that this system installs
-# from: the default one need not be within reach.
-make_root() {
+# list_archives FILTER...: those that this system installs from: the default one need not be within
+# reach. The filters are those of apt-get indextargets.
+list_archives() {
     # shellcheck disable=SC2016 # fields of apt
     apt-get indextargets --format 'deb $(REPO_URI) $(RELEASE) $(COMPONENT)' \
-        'Created-By: Packages' 'Origin: Debian' | sort -u >"$work/sources.list"
+        'Created-By: Packages' 'Origin: Debian' "$@" | sort -u >"$work/sources.list"
     [ -s "$work/sources.list" ] || fail "apt knows no Debian archive: run apt-get update"
+}
+
+# make_root OPTION...: what mmdebstrap is told besides. From the archives that were listed.
+make_root() {
     mmdebstrap --quiet --variant=apt "$@" "$(. /etc/os-release && echo "$VERSION_CODENAME")" "$root" "$work/sources.list"
     in_root apt-get update -q
 }
