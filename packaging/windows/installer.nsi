@@ -1,5 +1,6 @@
 ; The station's installer, Romanian and English. Defined by the caller: VERSION, STAGE (the folder to
-; install), ICON, OUTPUT, REFUSALS and REMOVAL (see make_installer), and for 64 bit WIN64.
+; install), ICON, OUTPUT, the includes REFUSALS, SETTINGS_AND_DATA and REMOVAL (see make_installer), and
+; for 64 bit WIN64.
 ;
 ; Settings, databases and pictures are laid once; neither an update nor the uninstaller touches them.
 ;
@@ -53,16 +54,19 @@ VIAddVersionKey LegalCopyright GPL-3.0-or-later
 !define MUI_PAGE_CUSTOMFUNCTION_LEAVE checkChosenFolder
 !insertmacro MUI_PAGE_DIRECTORY
 !insertmacro MUI_PAGE_INSTFILES
+!define MUI_PAGE_CUSTOMFUNCTION_SHOW offerStart
 !insertmacro MUI_PAGE_FINISH
 !insertmacro MUI_UNPAGE_CONFIRM
 !insertmacro MUI_UNPAGE_INSTFILES
 !insertmacro MUI_LANGUAGE Romanian
 !insertmacro MUI_LANGUAGE English
 
-LangString programRuns ${LANG_ROMANIAN} "Programul este pornit. Închideți-l, apoi încercați din nou."
-LangString programRuns ${LANG_ENGLISH} "The program is running. Close it, then try again."
+LangString programRuns ${LANG_ROMANIAN} "Programul este pornit, sau un fișier al lui este deschis în alt program. Închideți-l, apoi încercați din nou."
+LangString programRuns ${LANG_ENGLISH} "The program is running, or a file of it is open in another program. Close it, then try again."
 LangString tooOld ${LANG_ROMANIAN} "Programul are nevoie de Windows 10 sau mai nou."
 LangString tooOld ${LANG_ENGLISH} "The program needs Windows 10 or later."
+LangString diskFull ${LANG_ROMANIAN} "Nu este destul spațiu liber pe disc pentru $INSTDIR."
+LangString diskFull ${LANG_ENGLISH} "There is not enough free space on the disk of $INSTDIR."
 LangString otherWordSize ${LANG_ROMANIAN} "Acest Windows este pe 64 de biți: folosiți programul de instalare win64."
 LangString otherWordSize ${LANG_ENGLISH} "This is a 64-bit Windows: use the win64 installer."
 LangString foreignFolder ${LANG_ROMANIAN} "Folderul $INSTDIR conține deja altceva. Alegeți un folder nou sau gol."
@@ -80,6 +84,19 @@ LangString dataStays ${LANG_ENGLISH} "Settings, databases and pictures stay in $
 !macro refuse TEXT
     !insertmacro warn ${TEXT} 2
     Quit
+!macroend
+
+; Under another name until it is whole: a cut one would be taken for the operator's the next time.
+!macro layOnce FOLDER NAME
+    ${IfNot} ${FileExists} "$INSTDIR\${FOLDER}\${NAME}"
+        SetOutPath "$INSTDIR\${FOLDER}"
+        File "/oname=${NAME}.new" "${STAGE}\${FOLDER}\${NAME}"
+        ClearErrors
+        Rename "${NAME}.new" "${NAME}"
+        ${If} ${Errors}
+            Abort
+        ${EndIf}
+    ${EndIf}
 !macroend
 
 ; A file in use cannot be written: a half-replaced program would not start again.
@@ -111,11 +128,13 @@ Function .onInit
     ${EndIf}
 FunctionEnd
 
-; $0 becomes 1 for a folder that holds something but no station: all in it would become writable for
-; every user.
+; $0 becomes 1 for a folder that holds something but no station, nor the beginning of one: all in it
+; would become writable for every user.
 Function lookIntoFolder
     StrCpy $0 0
-    ${IfNot} ${FileExists} "$INSTDIR\${PROGRAM}"
+    ReadRegStr $1 HKLM "${UNINSTALL_KEY}" InstallLocation
+    ${If} $1 != $INSTDIR
+    ${AndIfNot} ${FileExists} "$INSTDIR\${PROGRAM}"
     ${AndIfNot} ${FileExists} "$INSTDIR\config\config.ini"
         ${DirState} "$INSTDIR" $0
     ${EndIf}
@@ -135,6 +154,14 @@ Function startStation
     Exec '"$WINDIR\explorer.exe" "$SMPROGRAMS\${NAME}.lnk"'
 FunctionEnd
 
+; Not before the right to write is there.
+Function offerStart
+    GetErrorLevel $0
+    ${If} $0 == 3
+        ${NSD_Uncheck} $mui.FinishPage.Run
+    ${EndIf}
+FunctionEnd
+
 Function .onInstFailed
     SetErrorLevel 4
 FunctionEnd
@@ -144,6 +171,7 @@ Section "-${NAME}" station
     ${If} $0 == 1
         !insertmacro refuse foreignFolder
     ${EndIf}
+    Call refuseFullDisk
     !include "${REFUSALS}"
     SetShellVarContext all
 
@@ -151,17 +179,19 @@ Section "-${NAME}" station
     ReadRegStr $0 HKLM "${UNINSTALL_KEY}" InstallLocation
     ${If} $0 == $INSTDIR
     ${AndIf} ${FileExists} "${UNINSTALLER}"
-        ExecWait '"${UNINSTALLER}" /S /PROGRAMONLY _?=${UNINSTALLER_FOLDER}'
+        ExecWait '"${UNINSTALLER}" /S /PROGRAMONLY _?=${UNINSTALLER_FOLDER}' $1
+        ${If} $1 == 2 ; a file that only the installed version has; it removed nothing
+            !insertmacro refuse programRuns
+        ${EndIf}
     ${EndIf}
 
-    SetOverwrite on
+    ; Before the first file: when this is stopped in the middle, the folder is known the next time.
+    WriteRegStr HKLM "${UNINSTALL_KEY}" InstallLocation "$INSTDIR"
     SetOutPath "$INSTDIR"
-    File /r /x config /x mdb /x img "${STAGE}\*"
-    SetOverwrite off
-    SetOutPath "$INSTDIR\config"
-    File "${STAGE}\config\*"
-    SetOutPath "$INSTDIR\mdb"
-    File "${STAGE}\mdb\*.mdb"
+    File /r /x config /x mdb /x img /x defaults "${STAGE}\*"
+    SetOutPath "$INSTDIR\defaults" ; by itself: it holds folders of the names left out above
+    File /r "${STAGE}\defaults\*"
+    !include "${SETTINGS_AND_DATA}"
     CreateDirectory "$INSTDIR\mdb\arhive"
     CreateDirectory "$INSTDIR\img"
     ; Every operator of this computer: the group of its users, by its number in every language.
@@ -180,7 +210,6 @@ Section "-${NAME}" station
     WriteRegStr HKLM "${UNINSTALL_KEY}" DisplayName "${NAME}"
     WriteRegStr HKLM "${UNINSTALL_KEY}" DisplayVersion ${VERSION}
     WriteRegStr HKLM "${UNINSTALL_KEY}" DisplayIcon "$INSTDIR\${PROGRAM}"
-    WriteRegStr HKLM "${UNINSTALL_KEY}" InstallLocation "$INSTDIR"
     WriteRegStr HKLM "${UNINSTALL_KEY}" Publisher "Maintainers of the station"
     SectionGetSize ${station} $0
     WriteRegDWORD HKLM "${UNINSTALL_KEY}" EstimatedSize $0 ; KiB
@@ -189,6 +218,20 @@ Section "-${NAME}" station
     WriteRegDWORD HKLM "${UNINSTALL_KEY}" NoModify 1
     WriteRegDWORD HKLM "${UNINSTALL_KEY}" NoRepair 1
 SectionEnd
+
+; The old program is removed before the new one is laid: on a full disk neither would be left. In MiB:
+; numbers have 32 bits here. Errors mean that the free space is not known. Stands behind the section
+; whose size it asks for.
+Function refuseFullDisk
+    SectionGetSize ${station} $1 ; KiB
+    IntOp $1 $1 / 1024
+    ${GetRoot} "$INSTDIR" $0
+    ${DriveSpace} "$0\" "/D=F /S=M" $2
+    ${IfNot} ${Errors}
+    ${AndIf} $2 <= $1
+        !insertmacro refuse diskFull
+    ${EndIf}
+FunctionEnd
 
 Function un.onInit
     ReadRegStr $INSTDIR HKLM "${UNINSTALL_KEY}" InstallLocation
