@@ -1,6 +1,6 @@
 # shellcheck shell=bash disable=SC2154 # `work` and `fail` are theirs
-# Sourced by tests that need a Debian root of their own; they run as root and have a folder `work` and
-# a function `fail`.
+# Sourced by tests that need a Debian root of their own, after setup.sh; they have a folder `work` and a
+# function `fail`.
 
 root=$work/root
 
@@ -8,7 +8,7 @@ root=$work/root
 # needs pseudo-terminals.
 in_root() {
     # shellcheck disable=SC2016 # for the inner shell
-    unshare --mount --pid --fork --kill-child sh -euc 'root=$1; shift
+    as_root unshare --mount --pid --fork --kill-child sh -euc 'root=$1; shift
         mount --rbind /dev "$root/dev"
         mount -t proc proc "$root/proc"
         exec chroot "$root" env DEBIAN_FRONTEND=noninteractive HOME=/root LC_ALL=C.UTF-8 "$@"' sh "$root" "$@"
@@ -25,6 +25,6 @@ list_archives() {
 
 # make_root OPTION...: what mmdebstrap is told besides. From the archives that were listed.
 make_root() {
-    mmdebstrap --quiet --variant=apt "$@" "$(. /etc/os-release && echo "$VERSION_CODENAME")" "$root" "$work/sources.list"
+    as_root mmdebstrap --quiet --variant=apt "$@" "$(. /etc/os-release && echo "$VERSION_CODENAME")" "$root" "$work/sources.list"
     in_root apt-get update -q
 }

@@ -9,7 +9,7 @@ as_root() {
 }
 
 is_installed() {
-    dpkg-query -W -f '${Status}' "$1" 2>/dev/null | grep -q '^install ok installed$'
+    dpkg-query -W -f '${Status}' "$1" 2>/dev/null | grep -q ' ok installed$'
 }
 
 # install_packages NAME...: through apt, as root or with sudo.

@@ -11,7 +11,7 @@ drive_c=$work/prefix/drive_c
 export WINEPREFIX=$work/prefix WINEARCH=win64 WINEDEBUG=-all WINEDLLOVERRIDES='mscoree,mshtml='
 
 end_wineserver() { wineserver -k 2>/dev/null || true; } # of this prefix only
-trap 'end_started; end_wineserver' EXIT
+trap 'end_started; end_wineserver; remove_server_folder' EXIT
 
 # logged LOG COMMAND...: what it prints is kept in the log, and shown when it fails. Wine's services
 # inherit what it writes to and never end: files, no pipes.
@@ -23,10 +23,17 @@ logged() {
     fail "this failed: $*"
 }
 
+# Debian's Wine keeps its server's folder outside of the prefix, and notes its name there.
+remove_server_folder() {
+    local note=$work/prefix/wineserver
+    [ ! -s "$note" ] || rm -rf "${TMPDIR:-/tmp}/$(cat "$note")" "$note"
+}
+
 # A new one: what an interrupted run left in the last one is not looked at.
 make_wine_prefix() {
     mkdir -p "$work/prefix"
     end_wineserver
+    remove_server_folder
     rm -rf "$work/prefix" "$work"/*.log
     mkdir "$work/prefix"
     logged wineserver wineserver -p
