@@ -1,9 +1,14 @@
 #include "app/main_menu.h"
 #include "app/mdiform1.h"
 #include "app/screen_size.h"
+#include "platform/message_box_operator.h"
 
+#include <QAbstractButton>
 #include <QAction>
+#include <QApplication>
 #include <QMenuBar>
+#include <QMessageBox>
+#include <QTimer>
 #include <gtest/gtest.h>
 
 TEST(DimensiuniEcran, ThreeStandardHeightsAreLaidOutAsFourToThree)
@@ -64,4 +69,25 @@ TEST(MainMenu, EveryItemStandsInItsPlaceUnderItsCaption)
     window.setCommand("SalvareImg", [&] { ++runs; });
     item->trigger();
     EXPECT_EQ(runs, 1);
+}
+
+TEST(MessageBoxOperator, EachButtonIsItsAnswerAndClosingIsNone)
+{
+    MessageBoxOperator op(QStringLiteral("Monitorizare PLC"));
+    using Answer = Operator::Answer;
+    const std::pair<QMessageBox::StandardButton, Answer> cases[] = {
+        {QMessageBox::Yes, Answer::Yes},
+        {QMessageBox::No, Answer::No},
+        {QMessageBox::Cancel, Answer::Cancel},
+        {QMessageBox::NoButton, Answer::Cancel}};
+    for (const auto &[button, answer] : cases) {
+        QTimer::singleShot(0, [pressed = button] {
+            auto &box = *qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
+            EXPECT_EQ(box.windowModality(), Qt::ApplicationModal);
+            EXPECT_EQ(box.text(), "<b>?");
+            EXPECT_EQ(box.textFormat(), Qt::PlainText);
+            pressed == QMessageBox::NoButton ? box.reject() : box.button(pressed)->click();
+        });
+        EXPECT_EQ(op.ask(QStringLiteral("<b>?")), answer);
+    }
 }

@@ -92,6 +92,16 @@ protected:
         return database.table(tabel::kName).recordCount();
     }
 
+    /// Writes the alarm column of a record, as another program might.
+    void mark(int id, const char16_t *alarm)
+    {
+        jet::Database database = jet::Database::open(nativePath(storagePath()));
+        jet::Cursor records = database.table(tabel::kName).byIndex(tabel::kPrimaryIndex);
+        const jet::Value key = id;
+        ASSERT_TRUE(records.seek({&key, 1}));
+        records.update({{tabel::kAlarma, jet::Text(alarm)}});
+    }
+
     MorningClock clock;
     QObject timers;
     QtScheduler scheduler{timers};
@@ -128,6 +138,10 @@ TEST_F(ProgramTest, KeysStartAndStopMonitoringAndSamplesReachChartAndFile)
     hit(Qt::Key_F3);
     EXPECT_EQ(series[0], 0);
     EXPECT_EQ(program->station().currentRow, 1);
+
+    hit(Qt::Key_F1);
+    program->halt();
+    EXPECT_FALSE(program->station().monitorActive);
 }
 
 TEST_F(ProgramTest, WindowsComeAndGoWhileMonitoringGoesOn)
@@ -154,12 +168,16 @@ TEST_F(ProgramTest, BrowserShowsTheNewestFirstAndGivesWayToTheArchive)
     monitor(30);
     hit(Qt::Key_F2);
     const int newest = lastId;
+    mark(newest, u"Yes");
+    mark(newest - 1, u"No");
     item("DeschidMdbCurent")->trigger();
     auto *grid = child<QTableView>("DBGrid1");
     const auto top = [&] { return grid->model()->index(0, 0).data().toString(); };
     EXPECT_EQ(top(), QString::number(newest));
     EXPECT_EQ(grid->model()->rowCount(), newest);
     EXPECT_EQ(grid->model()->index(newest - 1, 0).data().toString(), "1");
+    EXPECT_TRUE(grid->model()->index(0, 0).data(Qt::BackgroundRole).isValid()) << "an alarm";
+    EXPECT_FALSE(grid->model()->index(1, 0).data(Qt::BackgroundRole).isValid());
     EXPECT_EQ(grid->model()->headerData(6, Qt::Horizontal).toString(), "T6");
     EXPECT_EQ(grid->model()->headerData(7, Qt::Horizontal).toString(), "Alarma");
 
@@ -311,6 +329,16 @@ TEST_F(ProgramTest, StorageFileThatGoesMissingStopsMonitoring)
     EXPECT_EQ(op.told, QStringList({"Fisierul de stocare nu exista !!"}));
     EXPECT_FALSE(program->station().monitorActive);
     EXPECT_EQ(child<QLabel>("MonLabel")->text(), "Monitor oprit.");
+}
+
+TEST_F(ProgramTest, ClosingAsksForTheArchiveAndNoLeavesTheDayInTheFile)
+{
+    monitor(2);
+    op.answer = Operator::Answer::No;
+    EXPECT_TRUE(program->window().close());
+    EXPECT_EQ(ends, 1);
+    EXPECT_EQ(storedRecords(), std::uint32_t(lastId));
+    EXPECT_TRUE(QDir(folder.path() + "/mdb/arhive").isEmpty(QDir::Files));
 }
 
 TEST_F(ProgramTest, ClosingAsksForTheArchiveAndCancelKeepsTheProgram)

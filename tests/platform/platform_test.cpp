@@ -5,9 +5,11 @@
 #include "platform/numeric_text.h"
 #include "platform/runtime_error.h"
 
+#include <QDateTime>
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
+#include <cmath>
 #include <future>
 #include <gtest/gtest.h>
 
@@ -61,6 +63,15 @@ TEST(DateText, DefaultTextLeavesOutWhatIsZero)
     EXPECT_EQ(timeText(QTime(9, 5, 1), QLocale(QLocale::Finnish)), "9.05.01");
 }
 
+TEST(SystemClock, GivesTheTimeOfTheWall)
+{
+    const QByteArray zone = qgetenv("TZ");
+    qputenv("TZ", "EET-2"); // where the system counts in UTC any clock would do
+    const double ahead = double(QDateTime::currentDateTimeUtc().secsTo(SystemClock().now()));
+    EXPECT_EQ(std::lround(ahead / 3600), 2);
+    zone.isNull() ? qunsetenv("TZ") : qputenv("TZ", zone);
+}
+
 TEST(LineSettings, ShortFormIsTakenWholeOrNotAtAll)
 {
     LineSettings settings;
@@ -76,6 +87,19 @@ TEST(LineSettings, ShortFormIsTakenWholeOrNotAtAll)
     EXPECT_EQ(systemPortName(QStringLiteral("/dev/ttyUSB0")), "/dev/ttyUSB0");
     EXPECT_NE(systemPortName(QStringLiteral("1")), "1");
     EXPECT_THROW(systemPortName(QStringLiteral("0")), RuntimeError);
+}
+
+TEST(DurableFile, IsCopiedWhole)
+{
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(QStringLiteral("day.mdb"));
+    const QString copy = folder.filePath(QStringLiteral("archive.mdb"));
+    const QByteArray day = QByteArray(1 << 20, 'a') + QByteArray(1 << 20, 'b') + "end";
+    replaceFile(path, day);
+    copyFile(path, copy);
+    QFile copied(copy);
+    ASSERT_TRUE(copied.open(QIODevice::ReadOnly));
+    EXPECT_TRUE(copied.readAll() == day);
 }
 
 TEST(DurableFile, IsReplacedAlthoughAScannerLooksIntoItForAMoment)

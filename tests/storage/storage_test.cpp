@@ -92,6 +92,7 @@ TEST_F(StorageTest, SampleIsStoredWithItsMomentAndAlarmOnlyWhenThereIsOne)
     EXPECT_EQ(std::get<jet::DateTime>(all[0][8]).days, 46088.0);
     EXPECT_DOUBLE_EQ(std::get<jet::DateTime>(all[1][9]).days, (9 * 3600 + 5 * 60 + 1) / 86400.0);
     EXPECT_TRUE(op.told.isEmpty());
+    EXPECT_EQ(MeasurementStore::openOptions().durability, jet::Durability::Synced);
 }
 
 TEST_F(StorageTest, TableOfAnotherDesignTakesWhatItHasColumnsFor)
