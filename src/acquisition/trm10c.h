@@ -24,7 +24,6 @@ QByteArrayList readCommands();
 /// Ends the dialogue after a complete reply.
 QByteArray closeCommand();
 
-/// The six values of a reply of kReplySize bytes. A field without a leading number is 0. Throws
-/// RuntimeError 6 when a field's number is beyond what a double holds.
+/// The six values of a reply of kReplySize bytes. A field without a leading number is 0.
 Values channelValues(const QByteArray &reply);
 } // namespace trm10c
