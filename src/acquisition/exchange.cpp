@@ -120,8 +120,8 @@ void Exchange::abandon()
 {
     m_timerEroare->stop();
     m_nextLook->stop();
+    m_state = State::Idle; // closing may still bring what has arrived
     m_line.close();
-    m_state = State::Idle;
 }
 
 void Exchange::finish(bool failed)
