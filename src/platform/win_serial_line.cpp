@@ -86,7 +86,11 @@ public:
     {
         const DWORD size = static_cast<DWORD>(bytes.size());
         DWORD written = 0;
-        return WriteFile(m_handle, bytes.constData(), size, &written, nullptr) && written == size;
+        if (WriteFile(m_handle, bytes.constData(), size, &written, nullptr) && written == size)
+            return true;
+        // The time limit cuts the write, nothing the flush before closing.
+        PurgeComm(m_handle, PURGE_TXABORT | PURGE_TXCLEAR);
+        return false;
     }
 
     /// Returns when the last byte has left the port.
