@@ -13,9 +13,20 @@ namespace
 RuntimeError saveError(const QSaveFile &file)
 {
     // The toolkit has no code of its own for a full disk, only the system's text.
-    if (file.errorString() == qt_error_string(ENOSPC))
-        return RuntimeError(RuntimeError::DiskFull);
+    for (const int number : {ENOSPC, EDQUOT})
+        if (file.errorString() == qt_error_string(number))
+            return RuntimeError(RuntimeError::DiskFull);
     return fileError(file);
+}
+
+/// The toolkit's own sync takes no notice of a failure: what could not be brought to the disk would
+/// still take the old file's place.
+void syncContent(const QSaveFile &file)
+{
+    if (::fsync(file.handle()) == 0 || errno == EINVAL || errno == ENOTSUP)
+        return; // some file systems cannot sync
+    throw RuntimeError(errno == ENOSPC || errno == EDQUOT ? RuntimeError::DiskFull
+                                                          : RuntimeError::PathFileAccess);
 }
 
 /// A new name may be lost with the power although what is done after it is not, unless its folder
@@ -62,7 +73,10 @@ void Replacement::commit()
 {
     // The toolkit's commit takes no notice when what it still held back cannot be written: it would
     // put a cut file in the old one's place.
-    if (!m_draft->file.flush() || !m_draft->file.commit())
+    if (!m_draft->file.flush())
+        throw saveError(m_draft->file);
+    syncContent(m_draft->file);
+    if (!m_draft->file.commit())
         throw saveError(m_draft->file);
     syncNameOf(m_draft->file.fileName());
 }
