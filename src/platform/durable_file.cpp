@@ -17,16 +17,8 @@ RuntimeError fileError(const QFileDevice &file)
     const QFileInfo info(file.fileName());
     if (!info.dir().exists())
         return RuntimeError(RuntimeError::PathNotFound);
-    switch (file.error()) {
-    case QFileDevice::PermissionsError:
-        return RuntimeError(RuntimeError::PermissionDenied);
-    case QFileDevice::OpenError:
-        if (!info.exists())
-            return RuntimeError(RuntimeError::FileNotFound);
-        break;
-    default:
-        break;
-    }
+    if (file.error() == QFileDevice::OpenError && !info.exists())
+        return RuntimeError(RuntimeError::FileNotFound);
     return RuntimeError(RuntimeError::PathFileAccess);
 }
 

@@ -9,8 +9,8 @@ class QFileDevice;
 /// Files that are replaced as a whole or not at all: written under a temporary name, synced,
 /// renamed, and the rename made lasting, before the call returns.
 ///
-/// All throw RuntimeError 53 (no such file), 61 (disk full), 70 (no permission), 75 (any other
-/// failure of the file) or 76 (no such folder); the target is then as it was.
+/// All throw RuntimeError 53 (no such file), 61 (disk full), 75 (any other failure of the file, a
+/// missing permission among them) or 76 (no such folder); the target is then as it was.
 
 void replaceFile(const QString &path, const QByteArray &content);
 

@@ -5,9 +5,9 @@
 #include <memory>
 
 /// A file that is written under a temporary name beside its target and takes the target's place in
-/// one step, made lasting before commit() returns. All throw RuntimeError 61 (disk full), 70 (no
-/// permission), 75 (any other failure of the file) or 76 (no such folder); the target is then as it
-/// was.
+/// one step, made lasting before commit() returns. All throw RuntimeError 61 (disk full), 75 (any
+/// other failure of the file, a missing permission among them) or 76 (no such folder); the target
+/// is then as it was.
 class Replacement
 {
 public:

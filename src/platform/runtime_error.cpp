@@ -17,8 +17,6 @@ static const char *standardDescription(RuntimeError::Number number)
         return "Device I/O error";
     case RuntimeError::DiskFull:
         return "Disk full";
-    case RuntimeError::PermissionDenied:
-        return "Permission denied";
     case RuntimeError::PathFileAccess:
         return "Path/File access error";
     case RuntimeError::PathNotFound:

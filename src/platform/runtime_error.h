@@ -17,7 +17,6 @@ public:
         FileNotFound = 53,
         DeviceInputOutput = 57,
         DiskFull = 61,
-        PermissionDenied = 70,
         PathFileAccess = 75,
         PathNotFound = 76,
         InvalidPropertyValue = 380,

@@ -11,7 +11,7 @@ class Operator;
 ///
 /// Reading and writing pass through Station::Chei and Station::Valori. The file is opened and
 /// closed within each call. A file that cannot be opened, read or replaced throws RuntimeError 53,
-/// 61, 70, 75 or 76; it is then unchanged.
+/// 61, 75 or 76; it is then unchanged.
 class Settings
 {
 public:
