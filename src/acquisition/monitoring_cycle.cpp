@@ -109,15 +109,15 @@ void MonitoringCycle::pass()
 void MonitoringCycle::archiveAtEndOfDay()
 {
     // A second that no pass sees, behind a long exchange or a message box, is not made up for.
-    if (isSecond(m_clock.now(), kArchiveTime) && !m_archivedToday) {
+    const bool archiveSecond = isSecond(m_clock.now(), kArchiveTime);
+    if (archiveSecond && !m_archivedToday) {
         const QPointer<MonitoringCycle> self(this);
         m_store.arhiveaza_baza_date(storageName());
         if (!self)
             return;
-        m_archivedToday = true;
     }
-    if (isSecond(m_clock.now(), kRearmTime))
-        m_archivedToday = false;
+    // Any other moment arms it for the next day: an archive may last past the second that follows.
+    m_archivedToday = archiveSecond;
 }
 
 void MonitoringCycle::correctSchedule()

@@ -97,8 +97,7 @@ TEST_F(CicluMonitorizare, ADayIsArchivedOnceInItsSecondAndAMissedOneIsNotMadeUpF
     whenArchived = [this] { time.passSilently(milliseconds(2500)); }; // 51 goes by unseen
     EXPECT_EQ(archivesUntil(2), 2u);
     EXPECT_EQ(archives[1], archiveMoment.addDays(2)) << "awake as its second begins";
-    EXPECT_EQ(archivesUntil(3), 2u) << "armed again only at 23:59:51";
-    EXPECT_EQ(archivesUntil(4), 3u);
+    EXPECT_EQ(archivesUntil(3), 3u) << "a slow archive costs the next day nothing";
 }
 
 TEST_F(CicluMonitorizare, AClockThatWasSetIsNoticedWithinASecond)
