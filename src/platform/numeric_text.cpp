@@ -121,5 +121,7 @@ QString fileNumberText(double number)
 
 QString numberText(double number, const QLocale &locale)
 {
-    return fileNumberText(number).replace(QLatin1Char('.'), locale.decimalPoint());
+    const QString text = fileNumberText(number);
+    const bool comma = locale.decimalPoint() == QLatin1String(",");
+    return comma ? QString(text).replace(QLatin1Char('.'), QLatin1Char(',')) : text;
 }

@@ -23,7 +23,8 @@ qint16 int16FromText(QStringView text);
 /// A number rounded half to even into 16 bits. Throws RuntimeError 6 beyond 16 bits.
 qint16 toInt16(double number);
 
-/// Default text of a number: up to 15 significant digits, the locale's decimal separator.
+/// Default text of a number: up to 15 significant digits and the locale's decimal separator, as far
+/// as numberFromText reads it: "," where the locale has it, otherwise ".".
 QString numberText(double number, const QLocale &locale);
 
 /// The same with ".", as files need it.

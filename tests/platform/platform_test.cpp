@@ -49,6 +49,7 @@ TEST(NumericText, DefaultTextHasFifteenDigits)
     EXPECT_EQ(numberText(0.1 + 0.2, romanian), "0,3");
     EXPECT_EQ(numberText(1234567.5, romanian), "1234567,5");
     EXPECT_EQ(numberText(-0.0, romanian), "0");
+    EXPECT_EQ(numberFromText(numberText(0.5, QLocale(QLocale::Persian))), 0.5);
     EXPECT_EQ(fileNumberText(121.000000000000014), "121");
     EXPECT_EQ(fileNumberText(1e15), "1E+15");
 }
