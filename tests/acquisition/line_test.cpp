@@ -132,13 +132,16 @@ TEST_F(Line, ThatVanishes)
     EXPECT_THROW(exchange->interogare_aparat({}), RuntimeError);
 }
 
-TEST_F(Line, GoneBeforeTheAnswerTheRecorderVanishes)
+TEST_F(Line, GoneBeforeTheAnswerOrWhileIdleTheRecorderVanishes)
 {
-    plug(Fault::None);
-    bool vanished = false;
-    QObject::connect(recorder.get(), &RecorderSimulation::vanished, [&] { vanished = true; });
-    begin(1);
-    joined.recorderEnd->close(); // as a port whose adapter is pulled closes itself
-    time.advance(milliseconds(0));
-    EXPECT_TRUE(vanished);
+    for (const bool asked : {true, false}) {
+        plug(Fault::None);
+        bool vanished = false;
+        QObject::connect(recorder.get(), &RecorderSimulation::vanished, [&] { vanished = true; });
+        if (asked)
+            begin(1);
+        joined.recorderEnd->close(); // as a port whose adapter is pulled closes itself
+        time.advance(milliseconds(asked ? 0 : 1000));
+        EXPECT_TRUE(vanished) << asked;
+    }
 }

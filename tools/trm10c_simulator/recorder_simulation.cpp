@@ -2,13 +2,17 @@
 #include "platform/scheduler.h"
 #include "platform/serial_line.h"
 
+static constexpr std::chrono::milliseconds kLookEvery{1000};
+
 RecorderSimulation::RecorderSimulation(const RecorderSettings &settings, SerialLine &line,
                                        const Clock &clock, Scheduler &scheduler, QObject *parent)
     : QObject(parent), m_line(line), m_clock(clock), m_start(clock.now()), m_recorder(settings),
+      m_look(scheduler.createTimer(QStringLiteral("RecorderLook"), [this] { lookAtLine(); })),
       m_pieceTimer(
           scheduler.createTimer(QStringLiteral("RecorderAnswer"), [this] { sendNextPiece(); }))
 {
     connect(&m_line, &SerialLine::readyRead, this, &RecorderSimulation::onReadable);
+    m_look->start(kLookEvery);
 }
 
 RecorderSimulation::~RecorderSimulation() = default;
@@ -29,6 +33,15 @@ void RecorderSimulation::onReadable()
         startNextPiece();
 }
 
+void RecorderSimulation::lookAtLine()
+{
+    // A port whose adapter has been pulled closes the line and says nothing.
+    if (m_line.isOpen())
+        m_look->start(kLookEvery);
+    else
+        vanish();
+}
+
 void RecorderSimulation::startNextPiece()
 {
     if (!m_pieces.isEmpty())
@@ -37,7 +50,6 @@ void RecorderSimulation::startNextPiece()
 
 void RecorderSimulation::sendNextPiece()
 {
-    // A port whose adapter has been pulled closes the line and says nothing.
     if (!m_line.isOpen()) {
         vanish();
         return;
@@ -48,6 +60,7 @@ void RecorderSimulation::sendNextPiece()
 
 void RecorderSimulation::vanish()
 {
+    m_look->stop();
     m_pieceTimer->stop();
     m_pieces.clear();
     m_line.close();
