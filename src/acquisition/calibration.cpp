@@ -5,7 +5,8 @@
 #include "platform/numeric_text.h"
 #include "platform/operator.h"
 
-bool saveCalibrations(Station &station, Settings &settings, Operator &op, QStringList &texts)
+bool saveCalibrations(Station &station, Settings &settings, Operator &op, QStringList texts,
+                      const ShowOffset &show)
 {
     QStringList calibrationKeys;
     for (qsizetype i = 0; i < texts.size(); ++i) {
@@ -15,6 +16,7 @@ bool saveCalibrations(Station &station, Settings &settings, Operator &op, QStrin
             return false;
         }
         text.replace(QLatin1Char(','), QLatin1Char('.'));
+        show(i, text);
         Sensor &sensor = station.sensors.at(static_cast<std::size_t>(i));
         sensor.calibrationText = numberText(leadingNumber(text), station.locale);
         calibrationKeys += keys::calibration(sensor.key);

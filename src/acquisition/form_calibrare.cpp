@@ -88,7 +88,10 @@ void FormCalibrare::cmdOk_Click()
     QStringList offsets;
     for (const QLineEdit *box : m_boxes)
         offsets += box->text();
-    if (saveCalibrations(m_station, m_settings, m_operator, offsets))
+    const auto show = [this](qsizetype sensor, const QString &text) {
+        m_boxes.at(static_cast<std::size_t>(sensor))->setText(text);
+    };
+    if (saveCalibrations(m_station, m_settings, m_operator, offsets, show))
         accept();
     else
         showOffsets();

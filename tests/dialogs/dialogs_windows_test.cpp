@@ -147,8 +147,11 @@ TEST_F(Dialogs, CalibrationRevertsAllFieldsAndStaysOpen)
     type(*form, "CalibText_0", "1,55555");
     EXPECT_EQ(textOf(*form, "CalibText_0"), "1,555") << "five characters at most";
     type(*form, "CalibText_1", "-");
+    QString behindTheMessage;
+    op.meanwhile = [&] { behindTheMessage = textOf(*form, "CalibText_0"); };
     press(*form, "cmdOk");
     EXPECT_EQ(op.told.size(), 1);
+    EXPECT_EQ(behindTheMessage, "1.555");
     EXPECT_EQ(textOf(*form, "CalibText_0"), "1,555");
     EXPECT_EQ(textOf(*form, "CalibText_1"), "0");
     ASSERT_TRUE(form->isVisible());

@@ -4,7 +4,18 @@
 #include "tests/dialogs/dialog_rig.h"
 
 using Names = DialogRig;
-using Calibration = DialogRig;
+
+class Calibration : public DialogRig
+{
+protected:
+    bool save(const QStringList &typed)
+    {
+        shown.clear();
+        return saveCalibrations(station, settings, op, typed,
+                                [this](qsizetype, const QString &text) { shown += text; });
+    }
+    QStringList shown;
+};
 
 TEST_F(Names, ReachFileLegendRecordAndSensorTableInOneStep)
 {
@@ -51,12 +62,11 @@ TEST_F(Names, FailedWriteKeepsTheOldOnes)
 
 TEST_F(Calibration, GoodOffsetsAreSavedAndCountFromTheNextReading)
 {
-    QStringList texts{"1,5", "-12.5", "0.125", "0", "0", "0"};
     const QByteArray expected =
         configWith({"Calibrare.Diagrama1.Senzor1 =,1.5", "Calibrare.Diagrama1.Senzor2 =,-12.5",
                     "Calibrare.Diagrama1.Senzor3 =,0.125", "Calibrare.Diagrama2.Senzor1 =,0",
                     "Calibrare.Diagrama2.Senzor2 =,0", "Calibrare.Diagrama2.Senzor3 =,0"});
-    EXPECT_TRUE(saveCalibrations(station, settings, op, texts));
+    EXPECT_TRUE(save({"1,5", "-12.5", "0.125", "0", "0", "0"}));
     EXPECT_EQ(folder.config(), expected);
     station.sensors[0].value = station.sensors[1].value = 100;
     completeSample(station, time.now());
@@ -68,8 +78,8 @@ TEST_F(Calibration, ABadFieldStopsBehindTheGoodOnesBeforeIt)
 {
     const QByteArray before = folder.config();
     for (const char *bad : {"", "1.2.3", "x"}) {
-        QStringList texts{"2,5", bad, "9", "9", "9", "9"};
-        EXPECT_FALSE(saveCalibrations(station, settings, op, texts));
+        EXPECT_FALSE(save({"2,5", bad, "9", "9", "9", "9"}));
+        EXPECT_EQ(shown, QStringList("2.5"));
         EXPECT_EQ(op.told.takeLast(), "Verificati corectitudinea campurilor");
         EXPECT_EQ(station.sensors[0].calibrationText, "2,5");
         EXPECT_EQ(station.sensors[2].calibrationText, "0");
