@@ -62,10 +62,12 @@ QLayout *FormCalibrare::rows()
         box->setObjectName(QStringLiteral("CalibText_%1").arg(row));
         connect(box, &QLineEdit::textEdited, this,
                 [box](const QString &text) { limitEntry(*box, text); });
-        auto *label = new QLabel(texts::acquisition::calibrationLabel(sensor.name), this);
+        const QString caption = texts::acquisition::calibrationLabel(sensor.name);
+        // A label with a buddy would take an "&" in the sensor's name for a mnemonic.
+        box->setAccessibleName(caption);
+        auto *label = new QLabel(caption, this);
         label->setObjectName(QStringLiteral("CalibLabel_%1").arg(row));
         label->setTextFormat(Qt::PlainText);
-        label->setBuddy(box);
         grid->addWidget(label, row, 0, Qt::AlignRight | Qt::AlignVCenter);
         grid->addWidget(box, row, 1);
         grid->setRowStretch(row, 1);
