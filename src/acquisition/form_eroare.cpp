@@ -88,10 +88,8 @@ void FormEroare::enableCallingForm()
 void FormEroare::showEvent(QShowEvent *event)
 {
     QWidget::showEvent(event);
-    if (m_placed)
-        return;
-    m_placed = true;
-    centreOnScreen(*this, m_screen);
+    if (!event->spontaneous()) // not when it was only minimised
+        centreOnScreen(*this, m_screen);
 }
 
 void FormEroare::closeEvent(QCloseEvent *event)

@@ -39,5 +39,4 @@ private:
     QSize m_screen;
     QLabel *m_message;
     QPushButton *m_ok;
-    bool m_placed = false;
 };
