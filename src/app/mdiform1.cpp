@@ -1,6 +1,7 @@
 #include "app/mdiform1.h"
 #include "app/main_menu.h"
 #include "app/texts.h"
+#include "platform/window_frame.h"
 
 #include <QAction>
 #include <QApplication>
@@ -68,8 +69,10 @@ void MDIForm1::bringUp(QWidget *child)
     else
         frame->show();
     m_area->setActiveSubWindow(qobject_cast<QMdiSubWindow *>(frame));
-    if (stillThere)
-        child->setFocus();
+    if (!stillThere)
+        return;
+    child->setFocus();
+    keepInSight(*child);
 }
 
 QWidget *MDIForm1::activeChild() const

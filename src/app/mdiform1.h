@@ -23,7 +23,8 @@ public:
 
     /// Puts a window into a frame of the area, which owns both from then on. Not shown yet.
     QMdiSubWindow *addChild(QWidget *child);
-    /// Shows a child window, restored when it was minimised, and gives it the focus.
+    /// Shows a child window where it can be seen, restored when it was minimised, and gives it the
+    /// focus.
     void bringUp(QWidget *child);
 
     /// The child window in front, null when there is none.

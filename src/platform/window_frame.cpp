@@ -2,8 +2,48 @@
 #include "platform/twips.h"
 
 #include <QMdiSubWindow>
+#include <QRect>
 #include <QStyle>
 #include <algorithm>
+
+namespace
+{
+
+int titleBarHeight(const QWidget &form)
+{
+    return form.style()->pixelMetric(QStyle::PM_TitleBarHeight);
+}
+
+int titleBarButtonsWidth(const QWidget &form)
+{
+    constexpr int kButtons = 5; // each as wide as the bar is high, the icon included
+    return titleBarHeight(form) * kButtons;
+}
+
+/// What the frame stands in; null for a window of its own, which the window system looks after.
+const QWidget *areaAround(const QWidget &frame)
+{
+    return frame.isWindow() ? nullptr : frame.parentWidget();
+}
+
+/// The place nearest to `corner` where all of the frame is seen, or its beginning when it is larger
+/// than the area.
+QPoint insideOf(const QWidget &area, const QWidget &frame, QPoint corner)
+{
+    return {std::clamp(corner.x(), 0, std::max(0, area.width() - frame.width())),
+            std::clamp(corner.y(), 0, std::max(0, area.height() - frame.height()))};
+}
+
+/// True when enough of the title bar is seen to move the frame by it.
+bool canBeMoved(const QWidget &frame, const QWidget &area)
+{
+    const QRect bar(frame.pos(), QSize(frame.width(), titleBarHeight(frame)));
+    const QRect seen = bar & area.rect();
+    return seen.width() >= std::min(bar.width(), titleBarButtonsWidth(frame)) &&
+           seen.height() * 2 >= bar.height();
+}
+
+} // namespace
 
 QWidget *frameOf(QWidget &form)
 {
@@ -25,15 +65,23 @@ void WindowPosition::save(QWidget &form)
 void WindowPosition::restore(QWidget &form) const
 {
     frameOf(form)->move(pixelsFromTwips(left), pixelsFromTwips(top));
+    keepInSight(form);
 }
 
 void fitCaption(QWidget &form)
 {
     QFont font = form.font();
-    font.setBold(true);                 // as some window systems write captions
-    constexpr int kTitleBarButtons = 5; // each as wide as the bar is high, the icon included
+    font.setBold(true); // as some window systems write captions
     form.setMinimumWidth(QFontMetrics(font).horizontalAdvance(form.windowTitle()) +
-                         form.style()->pixelMetric(QStyle::PM_TitleBarHeight) * kTitleBarButtons);
+                         titleBarButtonsWidth(form));
+}
+
+void keepInSight(QWidget &form)
+{
+    QWidget &frame = *frameOf(form);
+    const QWidget *area = areaAround(frame);
+    if (area && !canBeMoved(frame, *area))
+        frame.move(insideOf(*area, frame, frame.pos()));
 }
 
 void centreOnScreen(QWidget &form, QSize screenTwips)
@@ -41,11 +89,6 @@ void centreOnScreen(QWidget &form, QSize screenTwips)
     QWidget &frame = *frameOf(form);
     QPoint corner((pixelsFromTwips(screenTwips.width()) - frame.width()) / 2,
                   (pixelsFromTwips(screenTwips.height()) - frame.height()) / 2);
-    if (const QWidget *area = frame.isWindow() ? nullptr : frame.parentWidget()) {
-        corner = area->mapFromGlobal(corner);
-        // Out of sight, the frame could not be answered.
-        corner.setX(std::clamp(corner.x(), 0, std::max(0, area->width() - frame.width())));
-        corner.setY(std::clamp(corner.y(), 0, std::max(0, area->height() - frame.height())));
-    }
-    frame.move(corner);
+    const QWidget *area = areaAround(frame);
+    frame.move(area ? insideOf(*area, frame, area->mapFromGlobal(corner)) : corner);
 }

@@ -18,8 +18,13 @@ struct WindowPosition {
 
     /// A maximised or minimised frame leaves the position as it was.
     void save(QWidget &form);
+    /// The frame stands there again, kept in sight.
     void restore(QWidget &form) const;
 };
+
+/// Moves a sub window that the operator could not reach back into what it stands in, which may have
+/// become smaller. One that is partly out stays where it is while its title bar can be grasped.
+void keepInSight(QWidget &form);
 
 /// Makes the form at least as wide as its frame needs to show the caption whole.
 void fitCaption(QWidget &form);

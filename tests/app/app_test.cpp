@@ -6,6 +6,7 @@
 #include <QAbstractButton>
 #include <QAction>
 #include <QApplication>
+#include <QMdiSubWindow>
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QTimer>
@@ -90,4 +91,25 @@ TEST(MessageBoxOperator, EachButtonIsItsAnswerAndClosingIsNone)
         });
         EXPECT_EQ(op.ask(QStringLiteral("<b>?")), answer);
     }
+}
+
+TEST(MDIForm1, BringsAWindowThatIsOutOfReachBackIntoSight)
+{
+    MDIForm1 window{[] { return true; }};
+    auto *child = new QWidget;
+    QMdiSubWindow *frame = window.addChild(child);
+    frame->resize(300, 200);
+    window.resize(900, 700);
+    window.show();
+    const QPoint corner(590, 440);
+    const auto broughtUpAt = [&](QPoint position) {
+        frame->move(position);
+        window.bringUp(child);
+        return frame->geometry();
+    };
+    for (const QPoint position : {corner, QPoint(-150, 300), QPoint(700, 600)})
+        EXPECT_EQ(broughtUpAt(position).topLeft(), position) << "partly out, within reach";
+    window.resize(500, 400);
+    for (const QPoint position : {corner, QPoint(-280, 90), QPoint(90, -30), QPoint(480, 90)})
+        EXPECT_TRUE(QRect({}, window.innerSize()).contains(broughtUpAt(position)));
 }
