@@ -14,6 +14,7 @@
 #include <QMdiArea>
 #include <QMdiSubWindow>
 #include <QScreen>
+#include <QWindow>
 
 DialogCommands::DialogCommands(Station &station, Settings &settings, Operator &op,
                                const Clock &clock, MDIForm1 &window)
@@ -120,5 +121,9 @@ void DialogCommands::arata_eroare(QWidget &caller, const QString &message)
             m_station, [this] { return openForms(); }, screenTwips(), &m_window);
         m_formEroare->setWindowFlag(Qt::Dialog);
     }
+    // The window system knows nothing of disabled windows: one click on the dialog would raise it
+    // over a message that is only the main window's, and nothing could be answered any more.
+    m_formEroare->winId(); // the window of the system, which every closing takes away
+    m_formEroare->windowHandle()->setTransientParent(caller.window()->windowHandle());
     m_formEroare->arata_eroare(caller, message);
 }

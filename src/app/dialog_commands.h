@@ -38,7 +38,7 @@ public:
     /// is locked.
     bool lockToo(QWidget &window);
 
-    /// Shows a message in the error window over `caller`.
+    /// Shows a message in the error window, which stays in front of `caller`, a form that is shown.
     void arata_eroare(QWidget &caller, const QString &message);
 
 signals:

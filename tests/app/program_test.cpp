@@ -24,6 +24,7 @@
 #include <QMdiSubWindow>
 #include <QMenuBar>
 #include <QTableView>
+#include <QWindow>
 
 namespace
 {
@@ -238,6 +239,7 @@ TEST_F(ProgramTest, LockedDialogDisablesTheRestWhileMonitoringGoesOn)
         EXPECT_EQ(control<QLabel>(*error, "EroareLabel").text(),
                   "Verificati corectitudinea campurilor.");
         EXPECT_FALSE(dialog->isEnabled());
+        EXPECT_EQ(error->windowHandle()->transientParent(), dialog->windowHandle()) << round;
         press(*error, "OKButton");
         EXPECT_TRUE(dialog->isEnabled()) << round;
         type(*dialog, "AlarmSupText", "20,5");
