@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QMessageBox>
+#include <algorithm>
 
 namespace
 {
@@ -19,6 +20,21 @@ QMessageBox::Icon boxIcon(Operator::Icon icon)
     return QMessageBox::NoIcon;
 }
 
+/// While the operator works in another program no window is active; a box that belonged to none
+/// could lie behind those that it blocks.
+QWidget *owner()
+{
+    if (QWidget *active = QApplication::activeWindow())
+        return active;
+    if (QWidget *modal = QApplication::activeModalWidget())
+        return modal;
+    const QWidgetList windows = QApplication::topLevelWidgets();
+    const auto main = std::find_if(windows.cbegin(), windows.cend(), [](const QWidget *window) {
+        return window->isVisible() && !window->parentWidget() && window->windowType() == Qt::Window;
+    });
+    return main == windows.cend() ? nullptr : *main;
+}
+
 int run(QMessageBox &box)
 {
     box.setTextFormat(Qt::PlainText);
@@ -30,15 +46,14 @@ int run(QMessageBox &box)
 
 void MessageBoxOperator::tell(const QString &text, Icon icon)
 {
-    QMessageBox box(boxIcon(icon), m_title, text, QMessageBox::Ok, QApplication::activeWindow());
+    QMessageBox box(boxIcon(icon), m_title, text, QMessageBox::Ok, owner());
     run(box);
 }
 
 Operator::Answer MessageBoxOperator::ask(const QString &text)
 {
     QMessageBox box(QMessageBox::NoIcon, m_title, text,
-                    QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel,
-                    QApplication::activeWindow());
+                    QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel, owner());
     switch (run(box)) {
     case QMessageBox::Yes:
         return Answer::Yes;
