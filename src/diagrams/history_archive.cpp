@@ -15,8 +15,6 @@ namespace
 
 /// A locked archive is an answer too; the window must not stand still for it.
 constexpr std::chrono::milliseconds kLockTimeout{500};
-constexpr double kMillisecondsPerDay = 86'400'000;
-constexpr double kLastDay = 2'958'465; // 9999-12-31, the last one the database program knows
 
 template <typename Number>
 double converted(const jet::Value &value, jet::ColumnType type, double (*number)(const Number &),
@@ -121,11 +119,4 @@ ArchivedDay readArchive(const QString &path)
     }
     sortById(day, ids);
     return day;
-}
-
-QDateTime momentFromDays(double days)
-{
-    if (!(std::abs(days) <= kLastDay))
-        return zeroDateTime();
-    return zeroDateTime().addMSecs(std::llround(days * kMillisecondsPerDay));
 }

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QDateTime>
 #include <QString>
 #include <array>
 #include <vector>
@@ -17,6 +16,3 @@ struct ArchivedDay {
 /// converted as the database program does. Throws jet::Error: what opening and reading throw, for
 /// a column that is not there, for a value that is no number or no date.
 ArchivedDay readArchive(const QString &path);
-
-/// A moment of an archived day; the zero date-time for one that no calendar has.
-QDateTime momentFromDays(double days);

@@ -20,8 +20,7 @@ const QColor kAlarmText(128, 32, 0);
 
 QString dateTimeOfValue(jet::DateTime value, const jet::Text &column, const QLocale &locale)
 {
-    constexpr double kMsecsPerDay = 86'400'000;
-    const QDateTime moment = zeroDateTime().addMSecs(qRound64(value.days * kMsecsPerDay));
+    const QDateTime moment = momentFromDays(value.days);
     // Data has no time of day and Ora no date; each shows its own half, at midnight too.
     if (column == tabel::kData)
         return dateText(moment.date(), locale);

@@ -73,6 +73,14 @@ TEST(SystemClock, GivesTheTimeOfTheWall)
     zone.isNull() ? qunsetenv("TZ") : qputenv("TZ", zone);
 }
 
+TEST(DateText, AMomentOfADatabaseIsOfTheCalendarOrZero)
+{
+    EXPECT_EQ(momentFromDays(38783.5), wallTime(QDate(2006, 3, 7), QTime(12, 0)));
+    EXPECT_EQ(momentFromDays(-1.25), wallTime(QDate(1899, 12, 28), QTime(18, 0)));
+    for (const double none : {1e300, -1e300, 3e6, std::nan("")})
+        EXPECT_EQ(momentFromDays(none), zeroDateTime()) << none;
+}
+
 TEST(LineSettings, ShortFormIsTakenWholeOrNotAtAll)
 {
     LineSettings settings;
