@@ -1,5 +1,6 @@
 #include "diagrams/form_ado_chart.h"
 #include "app/settings/station.h"
+#include "app/settings/storage_names.h"
 #include "chart/chart_grid.h"
 #include "chart/chart_view.h"
 #include "chart/plot_style.h"
@@ -7,6 +8,7 @@
 #include "diagrams/history_diagrams.h"
 #include "diagrams/texts.h"
 #include "diagrams/window_geometry.h"
+#include "platform/file_date.h"
 #include "platform/operator.h"
 #include "platform/twips.h"
 
@@ -138,7 +140,7 @@ void FormAdoChart::Command1_Click()
     const std::optional<QDate> day = typedDate(m_date->text(), m_station.locale);
     if (!day)
         return;
-    generate(archiveName(*day, m_station.NumeFisier[0]));
+    generate(archiveName(fileDate(*day), m_station.NumeFisier[0]));
 }
 
 /// The prompt then shows how the system writes a date, and a date typed with points is one.

@@ -67,9 +67,3 @@ std::optional<QDate> typedDate(const QString &text, const QLocale &locale)
     const QDate date = locale.toDate(text.trimmed(), QLocale::ShortFormat);
     return date.isValid() ? std::optional(date) : std::nullopt;
 }
-
-QString archiveName(QDate day, const QString &storageName)
-{
-    return QStringLiteral("arh_%1.%2_%3")
-        .arg(day.toString(QStringLiteral("dd.MM")), QString::number(day.year()), storageName);
-}

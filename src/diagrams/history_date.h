@@ -5,7 +5,7 @@
 #include <QString>
 #include <optional>
 
-/// The date that the operator types for a history diagram, and the archive it stands for.
+/// The date that the operator types for a history diagram.
 
 /// What the system writes between the parts of a date: the first character of today's short date
 /// that is no digit; "." when there is none.
@@ -15,6 +15,3 @@ QString dateSeparator(QDate today, const QLocale &locale);
 /// be is read as year, month, day or month, day, year, then in the system's own short form. Years
 /// of two digits lie between 1930 and 2029. Nothing when the text is no date.
 std::optional<QDate> typedDate(const QString &text, const QLocale &locale);
-
-/// Archive of a day: "arh_" + dd.mm.yyyy + "_" + storage file name.
-QString archiveName(QDate day, const QString &storageName);

@@ -1,6 +1,7 @@
 // The daily archive of the measurement store.
 
 #include "app/settings/station.h"
+#include "app/settings/storage_names.h"
 #include "platform/durable_file.h"
 #include "platform/file_date.h"
 #include "platform/operator.h"
@@ -13,8 +14,8 @@ void MeasurementStore::arhiveaza_baza_date(const QString &nume)
     const bool browserWasOpen = m_station.FormMdbDeschis;
     if (browserWasOpen)
         emit browserMustClose();
-    const QString archive = m_station.archiveFolder() + QStringLiteral("arh_") +
-                            data_pentru_fisier(m_clock, false, false) + QLatin1Char('_') + nume;
+    const QString archive =
+        m_station.archiveFolder() + archiveName(data_pentru_fisier(m_clock, false, false), nume);
     const std::optional<Failure> failure = attempt([&] { archiveAndEmpty(nume, archive); });
     if (failure) {
         if (failure->number == static_cast<int>(jet::ErrorCode::NoCurrentRecord))

@@ -1,7 +1,9 @@
 #include "app/settings/chart_settings.h"
+#include "app/settings/storage_names.h"
 #include "diagrams/history_date.h"
 #include "diagrams/history_layout.h"
 #include "jet/file.h"
+#include "platform/file_date.h"
 #include "platform/runtime_error.h"
 #include "tests/diagrams/history_rig.h"
 
@@ -85,7 +87,7 @@ TEST(HistoryDate, DaysAreReadAsThePromptAsksForThem)
                           {"07.03.2026x", romanian, {}}})
         EXPECT_EQ(typedDate(QString::fromUtf8(c.text), c.locale).value_or(QDate()), c.date)
             << c.text;
-    EXPECT_EQ(archiveName({2026, 3, 7}, "a.mdb"), "arh_07.03.2026_a.mdb");
+    EXPECT_EQ(archiveName(fileDate({2026, 3, 7}), "a%1.mdb"), "arh_07.03.2026_a%1.mdb");
 
     const QDate today(2026, 11, 21);
     EXPECT_EQ(dateSeparator(today, romanian), ".");

@@ -8,6 +8,11 @@ bool nume_fisier_valid(const QString &name)
     return std::none_of(name.cbegin(), name.cend(), [](QChar c) { return kForbidden.contains(c); });
 }
 
+QString archiveName(const QString &date, const QString &storageName)
+{
+    return QStringLiteral("arh_%1_%2").arg(date, storageName);
+}
+
 void adauga_extensie_mdb(std::array<QString, 4> &names)
 {
     const QLatin1String extension(".mdb");

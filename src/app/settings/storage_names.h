@@ -9,6 +9,10 @@
 /// could be made of: " * / ? \ | : < >
 bool nume_fisier_valid(const QString &name);
 
+/// The archive of a storage file. `date` is the day's, as data_pentru_fisier() and fileDate() write
+/// it.
+QString archiveName(const QString &date, const QString &storageName);
+
 /// Makes every name end in ".mdb": each ".mdb" in it is removed (case-sensitive), then one is put
 /// at the end. A valid name is then a file of its folder, whatever was typed: "." and ".." are no
 /// longer folders, and nothing becomes ".mdb".
