@@ -26,7 +26,7 @@ Exchange::~Exchange() = default;
 
 void Exchange::interogare_aparat(const QString &)
 {
-    if (isRunning())
+    if (m_state != State::Idle)
         return;
     m_station.TimeoutComunicare = false;
     if (!m_line.isOpen())

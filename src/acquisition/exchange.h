@@ -33,8 +33,6 @@ public:
     /// Ends an exchange under way without a word: no message, no signal, the line closed.
     void abandon();
 
-    bool isRunning() const { return m_state != State::Idle; }
-
 signals:
     /// Not failed: the values of the first six sensors are new. Failed: no value was touched; a
     /// silent or wrong recorder has been reported to the operator, a stopped monitoring has not.

@@ -4,7 +4,6 @@
 
 #include <QWidget>
 
-class ChartGrid;
 class ChartView;
 class LiveDiagrams;
 class QLabel;

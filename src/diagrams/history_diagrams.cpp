@@ -12,13 +12,6 @@
 
 #include <algorithm>
 
-namespace
-{
-
-constexpr int kSensorsPerChart = 3;
-
-} // namespace
-
 HistoryDiagrams::HistoryDiagrams(Station &station, Settings &settings)
     : m_station(station), m_settings(settings)
 {
@@ -101,7 +94,7 @@ void HistoryDiagrams::draw(const QString &path)
     auto readings = day.sensors.begin();
     for (Diagrama &history : m_station.Istoric) {
         history.chart->setRowCount(static_cast<int>(m_moments.size()));
-        for (int column = 1; column <= kSensorsPerChart; ++column)
+        for (int column = 1; column <= kSensorsPerDiagram; ++column)
             history.chart->setColumnData(column, std::move(*readings++));
         drawAlarms(history);
     }

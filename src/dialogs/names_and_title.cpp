@@ -5,14 +5,12 @@
 
 #include <algorithm>
 
-/// The fixed place of the second diagram's sensors in the sensor table: three per diagram.
-constexpr std::size_t kSecondDiagramsSensors = 3;
-
 void renameSensors(Station &station, Settings &settings, std::size_t diagram,
                    const QStringList &names)
 {
     Diagrama &record = station.diagramAt(diagram);
-    const std::size_t firstEntry = diagram == 0 ? 0 : kSecondDiagramsSensors;
+    // The sensor table holds the second diagram's behind the first one's.
+    const std::size_t firstEntry = diagram == 0 ? 0 : kSensorsPerDiagram;
     const auto count = static_cast<std::size_t>(names.size());
     if (firstEntry + count > station.sensors.size())
         throw RuntimeError(RuntimeError::SubscriptOutOfRange);

@@ -152,22 +152,9 @@ inline void writeU16(MutableBytes bytes, std::size_t offset, std::uint16_t numbe
 {
     writeLittleEndian<2>(bytes, offset, number);
 }
-/// Only the low 24 bits are stored.
-inline void writeU24(MutableBytes bytes, std::size_t offset, std::uint32_t number)
-{
-    writeLittleEndian<3>(bytes, offset, number);
-}
 inline void writeU32(MutableBytes bytes, std::size_t offset, std::uint32_t number)
 {
     writeLittleEndian<4>(bytes, offset, number);
-}
-inline void writeI64(MutableBytes bytes, std::size_t offset, std::int64_t number)
-{
-    writeLittleEndian<8>(bytes, offset, static_cast<std::uint64_t>(number));
-}
-inline void writeF64(MutableBytes bytes, std::size_t offset, double number)
-{
-    writeLittleEndian<8>(bytes, offset, std::bit_cast<std::uint64_t>(number));
 }
 /// Copies bytes to an offset; throws Error(Damaged) when they do not fit.
 inline void writeBytes(MutableBytes bytes, std::size_t offset, ByteView source)

@@ -61,11 +61,6 @@ std::vector<Text> Database::tables() const
     });
 }
 
-bool Database::hasTable(const Text &name) const
-{
-    return m_session->read([&] { return m_session->catalog().find(name).has_value(); });
-}
-
 Table Database::table(const Text &name) const
 {
     return m_session->read([&]() -> Table {

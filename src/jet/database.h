@@ -48,7 +48,6 @@ public:
 
     /// Names of the user's tables in the order they were made.
     std::vector<Text> tables() const;
-    bool hasTable(const Text &name) const;
     /// Names are compared without regard to case. Throws Error(NoSuchTable).
     Table table(const Text &name) const;
 

@@ -78,7 +78,6 @@ public:
     /// Closes the file; the result keeps the locks that are held. Nothing else may follow.
     std::unique_ptr<LockFile> closeKeepingLock();
 
-    bool isReadOnly() const { return m_options.readOnly; }
     const std::filesystem::path &path() const { return m_path; }
 
 private:

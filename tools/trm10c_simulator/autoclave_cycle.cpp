@@ -53,16 +53,6 @@ AutoclaveCycle::AutoclaveCycle(double plateau, unsigned seed) : m_random(seed), 
                 {end + Seconds(780), kRoom}};
 }
 
-Seconds AutoclaveCycle::plateauBegin() const
-{
-    return kPlateauBegin;
-}
-
-Seconds AutoclaveCycle::plateauEnd() const
-{
-    return duration() - Seconds(780);
-}
-
 double AutoclaveCycle::chamberTemperature(Seconds sinceStart) const
 {
     const Seconds inCycle(std::fmod(std::max(sinceStart.count(), 0.0), duration().count()));

@@ -21,8 +21,6 @@ public:
     Readings read(Seconds sinceStart);
 
     Seconds duration() const { return m_course.back().at; }
-    Seconds plateauBegin() const;
-    Seconds plateauEnd() const;
 
 private:
     struct Point {

@@ -7,6 +7,9 @@
 
 class ChartGrid;
 
+/// The recorder's six channels, in two diagrams.
+constexpr int kSensorsPerDiagram = 3;
+
 /// The settings of one diagram and what belongs to it. The fields keep the names by which the
 /// settings file and the operators' manual know them.
 struct Diagrama {

@@ -13,8 +13,6 @@
 namespace
 {
 
-constexpr int kSensorsPerDiagram = 3;
-
 const Diagrama &diagramNamed(const Station &station, const QString &name)
 {
     const auto found = std::find_if(station.Diagrame.cbegin(), station.Diagrame.cend(),

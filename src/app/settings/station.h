@@ -11,7 +11,7 @@
 #include <array>
 #include <vector>
 
-/// The state that all rooms share. One object is made in main and passed by reference; whoever
+/// The state that all rooms share. One object, the program's, is passed by reference; whoever
 /// changes it says so by a signal of its own.
 struct Station {
     QString appFolder; ///< the folder that holds the program, without a slash at its end
