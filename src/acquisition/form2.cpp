@@ -4,6 +4,7 @@
 #include "app/settings/station.h"
 
 #include <QCloseEvent>
+#include <QFontInfo>
 #include <QLabel>
 #include <QPushButton>
 #include <QVBoxLayout>
@@ -29,7 +30,7 @@ Form2::Form2(MonitoringCycle &cycle, const Station &station, WindowPosition &pos
     m_monLabel->setMinimumHeight(kLabelHeight);
     QFont font = m_monLabel->font();
     font.setBold(true);
-    font.setPointSizeF(font.pointSizeF() * 1.4);
+    font.setPointSizeF(QFontInfo(font).pointSizeF() * 1.4); // a desktop may give it in pixels
     m_monLabel->setFont(font);
 
     auto *layout = new QVBoxLayout(this);

@@ -15,7 +15,7 @@ class FormEroare : public QWidget
 {
     Q_OBJECT
 public:
-    /// The open forms, in the order in which they were opened.
+    /// The open forms: the windows of the main window in their order, then all others.
     using OpenForms = std::function<QList<QWidget *>()>;
 
     /// The window stands in the middle of a screen of that size, in twips. Throws RuntimeError 53

@@ -217,7 +217,7 @@ void Program::showBrowser()
         connect(
             m_formMdb, &FormMdb::failed, this,
             [this](int number, const QString &description) {
-                m_storage.tellFailure(number, description);
+                m_environment.op.tell(numberedError(number, description));
             },
             Qt::QueuedConnection);
         connect(m_formMdb, &FormMdb::closed, this, [this] { m_formMdb = nullptr; });
@@ -266,18 +266,20 @@ void Program::openHistoryLimits()
     m_dialogs.openHistoryLimits();
 }
 
+static DiagramCapture captureOf(Form1 &form)
+{
+    return [&form](const Diagrama &record) { return form.capture(record); };
+}
+
 void Program::saveImages()
 {
     if (!m_form1)
         return;
-    const DiagramCapture capture = [this](const Diagrama &record) {
-        return m_form1->capture(record);
-    };
     try {
-        saveDiagramImages(m_station, capture, m_environment.clock, m_environment.shell);
+        saveDiagramImages(m_station, captureOf(*m_form1), m_environment.clock, m_environment.shell);
     } catch (const RuntimeError &error) {
         // A picture that cannot be saved is no reason to end the monitoring of a load.
-        m_storage.tellFailure(error.number(), error.description());
+        m_environment.op.tell(numberedError(error.number(), error.description()));
     }
 }
 
@@ -285,11 +287,8 @@ void Program::print()
 {
     if (!m_form1)
         return;
-    const DiagramCapture capture = [this](const Diagrama &record) {
-        return m_form1->capture(record);
-    };
-    printDiagrams(
-        {m_station, capture, m_environment.printers, m_environment.op, m_environment.clock});
+    printDiagrams({m_station, captureOf(*m_form1), m_environment.printers, m_environment.op,
+                   m_environment.clock});
 }
 
 void Program::showAboutBox()

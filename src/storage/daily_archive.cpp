@@ -21,7 +21,7 @@ void MeasurementStore::arhiveaza_baza_date(const QString &nume)
         if (failure->number == static_cast<int>(jet::ErrorCode::NoCurrentRecord))
             m_operator.tell(texts::storage::storageEmpty(nume), Operator::Icon::Exclamation);
         else
-            tellFailure(failure->number, failure->description);
+            tellFailure(*failure);
         return;
     }
     m_gaps.remove(nume);

@@ -27,7 +27,8 @@ public:
     void sortare();
 
 signals:
-    /// The file could not be read: number and description.
+    /// The file could not be read: number and description. To be connected queued: whoever tells
+    /// the operator must not do so within the call.
     void failed(int number, const QString &description);
     void closed(); ///< unloaded, the file let go; destruction follows
 

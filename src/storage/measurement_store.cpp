@@ -78,9 +78,9 @@ MeasurementStore::attempt(const std::function<void()> &action)
     return std::nullopt;
 }
 
-void MeasurementStore::tellFailure(int number, const QString &description)
+void MeasurementStore::tellFailure(const Failure &failure)
 {
-    m_operator.tell(numberedError(number, description));
+    m_operator.tell(numberedError(failure.number, failure.description));
 }
 
 void MeasurementStore::adauga_inregistrare(const QString &nume)
@@ -98,7 +98,7 @@ void MeasurementStore::adauga_inregistrare(const QString &nume)
     else if (failure->number == static_cast<int>(jet::ErrorCode::DuplicateKey))
         repara_baza_date(nume);
     else
-        tellFailure(failure->number, failure->description);
+        tellFailure(*failure);
 }
 
 int MeasurementStore::appendRecord(const QString &nume)
@@ -156,7 +156,7 @@ void MeasurementStore::repara_baza_date(const QString &nume)
         },
         failure);
     if (failure) {
-        tellFailure(failure->number, failure->description);
+        tellFailure(*failure);
         return;
     }
     m_gaps.insert(nume);

@@ -48,9 +48,6 @@ public:
     /// the archive is safely on the disk.
     void arhiveaza_baza_date(const QString &nume);
 
-    /// Tells the operator of an unexpected failure: number, one blank, description.
-    void tellFailure(int number, const QString &description);
-
 signals:
     /// A missing storage file has ended monitoring.
     void monitorStopped();
@@ -67,6 +64,7 @@ private:
         QString description;
     };
 
+    void tellFailure(const Failure &failure);
     static std::optional<Failure> attempt(const std::function<void()> &action);
     /// Whether there is such a file in the storage folder; a name with a path in it is none.
     bool isStorageFile(const QString &nume) const;
