@@ -11,7 +11,8 @@
 namespace
 {
 
-/// A plot keeps every mouse event; the right button belongs to the window around it.
+/// A plot keeps every mouse event and lets any button drag; here only the left button presses, the
+/// others belong to the window around it.
 class Plot final : public QCustomPlot
 {
 public:
@@ -20,18 +21,39 @@ public:
 protected:
     void mousePressEvent(QMouseEvent *event) override
     {
-        if (event->button() == Qt::RightButton)
-            event->ignore();
-        else
-            QCustomPlot::mousePressEvent(event);
+        if (event->button() != Qt::LeftButton)
+            return event->ignore();
+        releaseLost(*event);
+        m_leftDown = true;
+        QCustomPlot::mousePressEvent(event);
+    }
+    void mouseMoveEvent(QMouseEvent *event) override
+    {
+        if (!event->buttons().testFlag(Qt::LeftButton))
+            releaseLost(*event);
+        QCustomPlot::mouseMoveEvent(event);
     }
     void mouseReleaseEvent(QMouseEvent *event) override
     {
-        if (event->button() == Qt::RightButton)
-            event->ignore();
-        else
-            QCustomPlot::mouseReleaseEvent(event);
+        if (event->button() != Qt::LeftButton)
+            return event->ignore();
+        m_leftDown = false;
+        QCustomPlot::mouseReleaseEvent(event);
     }
+
+private:
+    /// A message box that opens during a drag swallows the release: the drag would go on without a
+    /// button.
+    void releaseLost(const QMouseEvent &event)
+    {
+        if (!m_leftDown)
+            return;
+        QMouseEvent release(QEvent::MouseButtonRelease, event.position(), event.globalPosition(),
+                            Qt::LeftButton, event.buttons(), event.modifiers());
+        mouseReleaseEvent(&release);
+    }
+
+    bool m_leftDown = false;
 };
 
 } // namespace
