@@ -77,6 +77,8 @@ TEST_F(LiveDiagramsTest, SweepClearsBeforeTheLastRow)
         EXPECT_EQ(valueAt(*chart, 2, 1), 100);
         EXPECT_EQ(valueAt(*chart, 2, 59), 0);
         EXPECT_EQ(valueAt(*chart, 5, 59), 138) << "alarm lines stay";
+        EXPECT_TRUE(live.pointText(*chart, 1, 59).endsWith("\n00:00:00"))
+            << "not yet written again";
     }
     EXPECT_EQ(station.currentRow, 2);
 
