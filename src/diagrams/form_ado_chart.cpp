@@ -63,6 +63,8 @@ FormAdoChart::FormAdoChart(Station &station, HistoryDiagrams &diagrams, Operator
     setWindowTitle(texts::diagrams::historyCaption());
     setLocale(station.locale);
     m_date->setObjectName(QStringLiteral("Text1"));
+    m_date->selectAll(); // typing replaces the date
+    setFocusProxy(m_date);
     m_generate->setObjectName(QStringLiteral("Command1"));
     m_status->setFont(boldFont(font()));
     m_wait->setFont(boldFont(font()));

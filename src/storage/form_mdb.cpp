@@ -45,6 +45,7 @@ FormMdb::FormMdb(Station &station, QWidget *parent)
     setWindowTitle(texts::storage::browserCaption());
     m_data->setObjectName(QStringLiteral("Data1"));
     m_refresh->setObjectName(QStringLiteral("cmdRefresh"));
+    setFocusProxy(m_grid);
     resize(kPreferredSize);
     connect(m_refresh, &QPushButton::clicked, this, &FormMdb::sortare);
     // The grid itself would copy one cell only.

@@ -70,6 +70,8 @@ TEST_F(FormAdoChartTest, OpensClearedAndClosesWithoutATrace)
 {
     EXPECT_TRUE(station.historyOpen);
     EXPECT_EQ(form->windowTitle(), "Istoric diagrame 1.2");
+    form->setFocus();
+    EXPECT_EQ(form->focusWidget(), &named("Text1"));
     EXPECT_EQ(status(), "Diagrame negenerate");
     EXPECT_EQ(control<QLabel>(*form, "LabelPres").text(), station.Diagrame[1].Titlu);
     EXPECT_TRUE(named("LabelWait").isHidden());
