@@ -1,8 +1,10 @@
 #include "diagrams/frm_istoric.h"
 #include "app/settings/texts.h"
 #include "diagrams/texts.h"
+#include "platform/dialog_buttons.h"
 #include "platform/window_frame.h"
 
+#include <QEvent>
 #include <QFormLayout>
 #include <QGroupBox>
 #include <QHBoxLayout>
@@ -25,7 +27,7 @@ FrmIstoric::FrmIstoric(Station &station, Settings &settings, ShowError arata_ero
     column->addLayout(diagrams);
     column->addLayout(buttonRow());
     fillBoxes();
-    m_supTemp->setFocus(Qt::TabFocusReason);
+    focusFirstBox();
     connect(this, &QDialog::finished, this, &FrmIstoric::closed);
     adjustSize();
     centreOnScreen(*this, screenTwips);
@@ -49,8 +51,7 @@ QHBoxLayout *FrmIstoric::buttonRow()
 {
     auto *row = new QHBoxLayout;
     const auto add = [&](const QString &name, const QString &caption, auto &&clicked) {
-        auto *button = new QPushButton(caption);
-        button->setObjectName(name);
+        QPushButton *button = dialogButton(*this, {name, caption});
         connect(button, &QPushButton::clicked, this, clicked);
         row->addWidget(button);
         return button;
@@ -71,6 +72,20 @@ void FrmIstoric::reject()
 {
     if (isEnabled())
         QDialog::reject();
+}
+
+void FrmIstoric::changeEvent(QEvent *event)
+{
+    QDialog::changeEvent(event);
+    // Being disabled took the focus away; behind the error window the entry is corrected.
+    if (event->type() == QEvent::EnabledChange && isEnabled())
+        focusFirstBox();
+}
+
+void FrmIstoric::focusFirstBox()
+{
+    m_supTemp->setFocus();
+    m_supTemp->selectAll();
 }
 
 void FrmIstoric::fillBoxes()

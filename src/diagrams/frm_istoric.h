@@ -30,9 +30,13 @@ signals:
     /// The dialog has closed, whatever the way.
     void closed();
 
+protected:
+    void changeEvent(QEvent *event) override;
+
 private:
     QGroupBox *limitsOf(int diagram, QLineEdit *&upper, QLineEdit *&lower, const QString &suffix);
     QHBoxLayout *buttonRow();
+    void focusFirstBox();
     void fillBoxes();
     bool cmdApply_Click();
     void cmdOK_Click();

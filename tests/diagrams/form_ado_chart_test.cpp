@@ -219,6 +219,8 @@ TEST_F(FrmIstoricTest, RefusedNumbersChangeNothingAndKeepItOpen)
     form.reject();
     EXPECT_TRUE(form.isVisible());
     form.setEnabled(true);
+    EXPECT_EQ(form.focusWidget(), &box("LimSupTextTemp")) << "the entry is corrected";
+    EXPECT_TRUE(box("LimSupTextTemp").hasSelectedText());
     click("cmdCancel");
     EXPECT_EQ(closed.size(), 1);
     EXPECT_EQ(diagrams.chart(0).valueAxisMaximum(), 150);
