@@ -223,6 +223,9 @@ HistoryMeasures FormAdoChart::measures() const
     measures.date = twipsSize(
         {m_date->fontMetrics().averageCharWidth() * kDateCharacters, m_date->sizeHint().height()});
     measures.button = twipsSize(m_generate->sizeHint());
+    const QString usual = texts::diagrams::generated(texts::diagrams::firstDate());
+    measures.statusWidth = twipsFromPixels(std::max(
+        m_status->sizeHint().width(), m_status->fontMetrics().horizontalAdvance(usual) + 2));
     measures.textHeight = twipsFromPixels(m_status->fontMetrics().lineSpacing() + 2);
     measures.scrollBarHeight = twipsFromPixels(m_upper.scroll->sizeHint().height());
     return measures;

@@ -26,6 +26,32 @@ quint8 toUInt8(double number)
     return static_cast<quint8>(rounded);
 }
 
+/// Places parts side by side, and in a new row below what the window is too narrow for.
+class HeadRows
+{
+public:
+    HeadRows(double width, double rowHeight) : m_right(width - kMargin), m_rowHeight(rowHeight) {}
+
+    TwipsRect place(TwipsSize part, double gap)
+    {
+        double left = m_left + gap;
+        if (m_left > 0 && left + part.width > m_right) {
+            left = kMargin;
+            m_top += m_rowHeight + kMargin / 2;
+        }
+        m_left = left + part.width;
+        return {left, m_top + (m_rowHeight - part.height) / 2, part.width, part.height};
+    }
+    double right() const { return m_right; }
+    double bottom() const { return m_top + m_rowHeight; }
+
+private:
+    double m_right;
+    double m_rowHeight;
+    double m_left = 0; ///< where the last part ends
+    double m_top = kMargin;
+};
+
 HistoryPanel panelAt(double top, double height, const HistoryMeasures &measures)
 {
     const double width = std::max(0.0, measures.inner.width - 2 * kMargin);
@@ -70,25 +96,19 @@ double innerFrameLeft(int value, quint8 factor)
 HistoryLayout historyLayout(const HistoryMeasures &measures)
 {
     HistoryLayout layout;
-    const double rowHeight =
-        std::max({measures.prompt.height, measures.date.height, measures.button.height});
-    const auto inFirstRow = [&](double left, TwipsSize size) {
-        return TwipsRect{left, kMargin + (rowHeight - size.height) / 2, size.width, size.height};
-    };
-    layout.prompt = inFirstRow(kMargin, measures.prompt);
-    layout.date = inFirstRow(layout.prompt.left + measures.prompt.width + kMargin, measures.date);
-    layout.button = inFirstRow(layout.date.left + measures.date.width + kMargin, measures.button);
-
-    const double statusLeft = layout.button.left + measures.button.width + 2 * kMargin;
-    layout.status =
-        inFirstRow(statusLeft, {std::max(0.0, measures.inner.width - kMargin - statusLeft),
-                                measures.textHeight});
+    HeadRows head(measures.inner.width,
+                  std::max({measures.prompt.height, measures.date.height, measures.button.height}));
+    layout.prompt = head.place(measures.prompt, kMargin);
+    layout.date = head.place(measures.date, kMargin);
+    layout.button = head.place(measures.button, kMargin);
+    layout.status = head.place({measures.statusWidth, measures.textHeight}, 2 * kMargin);
+    layout.status.width = std::max(0.0, head.right() - layout.status.left);
 
     const double selectionHeight = 2 * measures.textHeight;
     layout.selection = {kMargin, measures.inner.height - selectionHeight - kMargin / 2,
                         std::max(0.0, measures.inner.width - 2 * kMargin), selectionHeight};
 
-    const double top = 2 * kMargin + rowHeight;
+    const double top = head.bottom() + kMargin;
     const double panelHeight = (layout.selection.top - kMargin / 2 - top) / 2;
     const double viewport =
         std::max(kSmallestViewport, panelHeight - measures.textHeight - kScrollBarGap -

@@ -33,7 +33,8 @@ struct HistoryMeasures {
     TwipsSize prompt;
     TwipsSize date;
     TwipsSize button;
-    double textHeight = 0; ///< one line of text
+    double statusWidth = 0; ///< of the longest text that the status line usually shows
+    double textHeight = 0;  ///< one line of text
     double scrollBarHeight = 0;
 };
 
@@ -44,11 +45,12 @@ struct HistoryPanel {
     TwipsRect scrollBar;
 };
 
+/// Prompt, date, button and status stand in a row, or in more rows when the window is too narrow.
 struct HistoryLayout {
     TwipsRect prompt;
     TwipsRect date;
     TwipsRect button;
-    TwipsRect status;
+    TwipsRect status; ///< as far as the window's right margin
     HistoryPanel chart1;
     HistoryPanel chart2;
     TwipsRect selection; ///< two lines below the charts

@@ -45,10 +45,14 @@ TEST(HistoryLayout, ScrollBarCoversTheOverflowIn16Bits)
 
 TEST(HistoryLayout, PartsLieInTheWindowOneBelowTheOther)
 {
-    for (const TwipsSize window : {TwipsSize{11000, 6200}, TwipsSize{28000, 14000}}) {
+    for (const auto &[window, rows] :
+         {std::pair(TwipsSize{28000, 14000}, 1), {{11000, 6200}, 2}, {{3600, 7400}, 3}}) {
         const HistoryLayout layout =
-            historyLayout({window, {5000, 240}, {1500, 330}, {1200, 360}, 260, 240});
-        double below = layout.button.top + layout.button.height;
+            historyLayout({window, {5000, 240}, {1500, 330}, {1200, 360}, 2600, 260, 240});
+        double below = rows * 360;
+        EXPECT_EQ(layout.status.left > layout.button.left, rows == 1);
+        EXPECT_GE(layout.status.width, 2600) << "it can be read in whole";
+        EXPECT_LE(layout.status.top + layout.status.height, layout.chart1.title.top);
         for (const HistoryPanel &panel : {layout.chart1, layout.chart2}) {
             EXPECT_GE(panel.title.top, below);
             EXPECT_GE(panel.viewport.top, panel.title.top + panel.title.height);
