@@ -151,8 +151,9 @@ void ChartView::copyLayout()
         graph.setAntialiased(graph.pen().style() == Qt::SolidLine);
     }
     m_plot->xAxis->setTickLabels(m_grid.rowLabelsShown());
-    const bool opaque = m_grid.backdrop() == ChartGrid::Backdrop::White;
-    m_plot->setBackground(opaque ? QBrush(Qt::white) : QBrush(Qt::NoBrush));
+    const bool white = m_grid.backdrop() == ChartGrid::Backdrop::White;
+    applyBackdrop(*m_plot, white);
+    m_legend->setBackground(white ? QColor(Qt::white) : palette().color(QPalette::Window));
     followLimits();
 }
 
@@ -240,7 +241,8 @@ void ChartView::resizeEvent(QResizeEvent *event)
 void ChartView::changeEvent(QEvent *event)
 {
     QWidget::changeEvent(event);
-    if (event->type() == QEvent::LocaleChange || event->type() == QEvent::FontChange) {
+    if (event->type() == QEvent::LocaleChange || event->type() == QEvent::FontChange ||
+        event->type() == QEvent::PaletteChange) {
         m_layoutStale = true;
         m_plot->replot(QCustomPlot::rpQueuedReplot);
     }

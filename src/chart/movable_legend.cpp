@@ -34,6 +34,14 @@ void MovableLegend::restore()
     m_docked = true;
 }
 
+void MovableLegend::setBackground(QColor colour)
+{
+    colour.setAlpha(220);
+    m_background = colour;
+    if (!m_docked)
+        m_plot.legend->setBrush(m_background);
+}
+
 void MovableLegend::press(const QMouseEvent &event)
 {
     m_pressed = event.button() == Qt::LeftButton && contains(event.pos());
@@ -70,7 +78,7 @@ void MovableLegend::takeOut()
 {
     m_column->take(m_plot.legend);
     m_plot.axisRect()->insetLayout()->addElement(m_plot.legend, QRectF());
-    m_plot.legend->setBrush(QColor(255, 255, 255, 220));
+    m_plot.legend->setBrush(m_background);
     m_docked = false;
 }
 

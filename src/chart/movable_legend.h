@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QColor>
 #include <QObject>
 #include <QPoint>
 
@@ -19,6 +20,8 @@ public:
     bool contains(QPoint position) const;
     /// Back to the right of the plot area.
     void restore();
+    /// The colour behind its text where it lies over the plot; lines shine through it a little.
+    void setBackground(QColor colour);
 
 private:
     void press(const QMouseEvent &event);
@@ -33,5 +36,6 @@ private:
     bool m_pressed = false;
     bool m_dragging = false;
     QPoint m_pressPosition;
+    QColor m_background = Qt::white;
     QPoint m_grip; ///< from the legend's top left corner to the mouse
 };

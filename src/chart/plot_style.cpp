@@ -19,7 +19,7 @@ constexpr std::array<QRgb, 6> kReadingColours{
     0xFF000000, // black
 };
 
-constexpr QRgb kInk = 0xFF303030;
+constexpr QRgb kInkOnWhite = 0xFF303030;
 constexpr QRgb kGridLine = 0xFFDADADA;
 constexpr QRgb kFrame = 0xFF909090;
 
@@ -103,7 +103,6 @@ void applyStyle(QCustomPlot &plot)
         axis.setBasePen(frame);
         axis.setTickPen(frame);
         axis.setSubTickPen(frame);
-        axis.setTickLabelColor(QColor::fromRgb(kInk));
         axis.setTicks(side == QCPAxis::atLeft || side == QCPAxis::atBottom);
         axis.setSubTicks(side == QCPAxis::atBottom);
         axis.setTickLength(0, 4);
@@ -114,10 +113,18 @@ void applyStyle(QCustomPlot &plot)
     plot.xAxis->setTicker(QSharedPointer<RowTicker>::create());
     plot.yAxis->setTicker(QSharedPointer<ValueTicker>::create());
     plot.yAxis->setNumberFormat(QStringLiteral("g"));
-    plot.legend->setTextColor(QColor::fromRgb(kInk));
     plot.legend->setBorderPen(Qt::NoPen);
-    plot.legend->setBrush(Qt::NoBrush);
     plot.legend->setVisible(true);
+}
+
+void applyBackdrop(QCustomPlot &plot, bool white)
+{
+    const QColor ink =
+        white ? QColor::fromRgb(kInkOnWhite) : plot.palette().color(QPalette::WindowText);
+    plot.setBackground(white ? QBrush(Qt::white) : QBrush(Qt::NoBrush));
+    for (QCPAxis *axis : plot.axisRect()->axes())
+        axis->setTickLabelColor(ink);
+    plot.legend->setTextColor(ink);
 }
 
 double RowTicker::getTickStep(const QCPRange &range)

@@ -26,6 +26,9 @@ void applyScale(QCustomPlot &plot, const PlotScale &scale);
 /// Colours and lines that never change.
 void applyStyle(QCustomPlot &plot);
 
+/// What lies around the plot area, white or the window's own colour, and letters to be read on it.
+void applyBackdrop(QCustomPlot &plot, bool white);
+
 /// Ticks of the row axis: whole rows at 1, 2 or 5 times a power of ten, labelled "R10", "R20", ...
 class RowTicker final : public QCPAxisTicker
 {
