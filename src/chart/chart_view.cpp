@@ -137,7 +137,7 @@ void ChartView::copyData()
 
 void ChartView::copyLayout()
 {
-    const PlotScale scale(size());
+    const PlotScale scale(size(), QFontInfo(font()).pixelSize());
     applyScale(*m_plot, scale);
     const QFontMetrics metrics(m_plot->legend->font());
     const bool dense = m_grid.rowCount() > width();

@@ -25,12 +25,20 @@ constexpr QRgb kFrame = 0xFF909090;
 
 constexpr int kSmallestFont = 9;
 constexpr int kLargestFont = 13;
+constexpr int kUsualSystemFont = 13; // up to it the chart's size alone decides
 
 /// How far a step that meets both limits may be from the wanted one.
 constexpr double kStepTolerance = 1.7;
 
 const std::array<QCPAxis::AxisType, 4> kSides{QCPAxis::atLeft, QCPAxis::atRight, QCPAxis::atTop,
                                               QCPAxis::atBottom};
+
+/// Who has the system write larger reads the charts from as far away.
+int fontPixelsFor(int chartHeight, int systemFontPixels)
+{
+    const int pixels = std::clamp(7 + chartHeight / 50, kSmallestFont, kLargestFont);
+    return pixels * std::max(systemFontPixels, kUsualSystemFont) / kUsualSystemFont;
+}
 
 double magnitudeOf(double number)
 {
@@ -58,8 +66,8 @@ QPen seriesPen(int series, int seriesCount, bool dense)
     return pen;
 }
 
-PlotScale::PlotScale(QSize chart)
-    : fontPixels(std::clamp(7 + chart.height() / 50, kSmallestFont, kLargestFont)),
+PlotScale::PlotScale(QSize chart, int systemFontPixels)
+    : fontPixels(fontPixelsFor(chart.height(), systemFontPixels)),
       rowTicks(std::max(2, chart.width() / (8 * fontPixels))),
       valueTicks(std::clamp(chart.height() / 40, 2, 8)),
       legendText(std::max(4 * fontPixels, chart.width() / 6)),

@@ -208,4 +208,10 @@ TEST_F(ChartViewTest, TicksAreReadableAtAnySize)
             EXPECT_EQ(labels.at(i), QString("R%1").arg(ticks.at(i))) << "whole rows only";
         EXPECT_TRUE(plot.yAxis->tickVector().contains(150)) << "the limit has a label";
     }
+    const int letters = plot.legend->font().pixelSize();
+    QFont large;
+    large.setPixelSize(26);
+    view.setFont(large);
+    plot.replot();
+    EXPECT_EQ(plot.legend->font().pixelSize(), 2 * letters) << "as large as the system asks for";
 }
