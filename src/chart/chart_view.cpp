@@ -11,6 +11,9 @@
 namespace
 {
 
+/// What an axis shows on both sides of the only value it has.
+constexpr double kRoomBesideOne = 0.5;
+
 /// A plot keeps every mouse event and lets any button drag; here only the left button presses, the
 /// others belong to the window around it.
 class Plot final : public QCustomPlot
@@ -160,8 +163,10 @@ void ChartView::copyLayout()
 /// New limits or rows show at once, even in a zoomed plot; anything else leaves the zoom alone.
 void ChartView::followLimits()
 {
-    const QRectF area(1, m_grid.valueAxisMinimum(), std::max(1, m_grid.rowCount() - 1),
-                      m_grid.valueAxisMaximum() - m_grid.valueAxisMinimum());
+    QRectF area(1, m_grid.valueAxisMinimum(), std::max(1, m_grid.rowCount() - 1),
+                m_grid.valueAxisMaximum() - m_grid.valueAxisMinimum());
+    if (area.height() == 0) // an empty range is refused: the axis would keep its former limits
+        area.adjust(0, -kRoomBesideOne, 0, kRoomBesideOne);
     if (area == m_shownArea)
         return;
     m_shownArea = area;

@@ -124,6 +124,9 @@ TEST_F(ChartViewTest, DoubleClickOnThePlotRestoresTheLayout)
     grid.setValueAxisMaximum(200);
     QCoreApplication::processEvents();
     expectAllRows(200);
+    grid.setValueAxisMinimum(200);
+    plot.replot();
+    EXPECT_EQ(plot.yAxis->range(), QCPRange(199.5, 200.5)) << "equal limits";
 }
 
 TEST_F(ChartViewTest, LegendIsDraggedAndPutBack)
