@@ -14,6 +14,28 @@ namespace
 /// What an axis shows on both sides of the only value it has.
 constexpr double kRoomBesideOne = 0.5;
 
+/// A single row lies in the middle.
+QCPRange rowsInSight(int rowCount)
+{
+    if (rowCount == 1)
+        return {1 - kRoomBesideOne, 1 + kRoomBesideOne};
+    return QCPRange(1, std::max(2, rowCount));
+}
+
+QVector<QCPGraphData> pointsOf(std::span<const double> rows)
+{
+    if (rows.size() == 1) { // a point alone has no line: it goes across all that is seen
+        const QCPRange all = rowsInSight(1);
+        return {{all.lower, rows[0]}, {all.upper, rows[0]}};
+    }
+    QVector<QCPGraphData> points;
+    points.reserve(static_cast<qsizetype>(rows.size()));
+    double row = 1;
+    for (const double value : rows)
+        points.append({row++, value});
+    return points;
+}
+
 /// A plot keeps every mouse event and lets any button drag; here only the left button presses, the
 /// others belong to the window around it.
 class Plot final : public QCustomPlot
@@ -128,12 +150,7 @@ void ChartView::followGrid()
 void ChartView::copyData()
 {
     for (int series = 0; series < m_grid.columnCount(); ++series) {
-        const std::span<const double> values = m_grid.columnData(series + 1);
-        QVector<QCPGraphData> points;
-        points.reserve(static_cast<qsizetype>(values.size()));
-        double row = 1;
-        for (const double value : values)
-            points.append({row++, value});
+        const QVector<QCPGraphData> points = pointsOf(m_grid.columnData(series + 1));
         m_plot->graph(series)->data()->set(points, true);
     }
 }
@@ -163,7 +180,8 @@ void ChartView::copyLayout()
 /// New limits or rows show at once, even in a zoomed plot; anything else leaves the zoom alone.
 void ChartView::followLimits()
 {
-    QRectF area(1, m_grid.valueAxisMinimum(), std::max(1, m_grid.rowCount() - 1),
+    const QCPRange rows = rowsInSight(m_grid.rowCount());
+    QRectF area(rows.lower, m_grid.valueAxisMinimum(), rows.size(),
                 m_grid.valueAxisMaximum() - m_grid.valueAxisMinimum());
     if (area.height() == 0) // an empty range is refused: the axis would keep its former limits
         area.adjust(0, -kRoomBesideOne, 0, kRoomBesideOne);
@@ -211,7 +229,7 @@ void ChartView::pick(QPoint position)
         nearestRow = details.value<QCPDataSelection>().dataRange().begin();
     }
     if (nearestSeries >= 0)
-        emit pointPicked(nearestSeries + 1, nearestRow + 1);
+        emit pointPicked(nearestSeries + 1, std::min(nearestRow + 1, m_grid.rowCount()));
 }
 
 QImage ChartView::image(const QColor &behind)
