@@ -1,4 +1,4 @@
-// Pictures of the windows, for the manual and the README, the dialogs at two font sizes:
+// Pictures of the windows, for the manual and the README, most of them at two font sizes:
 //
 //   screenshots STATION_FOLDER IMAGE_FOLDER PRINTED_PAGE
 //
@@ -28,7 +28,9 @@ void takeAll(const QString &stationFolder, const QString &imageFolder, const QSt
     QFont font = QApplication::font();
     font.setPointSizeF(font.pointSizeF() * kLargeFont);
     QApplication::setFont(font);
-    Photographer(station, imageFolder, QStringLiteral("_large")).takeDialogs();
+    const Photographer large(station, imageFolder, QStringLiteral("_large"));
+    large.takeWindows();
+    large.takeDialogs();
 }
 
 } // namespace
