@@ -24,13 +24,18 @@ void takeAll(const QString &stationFolder, const QString &imageFolder, const QSt
     photographer.takeHistoryLimits();
     photographer.takeAboutBox();
     station.choose(QStringLiteral("PrintDiag"));
+}
 
+/// Opened with large letters, as the windows are where the system has them.
+void takeLarge(const QString &stationFolder, const QString &imageFolder, const QString &printedPage)
+{
     QFont font = QApplication::font();
     font.setPointSizeF(font.pointSizeF() * kLargeFont);
     QApplication::setFont(font);
-    const Photographer large(station, imageFolder, QStringLiteral("_large"));
-    large.takeWindows();
-    large.takeDialogs();
+    PosedStation station(stationFolder, printedPage);
+    const Photographer photographer(station, imageFolder, QStringLiteral("_large"));
+    photographer.takeWindows();
+    photographer.takeDialogs();
 }
 
 } // namespace
@@ -44,6 +49,9 @@ int main(int argc, char **argv)
         std::fputs("usage: screenshots STATION_FOLDER IMAGE_FOLDER PRINTED_PAGE\n", stderr);
         return 2;
     }
-    application.guard([&] { takeAll(arguments.at(1), arguments.at(2), arguments.at(3)); });
+    application.guard([&] {
+        takeAll(arguments.at(1), arguments.at(2), arguments.at(3));
+        takeLarge(arguments.at(1), arguments.at(2), arguments.at(3));
+    });
     return 0;
 }
