@@ -257,6 +257,7 @@ void Pager::beginRead()
         try {
             noticeOthers();
         } catch (...) {
+            m_mustLook = true; // what was to be seen has not been seen yet
             m_lock->unlock(Lock::Pages);
             throw;
         }
