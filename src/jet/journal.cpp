@@ -163,8 +163,9 @@ Journal::State Journal::stateOf(PageNo page, PageBytes found) const
 
 bool Journal::mustBeFinished(File &database) const
 {
-    const std::uint64_t size = database.size();
-    if (size < fileOffset(m_pagesBefore) || size > fileOffset(m_pagesAfter))
+    // Other programs may leave a file that ends inside a page; no opener counts that part.
+    const std::uint64_t pages = database.size() / kPageSize;
+    if (pages < m_pagesBefore || pages > m_pagesAfter)
         return false;
     PageBuffer found{};
     const auto load = [&](PageNo page) {
@@ -175,7 +176,7 @@ bool Journal::mustBeFinished(File &database) const
     };
     if (!std::ranges::all_of(m_witnesses, isAsItWas))
         return false;
-    bool begun = size != fileOffset(m_pagesBefore);
+    bool begun = pages != m_pagesBefore;
     for (const auto &[page, content] : m_pages) {
         if (page >= m_pagesBefore)
             continue;

@@ -54,9 +54,9 @@ public:
     static std::optional<Journal> read(File &file);
 
     /// True when the interrupted statement has begun to change the database and nobody else has
-    /// since: the size lies between before and after, every changed sector is the old or the new
-    /// one, and every witness is as it was. False when nothing of the statement has reached the
-    /// database, which then is whole without it, and when another program has written to it.
+    /// since: the number of pages lies between before and after, every changed sector is the old or
+    /// the new one, and every witness is as it was. False when nothing of the statement has reached
+    /// the database, which then is whole without it, and when another program has written to it.
     bool mustBeFinished(File &database) const;
 
     PageNo pagesAfter() const { return m_pagesAfter; }

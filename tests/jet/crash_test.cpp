@@ -23,6 +23,7 @@ struct Scenario {
     const char *name;
     std::function<void(Database &)> prepare;
     std::function<void(Database &)> statement;
+    std::size_t bytesBehindLastPage = 0;
 
     friend void PrintTo(const Scenario &scenario, std::ostream *out) { *out << scenario.name; }
 };
@@ -68,9 +69,19 @@ void prepareTabel(Database &database, std::int32_t rows)
     appendSamples(table, 1, rows);
 }
 
+void prepareTwenty(Database &database)
+{
+    prepareTabel(database, 20);
+}
+
+void appendOne(Database &database)
+{
+    database.table(u"Tabel").appendRow(sampleRow(21));
+}
+
 const Scenario kScenarios[] = {
-    {"append", [](Database &database) { prepareTabel(database, 20); },
-     [](Database &database) { database.table(u"Tabel").appendRow(sampleRow(21)); }},
+    {"append", prepareTwenty, appendOne},
+    {"append to a file that ends inside a page", prepareTwenty, appendOne, 100},
     {"append with a new page and a split index",
      [](Database &database) { prepareTabel(database, 401); },
      [](Database &database) {
@@ -214,6 +225,8 @@ protected:
             Database database = openOn(m_start);
             inTransaction(database, [&] { GetParam().prepare(database); });
         }
+        Bytes &content = m_start.files[kFile].content;
+        content.resize(content.size() + GetParam().bytesBehindLastPage, 7);
         m_start.endProgram();
         MemoryDisk disk = m_start;
         Database database = openOn(disk);
