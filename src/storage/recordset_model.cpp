@@ -104,6 +104,9 @@ const jet::Row *RecordsetModel::fetch(int row) const
     if (m_failed)
         return nullptr;
     try {
+        // The way to the end of a day is long. The station's own samples do not wait for it: they
+        // are stored by the thread that draws the grid.
+        const jet::Snapshot snapshot(set.database);
         const auto wanted = static_cast<std::size_t>(row);
         while (set.found.size() <= wanted && set.walk.next())
             set.found.push_back(set.walk.bookmark());
