@@ -113,11 +113,12 @@ int MeasurementStore::appendRecord(const QString &nume)
     try {
         table.append(record);
     } catch (const jet::Error &error) {
+        if (error.code() != jet::ErrorCode::DuplicateKey || !m_gaps.contains(nume))
+            throw;
         // A repair copies the numbers as they are. Where records are missing in the middle the next
         // one collides again, for the rest of the day: each sample would be lost to a new repair.
         const std::int32_t largest = largestId(table);
-        if (error.code() != jet::ErrorCode::DuplicateKey || !m_gaps.contains(nume) ||
-            largest == std::numeric_limits<std::int32_t>::max())
+        if (largest == std::numeric_limits<std::int32_t>::max())
             throw;
         record.front().second = largest + 1;
         table.append(record);
