@@ -44,11 +44,16 @@ std::unique_ptr<File> JournalFile::open()
     const bool isNew = !m_files.exists(m_path);
     auto file = m_files.open(m_path, FileSystem::Access::Create);
     m_wasOpened = true;
-    if (isNew)
+    if (isNew) {
         m_files.matchAccess(m_path, m_database);
-    // Without its name on the disk the journal would be lost with the power.
-    if (isNew && m_durability == Durability::Synced)
+        m_nameIsDurable = false;
+    }
+    // Without its name on the disk the journal would be lost with the power. A file that was found
+    // does not show whether its maker came as far as that.
+    if (!m_nameIsDurable && m_durability == Durability::Synced) {
         m_files.syncFolder(m_path.parent_path());
+        m_nameIsDurable = true;
+    }
     return file;
 }
 

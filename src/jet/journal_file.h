@@ -35,6 +35,7 @@ private:
     std::filesystem::path m_path;
     Durability m_durability;
     bool m_wasOpened = false;
+    bool m_nameIsDurable = false;
 };
 
 } // namespace jet

@@ -2,6 +2,7 @@
 #include "tests/jet/sample_database.h"
 
 #include "jet/compact.h"
+#include "jet/journal.h"
 #include "jet/new_database.h"
 
 #include <gtest/gtest.h>
@@ -196,13 +197,14 @@ Content contentOf(const Database &database)
 }
 
 /// Calls `inspect(disk, done, what)` after each operation of `run(disk)` in turn was hit, writes at
-/// each sector; `done` when it was carried out all the same.
+/// each `step` bytes; `done` when it was carried out all the same.
 template <typename Run, typename Inspect>
-void tryEveryFault(const MemoryDisk &start, MemoryDisk::Fault fault, Run &&run, Inspect &&inspect)
+void tryEveryFault(const MemoryDisk &start, MemoryDisk::Fault fault, Run &&run, Inspect &&inspect,
+                   std::size_t step = kSectorSize)
 {
     for (long at = 1;; ++at) {
         std::size_t length = 0;
-        for (std::size_t kept = 0; kept <= length; kept += 512) {
+        for (std::size_t kept = 0; kept <= length; kept += step) {
             MemoryDisk disk = start;
             disk.setFault(fault, at, kept);
             const bool done = !errorOf([&] { run(disk); });
@@ -320,6 +322,23 @@ TEST_P(CrashAgain, DiskThatStaysBrokenIsNeverSeenHalfWritten)
         }
     };
     tryEveryFault(m_start, MemoryDisk::Fault::Stop, runAndReadTwice, [](auto &&...) {});
+}
+
+TEST_P(CrashAgain, PowerLostAfterAKilledProgramLeavesAllOrNothing)
+{
+    std::uint32_t seed = 1;
+    const auto inspectWithoutPower = [&](MemoryDisk &disk, bool mustBeAfter,
+                                         const std::string &what) {
+        disk.losePower(++seed);
+        expectOneOrTheOther(openOn(disk), mustBeAfter, what);
+    };
+    const auto goOn = [&](MemoryDisk &disk, bool, const std::string &what) {
+        disk.fault = MemoryDisk::Fault::None; // the system goes on and may still lose everything
+        tryEveryFault(disk, MemoryDisk::Fault::Stop, runStatement, inspectWithoutPower, kPageSize);
+        const bool isAfter = contentOf(openOn(disk)) == m_after;
+        inspectWithoutPower(disk, isAfter, what);
+    };
+    tryEveryFault(m_start, MemoryDisk::Fault::Stop, runStatement, goOn, kPageSize);
 }
 
 std::string nameOf(const testing::TestParamInfo<Scenario> &scenario)
