@@ -36,14 +36,17 @@ void MeasurementStore::archiveAndEmpty(const QString &nume, const QString &archi
         throw RuntimeError(RuntimeError::FileNotFound);
     // Opening finishes what a stopped program left undone, and the transaction keeps others from
     // writing between the copy and the emptying. A file that cannot be opened is copied all the
-    // same: its bytes may be all that is left of the day.
+    // same: its bytes may be all that is left of the day. Not so while another program writes to
+    // it: the copy would be half of a statement, and might replace a sound archive of the day.
     std::optional<jet::Database> database;
     std::optional<jet::Transaction> transaction;
     std::exception_ptr notOpened;
     try {
         database.emplace(openStorage(nume));
         transaction.emplace(*database);
-    } catch (const jet::Error &) {
+    } catch (const jet::Error &error) {
+        if (error.code() == jet::ErrorCode::InUse)
+            throw;
         notOpened = std::current_exception();
     }
     copyFile(storage, archive);

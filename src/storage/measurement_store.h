@@ -45,7 +45,8 @@ public:
     /// Copies storage file `nume` to the archive of today, then removes all its records. An archive
     /// of the same day is replaced. File already empty: the operator is told, the (empty) archive
     /// stays. Any other failure: number and description are told; records are removed only when
-    /// the archive is safely on the disk.
+    /// the archive is safely on the disk. A file that another program writes to is not copied, one
+    /// that cannot be opened for another reason is.
     void arhiveaza_baza_date(const QString &nume);
 
 signals:

@@ -69,7 +69,7 @@ protected:
     }
 
     TestTime time;
-    MeasurementStore store{station, op, time};
+    MeasurementStore store{station, op, time, {.lockTimeout = std::chrono::milliseconds(20)}};
 };
 
 const QString kRepaired = QStringLiteral("S-a reparat baza de date autoclava1.mdb !");
@@ -249,6 +249,38 @@ TEST_F(StorageTest, ArchiveThatCannotBeMadeDeletesNothing)
     expectTold("76 Path not found");
     QFile::remove(storage());
     expectTold("53 File not found");
+}
+
+TEST_F(StorageTest, FileThatCannotBeOpenedIsArchivedUnlessAnotherProgramWritesToIt)
+{
+    const auto bytesOf = [](const QString &path) {
+        QFile file(path);
+        EXPECT_TRUE(file.open(QIODevice::ReadOnly));
+        return file.readAll();
+    };
+    const auto expectTold = [&](const char *number) {
+        store.arhiveaza_baza_date(station.NumeFisier[0]);
+        ASSERT_EQ(op.told.size(), 1);
+        EXPECT_TRUE(op.told.takeLast().startsWith(number)) << number;
+    };
+    append(2);
+    store.arhiveaza_baza_date(station.NumeFisier[0]);
+    const QByteArray sound = bytesOf(archive());
+    append();
+    {
+        jet::Database other = jet::Database::open(nativePath(storage()));
+        const jet::Transaction writing(other);
+        expectTold("3356 ");
+    }
+    EXPECT_EQ(bytesOf(archive()), sound);
+    EXPECT_EQ(ids(storage()), (std::vector<int>{1}));
+
+    QFile file(storage());
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+    file.write("what is left of the day");
+    file.close();
+    expectTold("3343 ");
+    EXPECT_EQ(bytesOf(archive()), "what is left of the day");
 }
 
 TEST_F(StorageTest, BrowserIsClosedFirstAndComesBackAfterTheArchiveOnly)
