@@ -19,27 +19,29 @@ void Pager::noticeOthers()
     if (m_options.readOnly) {
         loadOverlay();
     } else if (!m_journal.isEmpty()) {
-        m_lock->unlock(Lock::Pages);
         recover();
-        lockPages(LockFile::Mode::Shared, "another program is writing to it");
     }
     refreshPageCount();
 }
 
+/// Called and left with the pages locked for reading.
 void Pager::recover()
 {
-    if (m_holdsWriter) {
-        finishJournal();
-        return;
-    }
-    lockWriter();
+    m_lock->unlock(Lock::Pages); // a writer may be waiting for them
+    const bool heldWriter = m_holdsWriter;
+    if (!heldWriter)
+        lockWriter();
     try {
         finishJournal();
+        // While nobody else can write: another writer might stop halfway before the pages are read.
+        lockPages(LockFile::Mode::Shared, "another program is writing to it");
     } catch (...) {
-        unlockWriter();
+        if (!heldWriter)
+            unlockWriter();
         throw;
     }
-    unlockWriter();
+    if (!heldWriter)
+        unlockWriter();
 }
 
 void Pager::finishJournal()
