@@ -53,7 +53,12 @@ TEST_F(Sharing, OneWritesAtATimeAndNobodySeesHalf)
         EXPECT_EQ(errorOf([&] { table.appendRow(sampleRow(201)); }), ErrorCode::InUse);
         EXPECT_EQ(seen.recordCount(), 200U);
     }
-    table.appendRow(sampleRow(201));
+    {
+        const Snapshot own(writer);
+        table.appendRow(sampleRow(201));
+        EXPECT_EQ(errorOf([&] { other.table(u"Tabel").appendRow(sampleRow(202)); }),
+                  ErrorCode::InUse);
+    }
     EXPECT_EQ(other.table(u"Tabel").recordCount(), 201U);
     EXPECT_EQ(errorOf([&] { Database::open(m_path, {true}).table(u"Tabel").deleteAll(); }),
               ErrorCode::ReadOnly);
@@ -110,12 +115,18 @@ TEST_F(Sharing, LeftOverJournalIsDroppedWhenAnotherProgramHasChangedTheFile)
     const auto changed = std::ranges::mismatch(before, torn).in1 - before.begin();
     const auto files = makeSystemFiles();
     const auto log = files->open(m_folder / "autoclava1.mdb.jrn", FileSystem::Access::Read);
-    const auto usedAfterChange = [&](std::ptrdiff_t offset) {
-        Bytes foreign = torn;
-        foreign[static_cast<std::size_t>(offset)] ^= 0x55;
+    const auto isUsedOn = [&](const Bytes &foreign) {
         writeFile(m_path, foreign);
         return Journal::read(*log)->mustBeFinished(*files->open(m_path, FileSystem::Access::Read));
     };
+    const auto usedAfterChange = [&](std::ptrdiff_t offset) {
+        Bytes foreign = torn;
+        foreign[static_cast<std::size_t>(offset)] ^= 0x55;
+        return isUsedOn(foreign);
+    };
+    Bytes longer = torn;
+    longer.resize(torn.size() + kPageSize);
+    EXPECT_FALSE(isUsedOn(longer)) << "a page that the statement did not add";
     EXPECT_TRUE(usedAfterChange(6 * 4096)) << "a page that the statement has nothing to do with";
     EXPECT_FALSE(usedAfterChange(0xE00)) << "a user's commit counter";
     EXPECT_FALSE(usedAfterChange(4096 + 100)) << "a page that the statement only relied on";
@@ -152,29 +163,28 @@ TEST_F(LeftOverJournal, IsDroppedWhenNothingOfItReachedTheFile)
     EXPECT_FALSE(exists("autoclava1.mdb.jrn"));
 }
 
-/// The system's files, for what happens between two looks at them.
-class SystemFilesBut : public FileSystem
+TEST_F(Sharing, OpenerThatSurvivesAStoppedWriterFinishesItsStatement)
 {
-public:
-    std::unique_ptr<File> open(const std::filesystem::path &path, Access access) override
-    {
-        return m_files->open(path, access);
-    }
-    bool exists(const std::filesystem::path &path) override { return m_files->exists(path); }
-    void remove(const std::filesystem::path &path) override { m_files->remove(path); }
-    void replace(const std::filesystem::path &from, const std::filesystem::path &to) override
-    {
-        m_files->replace(from, to);
-    }
-    void syncFolder(const std::filesystem::path &folder) override { m_files->syncFolder(folder); }
-    std::unique_ptr<LockFile> openLock(const std::filesystem::path &path, Access access) override
-    {
-        return m_files->openLock(path, access);
-    }
+    const Database survivor = open();
+    EXPECT_EQ(idsOf(survivor.table(u"Tabel").records()).size(), 20U);
+    interruptAppend(m_path, 21, 90);
+    EXPECT_EQ(idsOf(survivor.table(u"Tabel").records()).size(), 90U);
+    EXPECT_EQ(findings(survivor), "");
+}
 
-private:
-    std::unique_ptr<FileSystem> m_files = makeSystemFiles();
-};
+TEST_F(Sharing, FilesBesideTheDatabaseHaveItsRights)
+{
+    const auto rightsOf = [&](const char *name) {
+        return std::filesystem::status(m_folder / name).permissions();
+    };
+    using std::filesystem::perms;
+    std::filesystem::permissions(m_path, perms::owner_read | perms::owner_write |
+                                             perms::group_read | perms::group_write);
+    Database database = open();
+    database.table(u"Tabel").appendRow(sampleRow(21));
+    EXPECT_EQ(rightsOf("autoclava1.ldb"), rightsOf("autoclava1.mdb"));
+    EXPECT_EQ(rightsOf("autoclava1.mdb.jrn"), rightsOf("autoclava1.mdb"));
+}
 
 /// A compaction comes between the first look at a database and its lock.
 class CompactingFiles final : public SystemFilesBut
