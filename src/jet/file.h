@@ -92,7 +92,8 @@ public:
                              const std::filesystem::path & /*model*/)
     {
     }
-    /// Returns when names made, removed or replaced in the folder would survive a loss of power.
+    /// Returns when names made, removed or replaced in the folder would survive a loss of power, as
+    /// far as the file system can be asked for that.
     virtual void syncFolder(const std::filesystem::path &folder) = 0;
     /// Never null. With Access::Read on a folder where no file can be made the locks are dummies.
     virtual std::unique_ptr<LockFile> openLock(const std::filesystem::path &path,

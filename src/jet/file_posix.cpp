@@ -260,9 +260,14 @@ public:
     {
         const std::filesystem::path name = folder.empty() ? "." : folder;
         const Descriptor descriptor(::open(name.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-        if (!descriptor.isOpen() || ::fsync(descriptor.number()) != 0)
-            throwSystemError("Writing the folder '" + displayName(name) + "' to the disk failed",
-                             errno);
+        if (descriptor.isOpen() && ::fsync(descriptor.number()) == 0)
+            return;
+        // A folder that may be written but not read, and file systems that do not know the call:
+        // there is no way to ask for more than they do by themselves.
+        if (errno == EACCES || errno == EINVAL || errno == ENOTSUP)
+            return;
+        throwSystemError("Writing the folder '" + displayName(name) + "' to the disk failed",
+                         errno);
     }
 
     std::unique_ptr<LockFile> openLock(const std::filesystem::path &path, Access access) override
