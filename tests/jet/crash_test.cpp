@@ -252,6 +252,13 @@ protected:
         EXPECT_EQ(findings(database), "") << what;
     }
 
+    void expectOneOrTheOtherWithoutPower(MemoryDisk &disk, bool mustBeAfter,
+                                         const std::string &what)
+    {
+        disk.losePower(++m_seed);
+        expectOneOrTheOther(openOn(disk), mustBeAfter, what + ", power lost");
+    }
+
     static void expectContent(const Database &database, const Content &content,
                               const std::string &what)
     {
@@ -262,6 +269,7 @@ protected:
     MemoryDisk m_start;
     Content m_before;
     Content m_after;
+    std::uint32_t m_seed = 1;
 };
 
 TEST_P(Crash, StoppedOrTornWriteLeavesAllOrNothing)
@@ -275,12 +283,8 @@ TEST_P(Crash, StoppedOrTornWriteLeavesAllOrNothing)
 
 TEST_P(Crash, LostPowerLeavesAllOrNothing)
 {
-    std::uint32_t seed = 1;
     tryEveryFault(m_start, MemoryDisk::Fault::Stop, runStatement,
-                  [&](MemoryDisk &disk, bool done, const std::string &what) {
-                      disk.losePower(++seed);
-                      expectOneOrTheOther(openOn(disk), done, what + ", power lost");
-                  });
+                  [&](auto &&...left) { expectOneOrTheOtherWithoutPower(left...); });
 }
 
 TEST_P(Crash, FailedWriteKeepsOldContentAndTheStatementMayBeTriedAgain)
@@ -306,9 +310,7 @@ TEST_P(Crash, FailedWriteKeepsOldContentAndTheStatementMayBeTriedAgain)
 }
 
 // One trouble after another, with the statement that comes most often.
-class CrashAgain : public Crash
-{
-};
+using CrashAgain = Crash;
 
 TEST_P(CrashAgain, DiskThatStaysBrokenIsNeverSeenHalfWritten)
 {
@@ -326,17 +328,12 @@ TEST_P(CrashAgain, DiskThatStaysBrokenIsNeverSeenHalfWritten)
 
 TEST_P(CrashAgain, PowerLostAfterAKilledProgramLeavesAllOrNothing)
 {
-    std::uint32_t seed = 1;
-    const auto inspectWithoutPower = [&](MemoryDisk &disk, bool mustBeAfter,
-                                         const std::string &what) {
-        disk.losePower(++seed);
-        expectOneOrTheOther(openOn(disk), mustBeAfter, what);
-    };
+    const auto inspect = [&](auto &&...left) { expectOneOrTheOtherWithoutPower(left...); };
     const auto goOn = [&](MemoryDisk &disk, bool, const std::string &what) {
         disk.fault = MemoryDisk::Fault::None; // the system goes on and may still lose everything
-        tryEveryFault(disk, MemoryDisk::Fault::Stop, runStatement, inspectWithoutPower, kPageSize);
+        tryEveryFault(disk, MemoryDisk::Fault::Stop, runStatement, inspect, kPageSize);
         const bool isAfter = contentOf(openOn(disk)) == m_after;
-        inspectWithoutPower(disk, isAfter, what);
+        inspect(disk, isAfter, what);
     };
     tryEveryFault(m_start, MemoryDisk::Fault::Stop, runStatement, goOn, kPageSize);
 }
