@@ -49,7 +49,6 @@ FormCalibrare::FormCalibrare(Station &station, Settings &settings, Operator &op,
         m_boxes.front()->selectAll();
     adjustSize();
     centreOnScreen(*this, screenTwips);
-    connect(this, &QDialog::finished, this, &FormCalibrare::closed);
 }
 
 QLayout *FormCalibrare::rows()

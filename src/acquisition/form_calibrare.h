@@ -18,10 +18,6 @@ public:
     FormCalibrare(Station &station, Settings &settings, Operator &op, QSize screenTwips,
                   QWidget *parent = nullptr);
 
-signals:
-    /// The dialog has closed, whatever the way.
-    void closed();
-
 private:
     QLayout *rows();
     void showOffsets();

@@ -44,6 +44,7 @@ QList<QWidget *> DialogCommands::openForms() const
 void DialogCommands::openLocked(QDialog *dialog)
 {
     dialog->setAttribute(Qt::WA_DeleteOnClose);
+    connect(dialog, &QDialog::finished, this, [this, dialog] { release(dialog); });
     m_activeBefore = m_window.activeChild();
     dialog->show();
     dialog->activateWindow();
@@ -79,7 +80,6 @@ void DialogCommands::openOptions(int diagram, const QString &tabKey)
         diagram, m_station, m_settings, m_clock,
         [this](QWidget &caller, const QString &message) { arata_eroare(caller, message); },
         screenTwips(), &m_window);
-    connect(dialog, &frmOptDiag::closed, this, [this, dialog] { release(dialog); });
     dialog->selectTab(tabKey);
     openLocked(dialog);
 }
@@ -87,7 +87,6 @@ void DialogCommands::openOptions(int diagram, const QString &tabKey)
 void DialogCommands::openCalibration()
 {
     auto *dialog = new FormCalibrare(m_station, m_settings, m_operator, screenTwips(), &m_window);
-    connect(dialog, &FormCalibrare::closed, this, [this, dialog] { release(dialog); });
     openLocked(dialog);
 }
 
@@ -97,7 +96,6 @@ void DialogCommands::openHistoryLimits()
         m_station, m_settings,
         [this](QWidget &caller, const QString &message) { arata_eroare(caller, message); },
         screenTwips(), &m_window);
-    connect(dialog, &FrmIstoric::closed, this, [this, dialog] { release(dialog); });
     openLocked(dialog);
 }
 

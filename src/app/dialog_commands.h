@@ -6,7 +6,6 @@
 #include <QList>
 #include <QObject>
 #include <QPointer>
-#include <functional>
 
 class Clock;
 class FormEroare;
@@ -30,10 +29,6 @@ public:
     void openTitle(int diagram);
     void openCalibration();
     void openHistoryLimits();
-    /// Shows a dialog as a locked one; the dialog says when it has closed.
-    void openLocked(QDialog *dialog);
-    /// Gives back what openLocked() took.
-    void release(QDialog *dialog);
     /// A window that opens behind a locked dialog is disabled like the others; false when no dialog
     /// is locked.
     bool lockToo(QWidget &window);
@@ -48,6 +43,9 @@ private:
     QSize screenTwips() const;
     QList<QWidget *> openForms() const;
     void openModal(QDialog *dialog);
+    void openLocked(QDialog *dialog);
+    /// Gives back what openLocked() took.
+    void release(QDialog *dialog);
 
     Station &m_station;
     Settings &m_settings;

@@ -1,19 +1,16 @@
 #include "diagrams/frm_istoric.h"
 #include "app/settings/texts.h"
 #include "diagrams/texts.h"
-#include "platform/dialog_buttons.h"
 #include "platform/window_frame.h"
 
-#include <QEvent>
 #include <QFormLayout>
 #include <QGroupBox>
 #include <QHBoxLayout>
 #include <QLineEdit>
-#include <QPushButton>
 
 FrmIstoric::FrmIstoric(Station &station, Settings &settings, ShowError arata_eroare,
                        QSize screenTwips, QWidget *parent)
-    : QDialog(parent),
+    : DefaultsDialog(parent),
       m_limits(station, settings, [this, show = std::move(arata_eroare)](const QString &message) {
           show(*this, message);
       })
@@ -28,7 +25,6 @@ FrmIstoric::FrmIstoric(Station &station, Settings &settings, ShowError arata_ero
     column->addLayout(buttonRow());
     fillBoxes();
     focusFirstBox();
-    connect(this, &QDialog::finished, this, &FrmIstoric::closed);
     adjustSize();
     centreOnScreen(*this, screenTwips);
 }
@@ -47,41 +43,6 @@ QGroupBox *FrmIstoric::limitsOf(int diagram, QLineEdit *&upper, QLineEdit *&lowe
     return frame;
 }
 
-QHBoxLayout *FrmIstoric::buttonRow()
-{
-    auto *row = new QHBoxLayout;
-    const auto add = [&](const QString &name, const QString &caption, auto &&clicked) {
-        QPushButton *button = dialogButton(*this, {name, caption});
-        connect(button, &QPushButton::clicked, this, clicked);
-        row->addWidget(button);
-        return button;
-    };
-    add(QStringLiteral("cmdSaveDef"), texts::settings::saveDefaultsButton(),
-        &FrmIstoric::cmdSaveDef_Click);
-    add(QStringLiteral("cmdRestDef"), texts::settings::restoreDefaultsButton(),
-        &FrmIstoric::cmdRestDef_Click);
-    row->addStretch();
-    add(QStringLiteral("cmdOK"), texts::settings::okButton(), &FrmIstoric::cmdOK_Click)
-        ->setDefault(true);
-    add(QStringLiteral("cmdCancel"), texts::settings::cancelButton(), &FrmIstoric::reject);
-    add(QStringLiteral("cmdApply"), texts::settings::applyButton(), &FrmIstoric::cmdApply_Click);
-    return row;
-}
-
-void FrmIstoric::reject()
-{
-    if (isEnabled())
-        QDialog::reject();
-}
-
-void FrmIstoric::changeEvent(QEvent *event)
-{
-    QDialog::changeEvent(event);
-    // Being disabled took the focus away; behind the error window the entry is corrected.
-    if (event->type() == QEvent::EnabledChange && isEnabled())
-        focusFirstBox();
-}
-
 void FrmIstoric::focusFirstBox()
 {
     m_supTemp->setFocus();
@@ -97,7 +58,8 @@ void FrmIstoric::fillBoxes()
     m_supPres->setText(texts.LimSupPres);
 }
 
-bool FrmIstoric::cmdApply_Click()
+/// False when the entry was refused.
+bool FrmIstoric::takeEntry()
 {
     HistoryLimitTexts texts{m_infTemp->text(), m_supTemp->text(), m_infPres->text(),
                             m_supPres->text()};
@@ -107,16 +69,21 @@ bool FrmIstoric::cmdApply_Click()
     return valid;
 }
 
+void FrmIstoric::cmdApply_Click()
+{
+    takeEntry();
+}
+
 void FrmIstoric::cmdOK_Click()
 {
-    if (cmdApply_Click())
+    if (takeEntry())
         accept();
 }
 
 /// What is in memory is saved, even when the entry was refused.
 void FrmIstoric::cmdSaveDef_Click()
 {
-    cmdApply_Click();
+    takeEntry();
     m_limits.save();
 }
 

@@ -20,7 +20,6 @@ frmNumeSenzori::frmNumeSenzori(int diagram, Station &station, Settings &settings
     fitCaption(*this);
     incarca_senzori_form();
     aranjare_senzori_form();
-    connect(this, &QDialog::finished, this, &frmNumeSenzori::closed);
 }
 
 void frmNumeSenzori::incarca_senzori_form()

@@ -17,10 +17,6 @@ public:
     /// dialog. Throws RuntimeError 9 when there is no such diagram.
     frmNumeSenzori(int diagram, Station &station, Settings &settings, QWidget *parent = nullptr);
 
-signals:
-    /// The dialog has closed, whatever the way.
-    void closed();
-
 private:
     void incarca_senzori_form();
     void aranjare_senzori_form();

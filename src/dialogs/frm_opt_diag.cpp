@@ -2,7 +2,6 @@
 #include "app/settings/station.h"
 #include "app/settings/texts.h"
 #include "dialogs/texts.h"
-#include "platform/dialog_buttons.h"
 #include "platform/window_frame.h"
 
 #include <QComboBox>
@@ -10,11 +9,9 @@
 #include <QDir>
 #include <QGridLayout>
 #include <QGroupBox>
-#include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
-#include <QPushButton>
 #include <QTabBar>
 #include <QTabWidget>
 #include <QVBoxLayout>
@@ -57,10 +54,9 @@ QWidget *panelOf(std::initializer_list<QWidget *> parts)
 
 frmOptDiag::frmOptDiag(int diagram, Station &station, Settings &settings, const Clock &clock,
                        ShowError arata_eroare, QSize screenTwips, QWidget *parent)
-    : QDialog(parent), m_options(station, settings, clock, static_cast<std::size_t>(diagram),
-                                 [this, show = std::move(arata_eroare)](const QString &message) {
-                                     show(*this, message);
-                                 }),
+    : DefaultsDialog(parent), m_options(station, settings, clock, static_cast<std::size_t>(diagram),
+                                        [this, show = std::move(arata_eroare)](
+                                            const QString &message) { show(*this, message); }),
       m_tabs(new QTabWidget)
 {
     setObjectName(QStringLiteral("frmOptDiag%1").arg(diagram + 1));
@@ -81,7 +77,6 @@ frmOptDiag::frmOptDiag(int diagram, Station &station, Settings &settings, const 
     for (int tab = 0; tab < m_tabs->count(); ++tab)
         m_options.afiseaza_tab(m_tabs->tabText(tab), texts);
     fillBoxes(texts);
-    connect(this, &QDialog::finished, this, &frmOptDiag::closed);
     adjustSize();
     centreOnScreen(*this, screenTwips);
 }
@@ -150,29 +145,6 @@ void frmOptDiag::addStorageNames(QGridLayout &grid, int firstRow)
     }
 }
 
-QLayout *frmOptDiag::buttonRow()
-{
-    auto *row = new QHBoxLayout;
-    const auto add = [&](const QString &name, const QString &caption, auto &&clicked) {
-        QPushButton *button = dialogButton(*this, {name, caption});
-        connect(button, &QPushButton::clicked, this, clicked);
-        row->addWidget(button);
-        return button;
-    };
-    add(QStringLiteral("cmdSaveDef"), texts::settings::saveDefaultsButton(),
-        [this] { runOnSelectedTab(&DiagramOptions::saveDefaults); });
-    add(QStringLiteral("cmdRestDef"), texts::settings::restoreDefaultsButton(),
-        [this] { runOnSelectedTab(&DiagramOptions::restoreDefaults); });
-    row->addStretch();
-    add(QStringLiteral("cmdOK"), texts::settings::okButton(), [this] {
-        cmdOK_Click();
-    })->setDefault(true);
-    add(QStringLiteral("cmdCancel"), texts::settings::cancelButton(), [this] { reject(); });
-    add(QStringLiteral("cmdApply"), texts::settings::applyButton(),
-        [this] { runOnSelectedTab(&DiagramOptions::apply); });
-    return row;
-}
-
 void frmOptDiag::selectTab(const QString &key)
 {
     for (int tab = 0; tab < m_tabs->count(); ++tab)
@@ -226,6 +198,21 @@ void frmOptDiag::runOnSelectedTab(TabAction action)
     fillBoxes(texts);
 }
 
+void frmOptDiag::cmdSaveDef_Click()
+{
+    runOnSelectedTab(&DiagramOptions::saveDefaults);
+}
+
+void frmOptDiag::cmdRestDef_Click()
+{
+    runOnSelectedTab(&DiagramOptions::restoreDefaults);
+}
+
+void frmOptDiag::cmdApply_Click()
+{
+    runOnSelectedTab(&DiagramOptions::apply);
+}
+
 void frmOptDiag::cmdOK_Click()
 {
     OptionTexts texts = readBoxes();
@@ -235,26 +222,11 @@ void frmOptDiag::cmdOK_Click()
         accept();
 }
 
-void frmOptDiag::reject()
-{
-    // A window system may still offer the title bar's button of a disabled window.
-    if (isEnabled())
-        QDialog::reject();
-}
-
-void frmOptDiag::changeEvent(QEvent *event)
-{
-    QDialog::changeEvent(event);
-    // Being disabled took the focus away; behind the error window the entry is corrected.
-    if (event->type() == QEvent::EnabledChange && isEnabled())
-        focusFirstBox();
-}
-
 void frmOptDiag::keyPressEvent(QKeyEvent *event)
 {
     // Ctrl+Tab turns the tabs wherever the focus is, also on a button below them.
     if (event->key() == Qt::Key_Tab && event->modifiers() & Qt::ControlModifier)
         QCoreApplication::sendEvent(m_tabs, event);
     else
-        QDialog::keyPressEvent(event);
+        DefaultsDialog::keyPressEvent(event);
 }

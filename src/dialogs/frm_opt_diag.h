@@ -1,8 +1,7 @@
 #pragma once
 
+#include "app/settings/defaults_dialog.h"
 #include "dialogs/diagram_options.h"
-
-#include <QDialog>
 
 class QComboBox;
 class QGridLayout;
@@ -10,16 +9,11 @@ class QLineEdit;
 class QTabWidget;
 
 /// The options of one diagram: graph limits, alarms, scan options. One class serves both diagrams
-/// under the names frmOptDiag1 and frmOptDiag2. Modeless; it expects to be opened as a locked
-/// dialog.
-class frmOptDiag : public QDialog
+/// under the names frmOptDiag1 and frmOptDiag2.
+class frmOptDiag : public DefaultsDialog
 {
     Q_OBJECT
 public:
-    /// arata_eroare: shows a message in the error window with `caller` disabled meanwhile, and
-    /// returns at once.
-    using ShowError = std::function<void(QWidget &caller, const QString &message)>;
-
     /// `diagram`: index into the diagram table, 0 or 1. The dialog stands in the middle of a screen
     /// of that size, in twips; all tabs are filled from memory. Station, settings and clock must
     /// outlive it.
@@ -30,15 +24,12 @@ public:
     /// first box the focus.
     void selectTab(const QString &key);
 
-    /// Closes the dialog, unless the error window is open over it.
-    void reject() override;
-
-signals:
-    /// The dialog has closed, whatever the way.
-    void closed();
-
 protected:
-    void changeEvent(QEvent *event) override;
+    void cmdSaveDef_Click() override;
+    void cmdRestDef_Click() override;
+    void cmdOK_Click() override;
+    void cmdApply_Click() override;
+    void focusFirstBox() override;
     void keyPressEvent(QKeyEvent *event) override;
 
 private:
@@ -47,15 +38,11 @@ private:
     QWidget *alarmsPanel();
     QWidget *scanPanel(int diagram, const QString &storageFolder);
     void addStorageNames(QGridLayout &grid, int firstRow);
-    QLayout *buttonRow();
-
-    void focusFirstBox();
     QString selectedTab() const;
     OptionTexts readBoxes() const;
     void fillBoxes(const OptionTexts &texts);
     using TabAction = void (DiagramOptions::*)(const QString &tab, OptionTexts &texts);
     void runOnSelectedTab(TabAction action);
-    void cmdOK_Click();
 
     DiagramOptions m_options;
     QTabWidget *m_tabs;

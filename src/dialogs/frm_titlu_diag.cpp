@@ -26,7 +26,6 @@ frmTitluDiag::frmTitluDiag(Station &station, Settings &settings, QWidget *parent
         dialogButtons(*this, {QStringLiteral("OKButton"), texts::settings::okButton()},
                       {QStringLiteral("CancelButton"), texts::settings::cancelButton()},
                       [this] { OKButton_Click(); }));
-    connect(this, &QDialog::finished, this, &frmTitluDiag::closed);
 }
 
 void frmTitluDiag::incarca_titlu(int diagram)

@@ -21,8 +21,6 @@ public:
 signals:
     /// A diagram has a new title: time for scrie_titlu_diagrame.
     void titleChanged();
-    /// The dialog has closed, whatever the way.
-    void closed();
 
 private:
     void OKButton_Click();

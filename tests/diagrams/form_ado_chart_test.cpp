@@ -198,7 +198,7 @@ TEST_F(FrmIstoricTest, AppliesSavesAndRestoresTheLimits)
     EXPECT_EQ(diagrams.chart(0).valueAxisMinimum(), 5);
     EXPECT_EQ(box("LimInfTextTemp").text(), "5");
 
-    QSignalSpy closed(&form, &FrmIstoric::closed);
+    QSignalSpy closed(&form, &QDialog::finished);
     box("LimSupTextPres").setText("77");
     click("cmdOK");
     EXPECT_EQ(closed.size(), 1);
@@ -208,7 +208,7 @@ TEST_F(FrmIstoricTest, AppliesSavesAndRestoresTheLimits)
 TEST_F(FrmIstoricTest, RefusedNumbersChangeNothingAndKeepItOpen)
 {
     form.show();
-    QSignalSpy closed(&form, &FrmIstoric::closed);
+    QSignalSpy closed(&form, &QDialog::finished);
     box("LimSupTextTemp").setText("99");
     box("LimInfTextPres").setText("zece");
     click("cmdOK");

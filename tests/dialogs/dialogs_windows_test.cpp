@@ -109,7 +109,7 @@ TEST_F(Dialogs, RefusedOptionsKeepTheDialogUntilTheErrorWasRead)
 {
     const QByteArray before = folder.config();
     auto form = options(0, "SetAlarme");
-    QSignalSpy closed(form.get(), &frmOptDiag::closed);
+    QSignalSpy closed(form.get(), &QDialog::finished);
     type(*form, "AlarmSupText", "mult");
     press(*form, "cmdOK");
     EXPECT_EQ(errors, 1);
@@ -170,7 +170,7 @@ TEST_F(Dialogs, EscapeAndTheTitleBarChangeNothingAndSayThatTheDialogClosed)
     const QByteArray before = folder.config();
     for (const bool escape : {true, false}) {
         for (const auto &form : allDialogs()) {
-            QSignalSpy closed(form.get(), SIGNAL(closed()));
+            QSignalSpy closed(form.get(), SIGNAL(finished(int)));
             form->findChild<QLineEdit *>()->setText("3");
             if (escape)
                 QTest::keyClick(form.get(), Qt::Key_Escape);
