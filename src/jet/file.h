@@ -53,8 +53,9 @@ public:
     virtual ~LockFile() = default;
 
     /// Takes a lock or changes the mode of one already held; false when another opener is in the
-    /// way (a lock held before is then still held). Locks belong to this object, not to the
-    /// process.
+    /// way (a lock held before is then still held; not on Windows when a program that
+    /// does not know these rules slips in between the two). Locks belong to this object, not to
+    /// the process.
     virtual bool tryLock(Part part, Mode mode) = 0;
     virtual void unlock(Part part) = 0;
 

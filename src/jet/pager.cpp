@@ -245,7 +245,7 @@ void Pager::endTransaction()
 void Pager::releasePages()
 {
     if (m_readDepth > 0)
-        m_lock->tryLock(Lock::Pages, LockFile::Mode::Shared);
+        weaken(Lock::Pages);
     else
         m_lock->unlock(Lock::Pages);
 }
@@ -340,7 +340,18 @@ std::unique_ptr<LockFile> Pager::closeKeepingLock()
 
 void Pager::unlockOpeners()
 {
-    m_lock->tryLock(Lock::Opener, LockFile::Mode::Shared);
+    weaken(Lock::Opener);
+}
+
+/// Called while an object is destroyed. A lock that cannot be weakened stays the stronger one:
+/// others wait longer, nothing is lost.
+void Pager::weaken(Lock part) noexcept
+{
+    try {
+        m_lock->tryLock(part, LockFile::Mode::Shared);
+    } catch (const Error &) {
+        return;
+    }
 }
 
 } // namespace jet

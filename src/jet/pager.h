@@ -95,6 +95,7 @@ private:
     void lockWriter();
     void unlockWriter();
     void releasePages();
+    void weaken(Lock part) noexcept;
     void noticeOthers();
     void recover();
     void loadOverlay();
