@@ -16,6 +16,6 @@ QString imagePath(const Station &station, const Diagrama &record, const Clock &c
 
 /// Saves one Windows bitmap per diagram of the diagram table, then opens their folder minimised.
 /// Each file appears complete or not at all; one of the same minute is replaced. Throws
-/// RuntimeError 53, 61, 70, 75 or 76, and what the capture throws; the folder is then not opened.
+/// RuntimeError 53, 61, 75 or 76, and what the capture throws; the folder is then not opened.
 void saveDiagramImages(const Station &station, const DiagramCapture &capture, const Clock &clock,
                        Shell &shell);
