@@ -66,6 +66,9 @@ TEST(DateText, DefaultTextLeavesOutWhatIsZero)
 
 TEST(SystemClock, GivesTheTimeOfTheWall)
 {
+#ifdef Q_OS_WIN
+    GTEST_SKIP() << "the environment does not choose the zone here";
+#endif
     const QByteArray zone = qgetenv("TZ");
     qputenv("TZ", "EET-2"); // where the system counts in UTC any clock would do
     const double ahead = double(QDateTime::currentDateTimeUtc().secsTo(SystemClock().now()));
