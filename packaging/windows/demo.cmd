@@ -12,8 +12,10 @@ if exist "%folder%\config\*" goto taken
 if exist "%folder%\mdb\*" goto taken
 
 for %%d in (config img mdb\arhive) do mkdir "%folder%\%%d"
-for /f "delims=" %%f in ('dir /b "%station%mdb\*.mdb"') do copy "%station%defaults\mdb\autoclava1.mdb" "%folder%\mdb\%%f" >nul || exit /b 1
-copy "%station%config\config.ini" "%folder%\config" >nul || exit /b 1
+for /f "delims=" %%f in ('dir /b "%station%mdb\*.mdb"') do copy "%station%defaults\mdb\autoclava1.mdb" "%folder%\mdb\%%f" >nul
+copy "%station%config\config.ini" "%folder%\config" >nul
+if not exist "%folder%\config\config.ini" exit /b 1
+if not exist "%folder%\mdb\*.mdb" exit /b 1
 rem A backslash before the closing quote would belong to the name.
 "%station%station_demo.exe" "%folder%\."
 set result=%errorlevel%
