@@ -173,7 +173,7 @@ void ChartView::copyLayout()
     m_plot->xAxis->setTickLabels(m_grid.rowLabelsShown());
     const bool white = m_grid.backdrop() == ChartGrid::Backdrop::White;
     applyBackdrop(*m_plot, white);
-    m_legend->setBackground(white ? QColor(Qt::white) : palette().color(QPalette::Window));
+    m_legend->setBackground(white ? QColor(Qt::white) : windowColour(*this));
     followLimits();
 }
 

@@ -127,8 +127,17 @@ void applyStyle(QCustomPlot &plot)
 
 void applyBackdrop(QCustomPlot &plot, bool white)
 {
-    const QColor ink =
-        white ? QColor::fromRgb(kInkOnWhite) : plot.palette().color(QPalette::WindowText);
+QColor windowInk(const QWidget &widget)
+{
+    return widget.palette().color(QPalette::Active, QPalette::WindowText);
+}
+
+QColor windowColour(const QWidget &widget)
+{
+    return widget.palette().color(QPalette::Active, QPalette::Window);
+}
+
+    const QColor ink = white ? QColor::fromRgb(kInkOnWhite) : windowInk(plot);
     plot.setBackground(white ? QBrush(Qt::white) : QBrush(Qt::NoBrush));
     for (QCPAxis *axis : plot.axisRect()->axes())
         axis->setTickLabelColor(ink);

@@ -26,6 +26,10 @@ void applyScale(QCustomPlot &plot, const PlotScale &scale);
 /// Colours and lines that never change.
 void applyStyle(QCustomPlot &plot);
 
+/// A window's own colours while it is active: a chart behind a locked dialog keeps its look.
+QColor windowInk(const QWidget &widget);
+QColor windowColour(const QWidget &widget);
+
 /// What lies around the plot area, white or the window's own colour, and letters to be read on it.
 void applyBackdrop(QCustomPlot &plot, bool white);
 

@@ -2,6 +2,7 @@
 #include "app/settings/station.h"
 #include "chart/chart_grid.h"
 #include "chart/chart_view.h"
+#include "chart/plot_style.h"
 #include "diagrams/live_diagrams.h"
 #include "diagrams/texts.h"
 #include "diagrams/window_geometry.h"
@@ -28,9 +29,8 @@ constexpr int kPictureMarginTwips = 50; // what a picture adds to its chart's wi
 
 QImage picture(ChartView &chart)
 {
-    const QColor behind = chart.grid().backdrop() == ChartGrid::Backdrop::White
-                              ? Qt::white
-                              : chart.palette().color(QPalette::Window);
+    const QColor behind =
+        chart.grid().backdrop() == ChartGrid::Backdrop::White ? Qt::white : windowColour(chart);
     const int margin = pixelsFromTwips(kPictureMarginTwips);
     QImage image(chart.size() + QSize(margin, margin), QImage::Format_RGB32);
     image.fill(behind);

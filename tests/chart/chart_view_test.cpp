@@ -185,6 +185,45 @@ TEST_F(ChartViewTest, LettersStandOutFromWhatLiesBehind)
     view.setPalette(dark);
     for (const auto &[backdrop, behind] :
          {std::pair(ChartGrid::Backdrop::Transparent, 0x20), {ChartGrid::Backdrop::White, 0xFF}}) {
+TEST_F(ChartViewTest, LooksTheSameBehindALockedDialog)
+{
+    grid.setBackdrop(ChartGrid::Backdrop::Transparent);
+    const QImage before = view.image(Qt::lightGray);
+    view.setEnabled(false);
+    for (const double maximum : {200, 150}) { // applied, restored
+        grid.setValueAxisMaximum(maximum);
+        plot.replot();
+    }
+    EXPECT_EQ(view.image(Qt::lightGray), before);
+    view.setEnabled(true);
+    plot.replot();
+    EXPECT_EQ(view.image(Qt::lightGray), before);
+}
+
+TEST_F(ChartViewTest, PlotsOneAboveTheOtherShareTheirEdges)
+{
+    ChartGrid other{"Diagrama2", {"T4", "Senzor cu nume foarte lung", "T6", "AL", "AL"}, 60};
+    ChartView below{other};
+    below.resize(view.size());
+    view.alignWith(below);
+    below.show();
+    const auto expectInLine = [&](const char *when) {
+        const QCPAxisRect &upper = *plot.axisRect();
+        const QCPAxisRect &lower = *below.findChild<QCustomPlot *>()->axisRect();
+        EXPECT_TRUE(QTest::qWaitFor([&] {
+            return upper.left() == lower.left() && upper.right() == lower.right();
+        })) << when;
+    };
+    expectInLine("a long name");
+    other.setColumn(2);
+    other.setColumnLabel("T5");
+    expectInLine("a short one");
+    grid.setValueAxisMaximum(1e6);
+    expectInLine("long numbers");
+    drag(legendCentre(), QPoint(300, 100));
+    expectInLine("a legend over its plot");
+}
+
         grid.setBackdrop(backdrop);
         plot.replot();
         for (const QColor &ink : {plot.yAxis->tickLabelColor(), plot.legend->textColor()})
