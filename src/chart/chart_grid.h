@@ -50,6 +50,8 @@ public:
     double valueAxisMinimum() const { return m_minimum; }
     void setValueAxisMaximum(double maximum);
     void setValueAxisMinimum(double minimum);
+    /// Asks for all rows between the limits: a zoomed chart shows the whole range again.
+    void resetView() { emit viewReset(); }
 
     bool rowLabelsShown() const { return m_rowLabelsShown; }
     void setRowLabelsShown(bool shown);
@@ -61,6 +63,7 @@ signals:
     void dataChanged(int column, int row);
     /// Labels, axis limits, row count or backdrop changed.
     void layoutChanged();
+    void viewReset();
 
 private:
     struct Column {

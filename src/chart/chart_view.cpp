@@ -117,11 +117,16 @@ void ChartView::connectGrid()
     });
     connect(m_plot, &QCustomPlot::beforeReplot, this, &ChartView::followGrid);
 }
+    connect(&m_grid, &ChartGrid::viewReset, this, [this, replotLater] {
+        m_shownArea = {};
+        replotLater(m_layoutStale);
+    });
 
 void ChartView::connectMouse()
 {
-    connect(m_plot->xAxis, qOverload<const QCPRange &>(&QCPAxis::rangeChanged), this,
-            &ChartView::keepRowsInSight);
+    for (const QCPAxis *axis : {m_plot->xAxis, m_plot->yAxis})
+        connect(axis, qOverload<const QCPRange &>(&QCPAxis::rangeChanged), this,
+                &ChartView::keepInSight);
     connect(m_plot, &QCustomPlot::mousePress, this,
             [this](QMouseEvent *event) { m_pressPosition = event->pos(); });
     connect(m_plot, &QCustomPlot::mouseRelease, this, [this](QMouseEvent *event) {
@@ -199,8 +204,9 @@ void ChartView::showAll()
     m_plot->yAxis->setRange(m_shownArea.top(), m_shownArea.bottom());
 }
 
-/// Dragging stops at the first and the last row, so the diagram cannot get lost.
-void ChartView::keepRowsInSight()
+/// Dragging and zooming end at the first and the last row and at the grid's limits, so the diagram
+/// cannot get lost.
+void ChartView::keepInSight()
 {
     m_plot->xAxis->setRange(
         m_plot->xAxis->range().bounded(m_shownArea.left(), m_shownArea.right()));
@@ -226,6 +232,8 @@ void ChartView::pick(QPoint position)
             continue;
         nearest = distance;
         nearestSeries = series;
+    m_plot->yAxis->setRange(
+        m_plot->yAxis->range().bounded(m_shownArea.top(), m_shownArea.bottom()));
         nearestRow = details.value<QCPDataSelection>().dataRange().begin();
     }
     if (nearestSeries >= 0)

@@ -10,8 +10,9 @@ class QCustomPlot;
 /// labels below, the value axis with the grid's limits. Many changes of the grid become one
 /// repaint.
 ///
-/// The mouse wheel zooms and the left button drags the plot or the legend. A double-click on the
-/// legend puts it back to the right, one on the plot shows all rows and the grid's limits again.
+/// The mouse wheel zooms and the left button drags the plot, never beyond the rows and the grid's
+/// limits, or the legend. A double-click on the legend puts it back to the right, one on the plot
+/// shows all rows and the grid's limits again.
 /// Keys and the right mouse button are left to the parent.
 class ChartView : public QWidget
 {
@@ -45,7 +46,8 @@ private:
     void copyLayout();
     void followLimits();
     void showAll();
-    void keepRowsInSight();
+    void keepInSight();
+    void followPeer();
     void pick(QPoint position);
 
     ChartGrid &m_grid;

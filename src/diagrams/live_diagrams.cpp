@@ -62,6 +62,7 @@ void initializare_diagrama(ChartGrid &chart, const Station &station, std::size_t
         chart.fillColumn(column, station.Diagrame[diagram].limita_minima);
     chart.setRowLabelsShown(true);
     chart.setBackdrop(ChartGrid::Backdrop::Transparent);
+    chart.resetView();
 }
 
 LiveDiagrams::Charts LiveDiagrams::stationCharts()

@@ -115,12 +115,21 @@ TEST_F(ChartViewTest, DoubleClickOnThePlotRestoresTheLayout)
     drag(middle, middle + QPoint(5000, 30));
     EXPECT_EQ(plot.xAxis->range().lower, 1) << "dragging ends at the first row";
     EXPECT_LT(plot.xAxis->range().upper, 60);
+    drag(middle, middle - QPoint(0, 5000));
+    EXPECT_EQ(plot.yAxis->range().lower, 0) << "and at the limits";
+    EXPECT_LT(plot.yAxis->range().upper, 150);
     grid.setColumnLabel("T9");
     QCoreApplication::processEvents();
     EXPECT_LT(plot.xAxis->range().upper, 60) << "a new name leaves the zoom alone";
     QTest::mouseDClick(&plot, Qt::LeftButton, {}, middle);
     plot.replot();
     expectAllRows(150);
+
+    zoom(middle);
+    grid.setValueAxisMaximum(150);
+    grid.resetView();
+    QCoreApplication::processEvents();
+    expectAllRows(150); // the same limits, applied again
 
     zoom(middle);
     grid.setValueAxisMaximum(200);

@@ -6,6 +6,7 @@ void scrie_limite_grafic(const Diagrama &record)
 {
     record.chart->setValueAxisMaximum(record.limita_maxima);
     record.chart->setValueAxisMinimum(record.limita_minima);
+    record.chart->resetView();
 }
 
 void deseneaza_alarme(const Diagrama &record)
