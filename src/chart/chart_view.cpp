@@ -84,7 +84,8 @@ private:
 } // namespace
 
 ChartView::ChartView(ChartGrid &grid, QWidget *parent)
-    : QWidget(parent), m_grid(grid), m_plot(new Plot(this)), m_legend(new MovableLegend(*m_plot))
+    : QWidget(parent), m_grid(grid), m_plot(new Plot(this)), m_legend(new MovableLegend(*m_plot)),
+      m_valueTicker(QSharedPointer<ValueTicker>::create())
 {
     // The plot would otherwise paint a transparent backdrop black.
     m_plot->setAttribute(Qt::WA_OpaquePaintEvent, false);
@@ -92,6 +93,7 @@ ChartView::ChartView(ChartGrid &grid, QWidget *parent)
     m_plot->setInteractions(QCP::iRangeDrag | QCP::iRangeZoom);
     m_plot->setNoAntialiasingOnDrag(true);
     applyStyle(*m_plot);
+    m_plot->yAxis->setTicker(m_valueTicker);
     createSeries();
     connectGrid();
     connectMouse();
@@ -209,6 +211,7 @@ void ChartView::showAll()
 void ChartView::keepInSight()
 {
     m_plot->xAxis->setRange(
+    m_valueTicker->setLimits({m_grid.valueAxisMinimum(), m_grid.valueAxisMaximum()});
         m_plot->xAxis->range().bounded(m_shownArea.left(), m_shownArea.right()));
 }
 

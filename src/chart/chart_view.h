@@ -1,10 +1,13 @@
 #pragma once
 
+#include <QPointer>
+#include <QSharedPointer>
 #include <QWidget>
 
 class ChartGrid;
 class MovableLegend;
 class QCustomPlot;
+class ValueTicker;
 
 /// Draws a ChartGrid: a line per series, the last two as alarm limits, the legend at the right, row
 /// labels below, the value axis with the grid's limits. Many changes of the grid become one
@@ -56,5 +59,7 @@ private:
     bool m_dataStale = true;
     bool m_layoutStale = true;
     QRectF m_shownArea; ///< all rows between the grid's limits
+    QSharedPointer<ValueTicker> m_valueTicker;
+    QPointer<ChartView> m_peer; ///< the view whose edges this one shares
     QPoint m_pressPosition;
 };

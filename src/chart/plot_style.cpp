@@ -30,6 +30,9 @@ constexpr int kUsualSystemFont = 13; // up to it the chart's size alone decides
 /// How far a step that meets both limits may be from the wanted one.
 constexpr double kStepTolerance = 1.7;
 
+/// Values that differ by less than this part of what is shown are the same.
+constexpr double kSameValue = 1e-9;
+
 const std::array<QCPAxis::AxisType, 4> kSides{QCPAxis::atLeft, QCPAxis::atRight, QCPAxis::atTop,
                                               QCPAxis::atBottom};
 
@@ -119,14 +122,11 @@ void applyStyle(QCustomPlot &plot)
         axis.grid()->setZeroLinePen(Qt::NoPen);
     }
     plot.xAxis->setTicker(QSharedPointer<RowTicker>::create());
-    plot.yAxis->setTicker(QSharedPointer<ValueTicker>::create());
     plot.yAxis->setNumberFormat(QStringLiteral("g"));
     plot.legend->setBorderPen(Qt::NoPen);
     plot.legend->setVisible(true);
 }
 
-void applyBackdrop(QCustomPlot &plot, bool white)
-{
 QColor windowInk(const QWidget &widget)
 {
     return widget.palette().color(QPalette::Active, QPalette::WindowText);
@@ -137,6 +137,8 @@ QColor windowColour(const QWidget &widget)
     return widget.palette().color(QPalette::Active, QPalette::Window);
 }
 
+void applyBackdrop(QCustomPlot &plot, bool white)
+{
     const QColor ink = white ? QColor::fromRgb(kInkOnWhite) : windowInk(plot);
     plot.setBackground(white ? QBrush(Qt::white) : QBrush(Qt::NoBrush));
     for (QCPAxis *axis : plot.axisRect()->axes())
@@ -165,6 +167,26 @@ int RowTicker::getSubTickCount(double tickStep)
 QString RowTicker::getTickLabel(double tick, const QLocale &, QChar, int)
 {
     return ChartGrid::rowLabel(static_cast<int>(std::lround(tick)));
+}
+
+void ValueTicker::setLimits(const QCPRange &limits)
+{
+    m_limits = limits;
+}
+
+QVector<double> ValueTicker::createTickVector(double tickStep, const QCPRange &range)
+{
+    QVector<double> ticks = QCPAxisTicker::createTickVector(tickStep, range);
+    const double slack = range.size() * kSameValue;
+    for (const double limit : {m_limits.lower, m_limits.upper}) {
+        if (limit < range.lower - slack || limit > range.upper + slack)
+            continue;
+        // Its number would touch those of ticks beside it.
+        ticks.removeIf([&](double tick) { return std::abs(tick - limit) <= tickStep / 2; });
+        ticks.append(limit);
+    }
+    std::sort(ticks.begin(), ticks.end());
+    return ticks;
 }
 
 double ValueTicker::getTickStep(const QCPRange &range)

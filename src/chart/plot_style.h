@@ -43,9 +43,17 @@ protected:
                          int precision) override;
 };
 
-/// Ticks of the value axis: the usual round steps, if possible one that has a tick at both limits.
+/// Ticks of the value axis: the usual round steps, if possible one that has a tick at both limits,
+/// and always the limits themselves as far as they are in sight.
 class ValueTicker final : public QCPAxisTicker
 {
+public:
+    void setLimits(const QCPRange &limits);
+
 protected:
     double getTickStep(const QCPRange &range) override;
+    QVector<double> createTickVector(double tickStep, const QCPRange &range) override;
+
+private:
+    QCPRange m_limits;
 };

@@ -261,6 +261,15 @@ TEST_F(ChartViewTest, TicksAreReadableAtAnySize)
             EXPECT_EQ(labels.at(i), QString("R%1").arg(ticks.at(i))) << "whole rows only";
         EXPECT_TRUE(plot.yAxis->tickVector().contains(150)) << "the limit has a label";
     }
+    grid.setValueAxisMinimum(-20);
+    for (const int height : {110, 150, 240, 320, 400}) {
+        view.resize(900, height);
+        plot.replot();
+        const QVector<double> ticks = plot.yAxis->tickVector();
+        EXPECT_EQ(ticks.front(), -20) << height;
+        EXPECT_EQ(ticks.back(), 150) << height;
+        EXPECT_LT(ticks[ticks.size() - 2], 140) << "its number would touch the limit's";
+    }
     const int letters = plot.legend->font().pixelSize();
     QFont large;
     large.setPixelSize(26);
