@@ -117,12 +117,12 @@ void ChartView::connectGrid()
         m_dataStale = true; // the row count may have changed
         replotLater(m_layoutStale);
     });
-    connect(m_plot, &QCustomPlot::beforeReplot, this, &ChartView::followGrid);
-}
     connect(&m_grid, &ChartGrid::viewReset, this, [this, replotLater] {
         m_shownArea = {};
         replotLater(m_layoutStale);
     });
+    connect(m_plot, &QCustomPlot::beforeReplot, this, &ChartView::followGrid);
+}
 
 void ChartView::connectMouse()
 {
@@ -150,8 +150,27 @@ void ChartView::followGrid()
         copyData();
     if (m_layoutStale)
         copyLayout();
+    if (m_peer)
+        followPeer();
     m_dataStale = false;
     m_layoutStale = false;
+}
+
+void ChartView::alignWith(ChartView &other)
+{
+    auto *edges = new QCPMarginGroup(m_plot);
+    for (ChartView *view : {this, &other})
+        view->m_plot->axisRect()->setMarginGroup(QCP::msLeft | QCP::msRight, edges);
+    m_peer = &other;
+    other.m_peer = this;
+}
+
+/// The wider legend leaves both plots the same room; what moves one plot's edges moves the other's.
+void ChartView::followPeer()
+{
+    const int width = std::max(m_legend->dockedWidth(), m_peer->m_legend->dockedWidth());
+    if (m_legend->setColumnWidth(width) || m_layoutStale)
+        m_peer->m_plot->replot(QCustomPlot::rpQueuedReplot);
 }
 
 void ChartView::copyData()
@@ -192,6 +211,7 @@ void ChartView::followLimits()
                 m_grid.valueAxisMaximum() - m_grid.valueAxisMinimum());
     if (area.height() == 0) // an empty range is refused: the axis would keep its former limits
         area.adjust(0, -kRoomBesideOne, 0, kRoomBesideOne);
+    m_valueTicker->setLimits({m_grid.valueAxisMinimum(), m_grid.valueAxisMaximum()});
     if (area == m_shownArea)
         return;
     m_shownArea = area;
@@ -211,8 +231,9 @@ void ChartView::showAll()
 void ChartView::keepInSight()
 {
     m_plot->xAxis->setRange(
-    m_valueTicker->setLimits({m_grid.valueAxisMinimum(), m_grid.valueAxisMaximum()});
         m_plot->xAxis->range().bounded(m_shownArea.left(), m_shownArea.right()));
+    m_plot->yAxis->setRange(
+        m_plot->yAxis->range().bounded(m_shownArea.top(), m_shownArea.bottom()));
 }
 
 void ChartView::pick(QPoint position)
@@ -235,8 +256,6 @@ void ChartView::pick(QPoint position)
             continue;
         nearest = distance;
         nearestSeries = series;
-    m_plot->yAxis->setRange(
-        m_plot->yAxis->range().bounded(m_shownArea.top(), m_shownArea.bottom()));
         nearestRow = details.value<QCPDataSelection>().dataRange().begin();
     }
     if (nearestSeries >= 0)

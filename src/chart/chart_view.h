@@ -32,6 +32,9 @@ public:
     void restoreLegend();
     void restoreLayout();
 
+    /// The plots of both views, which stand one above the other, share left and right edges.
+    void alignWith(ChartView &other);
+
 signals:
     /// A left click near a line: the series and its nearest point, both from 1.
     void pointPicked(int series, int point);
@@ -56,10 +59,10 @@ private:
     ChartGrid &m_grid;
     QCustomPlot *m_plot;
     MovableLegend *m_legend;
+    QSharedPointer<ValueTicker> m_valueTicker;
+    QPointer<ChartView> m_peer; ///< the view whose edges this one shares
     bool m_dataStale = true;
     bool m_layoutStale = true;
     QRectF m_shownArea; ///< all rows between the grid's limits
-    QSharedPointer<ValueTicker> m_valueTicker;
-    QPointer<ChartView> m_peer; ///< the view whose edges this one shares
     QPoint m_pressPosition;
 };

@@ -24,6 +24,20 @@ bool MovableLegend::contains(QPoint position) const
     return m_plot.legend->outerRect().contains(position);
 }
 
+int MovableLegend::dockedWidth() const
+{
+    return m_docked ? m_plot.legend->minimumOuterSizeHint().width() : 0;
+}
+
+bool MovableLegend::setColumnWidth(int pixels)
+{
+    const QSize room(pixels, 0);
+    if (m_column->minimumSize() == room)
+        return false;
+    m_column->setMinimumSize(room);
+    return true;
+}
+
 void MovableLegend::restore()
 {
     if (m_docked)

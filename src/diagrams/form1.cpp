@@ -62,6 +62,7 @@ Form1::Form1(Station &station, LiveDiagrams &diagrams, QWidget *parent)
     m_controlCentre->adjustSize();
     connect(m_controlCentre, &QPushButton::clicked, this, &Form1::controlCentreRequested);
 }
+    m_upper.chart->alignWith(*m_lower.chart);
 
 Form1::Panel Form1::createPanel(int index)
 {

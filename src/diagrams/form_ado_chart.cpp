@@ -74,6 +74,7 @@ FormAdoChart::FormAdoChart(Station &station, HistoryDiagrams &diagrams, Operator
     m_wait->hide();
     connect(m_generate, &QPushButton::clicked, this, &FormAdoChart::Command1_Click);
     connect(m_date, &QLineEdit::returnPressed, this, &FormAdoChart::Command1_Click);
+    m_upper.chart->alignWith(*m_lower.chart);
 }
 
 QLabel *FormAdoChart::createLabel(const QString &name, const QString &text)
