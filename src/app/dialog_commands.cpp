@@ -55,7 +55,7 @@ void DialogCommands::openLocked(QDialog *dialog)
 bool DialogCommands::lockToo(QWidget &window)
 {
     if (m_locked)
-        frameOf(window)->setEnabled(false);
+        m_lock.disable(*frameOf(window));
     return m_locked;
 }
 
@@ -63,6 +63,7 @@ void DialogCommands::release(QDialog *dialog)
 {
     m_locked = nullptr;
     m_lock.release(*dialog);
+    emit released();
     if (m_activeBefore)
         m_window.bringUp(m_activeBefore);
 }

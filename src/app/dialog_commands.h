@@ -38,6 +38,8 @@ public:
 
 signals:
     void titleChanged();
+    /// A locked dialog has closed: menus and windows are given back.
+    void released();
 
 private:
     QSize screenTwips() const;

@@ -140,6 +140,9 @@ void Program::connectDialogs()
             m_form1->scrie_titlu_diagrame();
     });
 }
+    // Behind the dialog the diagrams may have opened or closed.
+    connect(&m_dialogs, &DialogCommands::released, this,
+            [this] { activare_meniuri_diagrame(m_station.diagramsOpen); });
 
 void Program::connectPictures()
 {
@@ -172,13 +175,18 @@ void Program::createForm1()
     });
     connect(m_form1, &Form1::titleEditRequested, &m_dialogs, &DialogCommands::openTitle);
     connect(m_form1, &Form1::controlCentreRequested, this, &Program::showControlCentre);
-    connect(m_form1, &Form1::menusEnabled, this, [this](bool enabled) {
-        for (const char *item : {"MeniuPres", "MeniuPrint", "MeniuTemp", "SalvareImg"})
-            m_window.setItemEnabled(QString::fromLatin1(item), enabled);
-    });
+    connect(m_form1, &Form1::menusEnabled, this, &Program::activare_meniuri_diagrame);
     connect(m_form1, &Form1::closed, this, [this] { m_form1 = nullptr; });
     m_window.bringUp(m_form1);
     m_form1->load(m_window.innerSize());
+    layOut(m_form1); // behind a message of the load the main window may have changed its size
+    m_window.bringUp(m_form1);
+}
+
+void Program::activare_meniuri_diagrame(bool enabled)
+{
+    for (const char *item : {"MeniuPres", "MeniuPrint", "MeniuTemp", "SalvareImg"})
+        m_window.setItemEnabled(QString::fromLatin1(item), enabled);
 }
 
 void Program::showDiagramsAtOrigin()
@@ -229,8 +237,9 @@ void Program::closeBrowser()
 {
     if (!m_formMdb)
         return;
-    m_browserPosition.emplace().save(*m_formMdb);
-    m_formMdb->parentWidget()->close();
+    QWidget *frame = m_formMdb->parentWidget();
+    frame->setEnabled(true); // behind a locked dialog it refuses to close
+    frame->close();
 }
 
 void Program::reopenBrowser()

@@ -89,7 +89,9 @@ private:
     void showAboutBox();
     void openArchiveFolder();
     void openHelp();
-    void layOut();
+    /// Lays out the open windows, or only that one.
+    void layOut(const QWidget *only = nullptr);
+    void activare_meniuri_diagrame(bool enabled);
     bool closingDialogue();
 
     Environment m_environment;

@@ -3,6 +3,7 @@
 
 #include <QAction>
 #include <QApplication>
+#include <QEvent>
 #include <QMainWindow>
 #include <QMdiArea>
 #include <QMdiSubWindow>
@@ -31,6 +32,7 @@ void WindowLock::salveaza_stare_meniu()
 
 void WindowLock::seteaza_meniu(bool enable)
 {
+    m_window.menuBar()->setEnabled(enable);
     for (QAction *item : menuItems(*m_window.menuBar())) {
         const bool wasEnabled =
             std::any_of(StareMeniu.cbegin(), StareMeniu.cend(), [&](const ItemState &state) {
@@ -41,16 +43,31 @@ void WindowLock::seteaza_meniu(bool enable)
     }
 }
 
+void WindowLock::disable(QWidget &frame)
+{
+    frame.setEnabled(false);
+    frame.installEventFilter(this);
+}
+
 void WindowLock::activeaza_ferestre(const QWidget &dialog, bool enable)
 {
+    const auto set = [&](QWidget &frame) { enable ? frame.setEnabled(true) : disable(frame); };
     // The frame of a child window is disabled, not what it holds: its close button counts too.
     for (QMdiArea *area : m_window.findChildren<QMdiArea *>())
         for (QMdiSubWindow *frame : area->subWindowList())
             if (frame->widget() != &dialog)
-                frame->setEnabled(enable);
+                set(*frame);
     // A window that is not open, like the error window between two errors, is nobody's to disable.
     for (QWidget *window : QApplication::topLevelWidgets())
         if (window != &m_window && window != &dialog && window->windowType() != Qt::Popup &&
             (enable || window->isVisible()))
-            window->setEnabled(enable);
+            set(*window);
+}
+
+bool WindowLock::eventFilter(QObject *watched, QEvent *event)
+{
+    if (event->type() != QEvent::Close || qobject_cast<QWidget *>(watched)->isEnabled())
+        return QObject::eventFilter(watched, event);
+    event->ignore();
+    return true;
 }

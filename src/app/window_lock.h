@@ -1,15 +1,17 @@
 #pragma once
 
-#include <QString>
+#include <QObject>
 #include <vector>
 
 class QMainWindow;
 class QWidget;
 
 /// Makes a modeless dialog modal-like: while it is open the main window's menus and every other
-/// window are disabled. The dialog's side gives everything back when it closes.
-class WindowLock
+/// window are disabled, and a disabled window refuses to be closed. The dialog's side gives
+/// everything back when it closes.
+class WindowLock final : public QObject
 {
+    Q_OBJECT
 public:
     struct ItemState {
         QString name;
@@ -23,13 +25,20 @@ public:
     void lock(const QWidget &dialog);
     /// Menus as they were, every other window on.
     void release(const QWidget &dialog);
+    /// Disables a window that has opened since, as lock() would have.
+    void disable(QWidget &frame);
 
     /// Records the name and enabled state of every menu item, submenus included, in StareMeniu.
     void salveaza_stare_meniu();
-    /// Disables every menu item, or enables those whose recorded state was enabled.
+    /// Disables every menu item, or enables those whose recorded state was enabled; with them the
+    /// whole bar, whose corner holds the buttons of a maximised window.
     void seteaza_meniu(bool enable);
     /// Sets the enabled state of every open window of the program but the main one and `dialog`.
     void activeaza_ferestre(const QWidget &dialog, bool enable);
+
+protected:
+    /// Window systems and shortcuts close a disabled window, too.
+    bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
     QMainWindow &m_window;
