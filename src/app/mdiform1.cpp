@@ -67,6 +67,29 @@ void MDIForm1::bringUp(QWidget *child)
     if (frame->isMinimized())
         frame->showNormal();
     else
+void MDIForm1::openMenuBar()
+{
+    if (!menuBar()->isEnabled())
+        return;
+    for (QAction *item : menuBar()->actions())
+        if (item->isEnabled() && item->menu())
+            return menuBar()->setActiveAction(item);
+}
+
+/// Restored, it may find less room than it left.
+void MDIForm1::followState(QWidget &child)
+{
+    emit childStateChanged(&child);
+    fitIntoArea(child);
+}
+
+void MDIForm1::followArea()
+{
+    emit areaResized();
+    for (const QMdiSubWindow *frame : m_area->subWindowList())
+        fitIntoArea(*frame->widget());
+}
+
         frame->show();
     m_area->setActiveSubWindow(qobject_cast<QMdiSubWindow *>(frame));
     if (!stillThere)
@@ -95,6 +118,6 @@ bool MDIForm1::eventFilter(QObject *watched, QEvent *event)
 {
     // The main window's own resize event comes before the area has its new size.
     if (watched == m_area->viewport() && event->type() == QEvent::Resize)
-        QMetaObject::invokeMethod(this, &MDIForm1::areaResized, Qt::QueuedConnection);
+        QMetaObject::invokeMethod(this, &MDIForm1::followArea, Qt::QueuedConnection);
     return QMainWindow::eventFilter(watched, event);
 }

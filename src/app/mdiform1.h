@@ -44,4 +44,8 @@ protected:
 private:
     std::function<bool()> m_mayClose;
     QMdiArea *m_area;
+    void openMenuBar();
+    void followArea();
+    void followState(QWidget &child);
+
 };

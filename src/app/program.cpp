@@ -228,7 +228,11 @@ void Program::showBrowser()
                 m_environment.op.tell(numberedError(number, description));
             },
             Qt::QueuedConnection);
-        connect(m_formMdb, &FormMdb::closed, this, [this] { m_formMdb = nullptr; });
+        connect(m_formMdb, &FormMdb::closed, this, [this] {
+            m_browserPlace.save(*m_formMdb);
+            m_formMdb = nullptr;
+        });
+        m_browserPlace.restore(*m_formMdb);
     }
     m_window.bringUp(m_formMdb);
 }
@@ -245,8 +249,6 @@ void Program::closeBrowser()
 void Program::reopenBrowser()
 {
     showBrowser();
-    if (m_browserPosition)
-        m_browserPosition->restore(*m_formMdb);
     if (!m_dialogs.lockToo(*m_formMdb) && m_station.diagramsOpen)
         m_window.bringUp(m_form1);
 }

@@ -16,7 +16,6 @@
 #include <QPointer>
 #include <functional>
 #include <memory>
-#include <optional>
 
 class Form1;
 class Form2;
@@ -105,7 +104,7 @@ private:
     QtScheduler m_scheduler;
     WindowPosition m_controlCentrePosition;
     bool m_controlCentrePlaced = false;
-    std::optional<WindowPosition> m_browserPosition; ///< once it was closed for an archive
+    WindowPlace m_browserPlace;
     std::unique_ptr<Feed> m_feed;
     std::unique_ptr<Store> m_store;
     std::unique_ptr<SerialLine> m_controlPlc;

@@ -4,10 +4,15 @@
 #include <QMdiSubWindow>
 #include <QRect>
 #include <QStyle>
+#include <QVariant>
 #include <algorithm>
 
 namespace
 {
+
+/// What a sub window remembers of fitIntoArea().
+constexpr const char *kWantedPlace = "wantedPlace";
+constexpr const char *kFittedPlace = "fittedPlace";
 
 int titleBarHeight(const QWidget &form)
 {
@@ -43,6 +48,13 @@ bool canBeMoved(const QWidget &frame, const QWidget &area)
            seen.height() * 2 >= bar.height();
 }
 
+/// Where a frame was before it was fitted, or is when it was moved or sized since.
+QRect wantedPlace(const QWidget &frame)
+{
+    const bool isFitted = frame.property(kFittedPlace).toRect() == frame.geometry();
+    return isFitted ? frame.property(kWantedPlace).toRect() : frame.geometry();
+}
+
 } // namespace
 
 QWidget *frameOf(QWidget &form)
@@ -66,6 +78,40 @@ void WindowPosition::restore(QWidget &form) const
 {
     frameOf(form)->move(pixelsFromTwips(left), pixelsFromTwips(top));
     keepInSight(form);
+}
+
+void WindowPlace::save(QWidget &form)
+{
+    const QWidget &frame = *frameOf(form);
+    if (frame.isMinimized())
+        return;
+    m_maximised = frame.isMaximized();
+    if (!m_maximised)
+        m_normal = wantedPlace(frame);
+}
+
+void WindowPlace::restore(QWidget &form) const
+{
+    QWidget &frame = *frameOf(form);
+    if (!m_normal.isNull()) {
+        frame.setGeometry(m_normal);
+        fitIntoArea(form);
+    }
+    if (m_maximised)
+        frame.showMaximized();
+}
+
+void fitIntoArea(QWidget &form)
+{
+    QWidget &frame = *frameOf(form);
+    const QWidget *area = areaAround(frame);
+    if (!area || frame.isMaximized() || frame.isMinimized())
+        return;
+    const QRect wanted = wantedPlace(frame);
+    frame.resize(wanted.size().boundedTo(area->size()));
+    frame.move(insideOf(*area, frame, wanted.topLeft()));
+    frame.setProperty(kWantedPlace, wanted);
+    frame.setProperty(kFittedPlace, frame.geometry());
 }
 
 void fitCaption(QWidget &form)

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QSize>
+#include <QRect>
 
 class QWidget;
 
@@ -22,9 +22,28 @@ struct WindowPosition {
     void restore(QWidget &form) const;
 };
 
+/// The same with the frame's size, for a window that the operator may size.
+class WindowPlace
+{
+public:
+    /// A minimised frame leaves the place as it was, a maximised one all but its being maximised.
+    void save(QWidget &form);
+    /// As large and where it was, as far as its area has room; nothing before the first save.
+    void restore(QWidget &form) const;
+
+private:
+    QRect m_normal; ///< of the frame, in pixels
+    bool m_maximised = false;
+};
+
 /// Moves a sub window that the operator could not reach back into what it stands in, which may have
 /// become smaller. One that is partly out stays where it is while its title bar can be grasped.
 void keepInSight(QWidget &form);
+
+/// Makes a sub window no larger than what it stands in and moves all of it into that; once there is
+/// room again it gets back what it had, unless the operator gave it another place meanwhile. A
+/// maximised or minimised one is left alone.
+void fitIntoArea(QWidget &form);
 
 /// Makes the form at least as wide as its frame needs to show the caption whole.
 void fitCaption(QWidget &form);

@@ -46,7 +46,6 @@ FormMdb::FormMdb(Station &station, QWidget *parent)
     m_data->setObjectName(QStringLiteral("Data1"));
     m_refresh->setObjectName(QStringLiteral("cmdRefresh"));
     setFocusProxy(m_grid);
-    resize(kPreferredSize);
     connect(m_refresh, &QPushButton::clicked, this, &FormMdb::sortare);
     // The grid itself would copy one cell only.
     auto *copy = new QShortcut(QKeySequence::Copy, m_grid);
@@ -55,6 +54,11 @@ FormMdb::FormMdb(Station &station, QWidget *parent)
     connect(m_data, &RecordsetModel::failed, this, &FormMdb::failed);
     aranjare();
     m_station.FormMdbDeschis = true;
+}
+
+QSize FormMdb::sizeHint() const
+{
+    return kPreferredSize;
 }
 
 void FormMdb::aranjare()

@@ -22,6 +22,9 @@ public:
     /// Lays out the grid above the refresh button.
     void aranjare();
 
+    /// The size in which it opens.
+    QSize sizeHint() const override;
+
     /// Loads the grid anew. A failure leaves the grid empty and is told, with number and
     /// description, from the event loop: the window may be gone before the operator has answered.
     void sortare();
