@@ -11,6 +11,7 @@
 #include <QMenu>
 #include <QMenuBar>
 #include <QPointer>
+#include <QShortcut>
 
 MDIForm1::MDIForm1(std::function<bool()> mayClose)
     : m_mayClose(std::move(mayClose)), m_area(new QMdiArea(this))
@@ -27,6 +28,8 @@ MDIForm1::MDIForm1(std::function<bool()> mayClose)
         QEvent activation(QEvent::WindowActivate);
         QApplication::sendEvent(frame->widget(), &activation);
     });
+    // The top items have no access keys: without F10 no key would lead to them on every system.
+    connect(new QShortcut(Qt::Key_F10, this), &QShortcut::activated, this, &MDIForm1::openMenuBar);
     buildMainMenu(*menuBar());
     for (QAction *item : menuItems(*menuBar()))
         if (!item->menu())
@@ -56,17 +59,14 @@ QMdiSubWindow *MDIForm1::addChild(QWidget *child)
     frame->setObjectName(child->objectName() + QStringLiteral("Frame"));
     // Left to itself the area puts a window where it overlaps least: below what can be seen.
     frame->move(0, 0);
+    connect(frame, &QMdiSubWindow::windowStateChanged, child,
+            [this, child](Qt::WindowStates before, Qt::WindowStates now) {
+                if ((before ^ now) & (Qt::WindowMinimized | Qt::WindowMaximized))
+                    followState(*child);
+            });
     return frame;
 }
 
-void MDIForm1::bringUp(QWidget *child)
-{
-    const QPointer<QWidget> stillThere(child); // activation runs the window's own handlers
-    QWidget *frame = child->parentWidget();
-    child->show();
-    if (frame->isMinimized())
-        frame->showNormal();
-    else
 void MDIForm1::openMenuBar()
 {
     if (!menuBar()->isEnabled())
@@ -90,6 +90,14 @@ void MDIForm1::followArea()
         fitIntoArea(*frame->widget());
 }
 
+void MDIForm1::bringUp(QWidget *child)
+{
+    const QPointer<QWidget> stillThere(child); // activation runs the window's own handlers
+    QWidget *frame = child->parentWidget();
+    child->show();
+    if (frame->isMinimized())
+        frame->showNormal();
+    else
         frame->show();
     m_area->setActiveSubWindow(qobject_cast<QMdiSubWindow *>(frame));
     if (!stillThere)

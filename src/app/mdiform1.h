@@ -34,18 +34,20 @@ public:
     QSize innerSize() const;
 
 signals:
-    /// The area has another size.
+    /// The area has another size; the windows in it have been moved and sized into it.
     void areaResized();
+    /// A child window was minimised, maximised or restored and has its new size.
+    void childStateChanged(QWidget *child);
 
 protected:
     void closeEvent(QCloseEvent *event) override;
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
-    std::function<bool()> m_mayClose;
-    QMdiArea *m_area;
     void openMenuBar();
     void followArea();
     void followState(QWidget &child);
 
+    std::function<bool()> m_mayClose;
+    QMdiArea *m_area;
 };

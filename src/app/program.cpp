@@ -108,7 +108,8 @@ void Program::connectCommands()
     command("DeschidCentruControl", &Program::showControlCentre);
     command("DocProg", &Program::openHelp);
     m_window.setCommand(QStringLiteral("ExitProg"), [this] { closingDialogue(); });
-    connect(&m_window, &MDIForm1::areaResized, this, &Program::layOut);
+    connect(&m_window, &MDIForm1::areaResized, this, [this] { layOut(); });
+    connect(&m_window, &MDIForm1::childStateChanged, this, &Program::layOut);
     connect(&m_storage, &MeasurementStore::monitorStopped, this,
             [this] { controlCentre().scrie_stare_monitor(); });
     connect(&m_storage, &MeasurementStore::browserMustClose, this, &Program::closeBrowser);
@@ -139,10 +140,10 @@ void Program::connectDialogs()
         if (m_form1)
             m_form1->scrie_titlu_diagrame();
     });
-}
     // Behind the dialog the diagrams may have opened or closed.
     connect(&m_dialogs, &DialogCommands::released, this,
             [this] { activare_meniuri_diagrame(m_station.diagramsOpen); });
+}
 
 void Program::connectPictures()
 {
@@ -177,7 +178,6 @@ void Program::createForm1()
     connect(m_form1, &Form1::controlCentreRequested, this, &Program::showControlCentre);
     connect(m_form1, &Form1::menusEnabled, this, &Program::activare_meniuri_diagrame);
     connect(m_form1, &Form1::closed, this, [this] { m_form1 = nullptr; });
-    m_window.bringUp(m_form1);
     m_form1->load(m_window.innerSize());
     layOut(m_form1); // behind a message of the load the main window may have changed its size
     m_window.bringUp(m_form1);
@@ -267,8 +267,9 @@ void Program::showGenerator()
     m_formAdoChart = new FormAdoChart(m_station, m_history, m_environment.op, m_environment.clock);
     m_window.addChild(m_formAdoChart);
     connect(m_formAdoChart, &FormAdoChart::closed, this, [this] { m_formAdoChart = nullptr; });
-    m_window.bringUp(m_formAdoChart);
     m_formAdoChart->load(m_window.innerSize());
+    layOut(m_formAdoChart); // as for the diagrams
+    m_window.bringUp(m_formAdoChart);
 }
 
 void Program::openHistoryLimits()
@@ -325,13 +326,14 @@ void Program::openHelp()
     }
 }
 
-void Program::layOut()
+void Program::layOut(const QWidget *only)
 {
-    if (m_station.diagramsOpen)
+    const auto wanted = [&](const QWidget *form) { return !only || only == form; };
+    if (m_station.diagramsOpen && wanted(m_form1))
         m_form1->aranjare_diagrame(m_window.innerSize());
-    if (m_station.FormMdbDeschis)
+    if (m_station.FormMdbDeschis && wanted(m_formMdb))
         m_formMdb->aranjare();
-    if (m_station.historyOpen)
+    if (m_station.historyOpen && wanted(m_formAdoChart))
         m_formAdoChart->followMainWindow(m_window.innerSize());
 }
 

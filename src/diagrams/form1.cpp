@@ -123,6 +123,8 @@ void Form1::centreTitles()
 void Form1::aranjare_diagrame(QSize mainInner)
 {
     const TwipsSize main = twipsSize(mainInner);
+    if (frameOf(*this)->isMinimized())
+        return;
     resizeFrame(*this, form1Size(main));
     fitTitles(titleRoom(main));
 

@@ -14,7 +14,7 @@ struct Station;
 /// The live diagrams window: MSChart1 above, MSChart2 below, each with its title and the text of
 /// the last picked point, and the button of the control centre. It lives in a QMdiSubWindow.
 ///
-/// Opening: create it, put it into its sub window, connect the signals, show, then load(). Closing
+/// Opening: create it, put it into its sub window, connect the signals, load(), then show. Closing
 /// the sub window unloads and destroys it; the diagrams themselves stay in LiveDiagrams.
 class Form1 : public QWidget
 {
@@ -32,7 +32,7 @@ public:
     void scrie_titlu_diagrame();
 
     /// Sizes the window with its frame and lays out its parts; `mainInner` as for load(). A
-    /// maximised or minimised window keeps its size.
+    /// maximised window keeps its size; a minimised one is laid out when it is restored.
     void aranjare_diagrame(QSize mainInner);
 
     /// A picture of one diagram as the window shows it, with alarm lines and legend. Throws

@@ -11,6 +11,7 @@
 #include "platform/file_date.h"
 #include "platform/operator.h"
 #include "platform/twips.h"
+#include "platform/window_frame.h"
 
 #include <QCloseEvent>
 #include <QFrame>
@@ -192,6 +193,8 @@ void FormAdoChart::showStartOfDay()
 void FormAdoChart::followMainWindow(QSize mainInner)
 {
     resizeFrame(*this, form1Size(twipsSize(mainInner)));
+    if (frameOf(*this)->isMinimized())
+        return;
     arrangeWithKeptWidths();
 }
 

@@ -19,7 +19,7 @@ struct Station;
 /// MSChartAdo1 and MSChartAdo2. A long day makes a chart wider than the window; it then scrolls
 /// inside its viewport. It lives in a QMdiSubWindow.
 ///
-/// Opening: create it, put it into its sub window, show, then load(). Closing the sub window
+/// Opening: create it, put it into its sub window, load(), then show. Closing the sub window
 /// unloads and destroys it.
 class FormAdoChart : public QWidget
 {
@@ -35,7 +35,7 @@ public:
     void load(QSize mainInner);
 
     /// Sizes the window for the main window's area, then lays it out with the chart widths of the
-    /// last generation.
+    /// last generation. A minimised window is laid out when it is restored.
     void followMainWindow(QSize mainInner);
 
     /// Gives the charts these widths, in twips, and lays out everything.
