@@ -47,7 +47,7 @@ FormCalibrare::FormCalibrare(Station &station, Settings &settings, Operator &op,
     showOffsets();
     if (!m_boxes.empty())
         m_boxes.front()->selectAll();
-    adjustSize();
+    resize(sizeHint());
     centreOnScreen(*this, screenTwips);
 }
 

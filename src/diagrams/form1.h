@@ -64,6 +64,8 @@ private:
     };
 
     Panel createPanel(int index);
+    void place(const Panel &panel, const TwipsRect &chart, const TwipsRect &title,
+               double pickedPointTop, int bottom);
     void showPoint(const Panel &panel, int series, int point);
     void centreTitles();
     void fitTitles(double room);

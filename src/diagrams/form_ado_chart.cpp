@@ -27,6 +27,7 @@ namespace
 constexpr int kStartOfDay = -32767; // a scroll bar's value
 constexpr int kDateCharacters = 14;
 constexpr int kStepsPerPage = 20;
+constexpr int kKeyGap = 8; // pixels
 constexpr QSize kWaitMargins(60, 30);
 
 /// The sensors' names, each behind a piece of its line.
@@ -73,9 +74,9 @@ FormAdoChart::FormAdoChart(Station &station, HistoryDiagrams &diagrams, Operator
     m_wait->setAutoFillBackground(true);
     m_wait->setAlignment(Qt::AlignCenter);
     m_wait->hide();
+    m_upper.chart->alignWith(*m_lower.chart);
     connect(m_generate, &QPushButton::clicked, this, &FormAdoChart::Command1_Click);
     connect(m_date, &QLineEdit::returnPressed, this, &FormAdoChart::Command1_Click);
-    m_upper.chart->alignWith(*m_lower.chart);
 }
 
 QLabel *FormAdoChart::createLabel(const QString &name, const QString &text)
@@ -192,9 +193,9 @@ void FormAdoChart::showStartOfDay()
 
 void FormAdoChart::followMainWindow(QSize mainInner)
 {
-    resizeFrame(*this, form1Size(twipsSize(mainInner)));
     if (frameOf(*this)->isMinimized())
         return;
+    resizeFrame(*this, form1Size(twipsSize(mainInner)));
     arrangeWithKeptWidths();
 }
 
@@ -303,9 +304,17 @@ void FormAdoChart::showKey(const Panel &panel)
     panel.key->setText(keyText(panel.chart->grid()));
     panel.key->adjustSize();
     QRect place = panel.key->rect();
-    place.moveBottomRight(panel.viewport->geometry().topRight());
+    place.moveBottomRight(panel.viewport->geometry().topRight() - QPoint(0, 1));
     panel.key->setGeometry(place);
     panel.key->setVisible(panel.scroll->isEnabled());
+    // A title that would reach into the key gives way to the left.
+    QRect title = panel.viewport->geometry();
+    title.setTop(panel.title->y());
+    title.setHeight(panel.title->height());
+    const int titleEnd = title.center().x() + panel.title->sizeHint().width() / 2;
+    if (panel.scroll->isEnabled() && titleEnd >= place.left())
+        title.setRight(place.left() - kKeyGap);
+    panel.title->setGeometry(title);
 }
 
 void FormAdoChart::scroll(const Panel &panel)

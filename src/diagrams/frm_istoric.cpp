@@ -25,7 +25,7 @@ FrmIstoric::FrmIstoric(Station &station, Settings &settings, ShowError arata_ero
     column->addLayout(buttonRow());
     fillBoxes();
     focusFirstBox();
-    adjustSize();
+    resize(sizeHint());
     centreOnScreen(*this, screenTwips);
 }
 

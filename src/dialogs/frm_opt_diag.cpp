@@ -77,7 +77,7 @@ frmOptDiag::frmOptDiag(int diagram, Station &station, Settings &settings, const 
     for (int tab = 0; tab < m_tabs->count(); ++tab)
         m_options.afiseaza_tab(m_tabs->tabText(tab), texts);
     fillBoxes(texts);
-    adjustSize();
+    resize(sizeHint());
     centreOnScreen(*this, screenTwips);
 }
 

@@ -1,13 +1,10 @@
-#include "app/main_menu.h"
 #include "app/mdiform1.h"
 #include "app/screen_size.h"
 #include "platform/message_box_operator.h"
 
 #include <QAbstractButton>
-#include <QAction>
 #include <QApplication>
 #include <QMdiSubWindow>
-#include <QMenuBar>
 #include <QMessageBox>
 #include <QTimer>
 #include <gtest/gtest.h>
@@ -26,50 +23,6 @@ TEST(DimensiuniEcran, ThreeStandardHeightsAreLaidOutAsFourToThree)
         EXPECT_EQ(size.InaltimeEcran, c.height);
         EXPECT_EQ(size.LatimeEcran, c.width);
     }
-}
-
-TEST(MainMenu, EveryItemStandsInItsPlaceUnderItsCaption)
-{
-    MDIForm1 window{[] { return true; }};
-    const QStringList expected{
-        "MeniuFisier Fisiere",
-        "DeschidMdbCurent &Deschide baze date curente",
-        "DeschidMdbArhiva Deschide &arhiva",
-        "DeschidDiag Deschide diag&ramele",
-        "DeschidGenerator Deschide &generator diagrame",
-        "DeschidCentruControl Deschide &centrul de control",
-        "SalvareArh &Salvare arhive baze de date",
-        "SalvareImg Salvare &imagine diagrame",
-        "ExitProg &Iesire",
-        "MeniuTemp Diagrama Senzori 1,2,3.",
-        "LimitTempGraf Setare &limite grafic",
-        "AlarmTempGraf Setare &alarme",
-        "ScanTempGraf Setare &optiuni scanare",
-        "mnuNumeSenzori1 Setare &nume senzori",
-        "MeniuPres Diagrama Senzori 4,5,6.",
-        "LimitPresGraf Setare &limite grafic",
-        "AlarmPresGraf Setare &alarme",
-        "ScanPresGraf Setare &optiuni scanare",
-        "mnuNumeSenzori2 Setare &nume senzori",
-        "MeniuIstoric Istoric Diagrame",
-        "MeniuCalib Calibrare senzori",
-        "MeniuPrint Printare",
-        "PrintDiag &Printare diagrame",
-        "MeniuDespre Help",
-        "DocProg &Documentatie",
-        "DespreProg Despre &program",
-    };
-    QStringList found;
-    for (const QAction *action : menuItems(*window.menuBar()))
-        found += action->objectName() + ' ' + action->text();
-    EXPECT_EQ(found, expected);
-
-    QAction *item = menuItem(*window.menuBar(), "SalvareImg");
-    EXPECT_FALSE(item->isEnabled()) << "nothing to do yet";
-    int runs = 0;
-    window.setCommand("SalvareImg", [&] { ++runs; });
-    item->trigger();
-    EXPECT_EQ(runs, 1);
 }
 
 TEST(MessageBoxOperator, EachButtonIsItsAnswerAndClosingIsNone)

@@ -1,98 +1,19 @@
-// The whole program on a simulated recorder: real windows, real line, real files.
-
 #include "acquisition/form2.h"
-#include "app/main_menu.h"
-#include "app/program.h"
 #include "chart/chart_grid.h"
-#include "jet/database.h"
-#include "platform/qt_printers.h"
-#include "storage/storage_file.h"
-#include "storage/tabel.h"
-#include "tests/support/controls.h"
-#include "tests/support/fake_operator.h"
-#include "tests/support/fake_shell.h"
-#include "tests/support/joined_line.h"
+#include "tests/app/program_rig.h"
 #include "tests/support/runtime_errors.h"
-#include "tests/support/station_folder.h"
-#include "tools/trm10c_simulator/recorder_simulation.h"
 
 #include <QDialog>
 #include <QDir>
-#include <QElapsedTimer>
 #include <QFile>
 #include <QLabel>
 #include <QMdiSubWindow>
-#include <QMenuBar>
 #include <QTableView>
 #include <QWindow>
 
-namespace
-{
-
-/// Goes like the system's clock, but on a day of its own and far from midnight.
-class MorningClock final : public Clock
-{
-public:
-    MorningClock() { m_watch.start(); }
-    QDateTime now() const override
-    {
-        return wallTime(QDate(2026, 3, 7), QTime(9, 5)).addMSecs(m_watch.elapsed());
-    }
-
-private:
-    QElapsedTimer m_watch;
-};
-
-class ProgramTest : public ::testing::Test
+class ProgramTest : public ProgramRig
 {
 protected:
-    ProgramTest()
-    {
-        createStorageFile(storagePath(), clock.now());
-        folder.setValue("ControlPlc.CommPort =", '"' + joined.stationPort.toUtf8() + '"');
-        // No time between samples: the tests wait for records, not for the clock.
-        folder.setValue("Diagrama1.interval_scanare =", "0");
-    }
-
-    void start()
-    {
-        program = std::make_unique<Program>(Program::Environment{
-            folder.path(), QLocale::c(), clock, op, shell, printers, [this] { ++ends; }});
-        QObject::connect(program.get(), &Program::sampleStored, [this](int id) { lastId = id; });
-        program->start();
-    }
-
-    /// Starts the program and its monitoring, and waits for the first samples.
-    void monitor(int samples)
-    {
-        start();
-        hit(Qt::Key_F1);
-        EXPECT_TRUE(reaches(samples));
-    }
-
-    QString storagePath() const { return folder.path() + QStringLiteral("/mdb/autoclava1.mdb"); }
-    template <typename Widget>
-    Widget *child(const char *name)
-    {
-        return program->window().findChild<Widget *>(QString::fromLatin1(name));
-    }
-    QAction *item(const char *name)
-    {
-        return menuItem(*program->window().menuBar(), QString::fromLatin1(name));
-    }
-    void hit(Qt::Key key) { QTest::keyClick(child<QWidget>("Form1"), key); }
-    bool reaches(int id)
-    {
-        return QTest::qWaitFor([&] { return lastId >= id; }, 60'000);
-    }
-    std::uint32_t storedRecords() const
-    {
-        const jet::Database database =
-            jet::Database::open(nativePath(storagePath()), {.readOnly = true});
-        EXPECT_TRUE(database.check().empty());
-        return database.table(tabel::kName).recordCount();
-    }
-
     /// Writes the alarm column of a record, as another program might.
     void mark(int id, const char16_t *alarm)
     {
@@ -102,22 +23,7 @@ protected:
         ASSERT_TRUE(records.seek({&key, 1}));
         records.update({{tabel::kAlarma, jet::Text(alarm)}});
     }
-
-    MorningClock clock;
-    QObject timers;
-    QtScheduler scheduler{timers};
-    StationFolder folder;
-    JoinedLine joined = joinLine();
-    RecorderSimulation recorder{RecorderSettings{}, *joined.recorderEnd, clock, scheduler};
-    FakeOperator op;
-    FakeShell shell;
-    QtPrinters printers;
-    std::unique_ptr<Program> program;
-    int lastId = 0;
-    int ends = 0;
 };
-
-} // namespace
 
 TEST_F(ProgramTest, KeysStartAndStopMonitoringAndSamplesReachChartAndFile)
 {
@@ -150,8 +56,8 @@ TEST_F(ProgramTest, WindowsComeAndGoWhileMonitoringGoesOn)
     monitor(3);
     EXPECT_TRUE(item("SalvareImg")->isEnabled());
     child<QWidget>("Form1")->parentWidget()->close();
-    EXPECT_FALSE(item("SalvareImg")->isEnabled());
-    EXPECT_FALSE(item("MeniuPrint")->isEnabled());
+    for (const char *name : {"MeniuTemp", "MeniuPres", "MeniuPrint", "SalvareImg"})
+        EXPECT_FALSE(item(name)->isEnabled()) << name;
     item("DeschidMdbCurent")->trigger();
     ASSERT_TRUE(reaches(lastId + 3));
     item("DeschidDiag")->trigger();
@@ -219,7 +125,8 @@ TEST_F(ProgramTest, LockedDialogDisablesTheRestWhileMonitoringGoesOn)
     monitor(2);
     program->window().setItemEnabled("MeniuCalib", false);
     item("DespreProg")->trigger();
-    const auto *about = child<QDialog>("frmAbout");
+    auto *about = child<QDialog>("frmAbout");
+    child<QWidget>("Form1Frame")->showMaximized(); // its buttons then stand in the menu bar
     QDialog *dialog = nullptr;
     for (const char *round : {"first", "again, as the error window stays"}) {
         item("AlarmPresGraf")->trigger();
@@ -230,6 +137,10 @@ TEST_F(ProgramTest, LockedDialogDisablesTheRestWhileMonitoringGoesOn)
             EXPECT_FALSE(action->isEnabled()) << action->objectName().toStdString();
         EXPECT_FALSE(child<QWidget>("Form1Frame")->isEnabled());
         EXPECT_FALSE(about->isEnabled());
+        EXPECT_FALSE(about->close()) << "as by its title bar";
+        EXPECT_FALSE(child<QWidget>("Form1Frame")->close());
+        EXPECT_FALSE(child<QWidget>("Form2Frame")->close());
+        EXPECT_FALSE(program->window().menuBar()->cornerWidget(Qt::TopRightCorner)->isEnabled());
         ASSERT_TRUE(reaches(lastId + 2));
 
         type(*dialog, "AlarmSupText", "mult");
@@ -249,8 +160,9 @@ TEST_F(ProgramTest, LockedDialogDisablesTheRestWhileMonitoringGoesOn)
     EXPECT_EQ(program->station().Diagrame[1].chart->columnData(5)[59], 20.5);
     EXPECT_TRUE(item("ExitProg")->isEnabled());
     EXPECT_FALSE(item("MeniuCalib")->isEnabled()) << "was disabled before";
+    EXPECT_TRUE(program->window().menuBar()->cornerWidget(Qt::TopRightCorner)->isEnabled());
     EXPECT_TRUE(child<QWidget>("Form1Frame")->isEnabled());
-    EXPECT_TRUE(about->isEnabled());
+    EXPECT_TRUE(about->close());
     ASSERT_TRUE(reaches(lastId + 2));
     EXPECT_TRUE(program->station().sensors[3].alarm);
 }

@@ -1,0 +1,106 @@
+#pragma once
+
+#include "app/main_menu.h"
+#include "app/program.h"
+#include "jet/database.h"
+#include "platform/printers.h"
+#include "storage/storage_file.h"
+#include "storage/tabel.h"
+#include "tests/support/controls.h"
+#include "tests/support/fake_operator.h"
+#include "tests/support/fake_shell.h"
+#include "tests/support/joined_line.h"
+#include "tests/support/station_folder.h"
+#include "tools/trm10c_simulator/recorder_simulation.h"
+
+#include <QElapsedTimer>
+#include <QMenuBar>
+
+/// Goes like the system's clock, but on a day of its own and far from midnight.
+class MorningClock final : public Clock
+{
+public:
+    MorningClock() { m_watch.start(); }
+    QDateTime now() const override
+    {
+        return wallTime(QDate(2026, 3, 7), QTime(9, 5)).addMSecs(m_watch.elapsed());
+    }
+
+private:
+    QElapsedTimer m_watch;
+};
+
+/// A system without printers, whatever the machine has.
+class NoPrinters final : public Printers
+{
+public:
+    QStringList names() const override { return {}; }
+    QString defaultDevice() const override { return {}; }
+    void setDefaultDevice(const QString &) override {}
+    std::unique_ptr<PrintJob> choose() override { return nullptr; }
+};
+
+/// The whole program on a simulated recorder: real windows, real line, real files.
+class ProgramRig : public ::testing::Test
+{
+protected:
+    ProgramRig()
+    {
+        createStorageFile(storagePath(), clock.now());
+        folder.setValue("ControlPlc.CommPort =", '"' + joined.stationPort.toUtf8() + '"');
+        // No time between samples: the tests wait for records, not for the clock.
+        folder.setValue("Diagrama1.interval_scanare =", "0");
+    }
+
+    void start()
+    {
+        program = std::make_unique<Program>(Program::Environment{
+            folder.path(), QLocale::c(), clock, op, shell, printers, [this] { ++ends; }});
+        QObject::connect(program.get(), &Program::sampleStored, [this](int id) { lastId = id; });
+        program->start();
+    }
+
+    /// Starts the program and its monitoring, and waits for the first samples.
+    void monitor(int samples)
+    {
+        start();
+        hit(Qt::Key_F1);
+        EXPECT_TRUE(reaches(samples));
+    }
+
+    QString storagePath() const { return folder.path() + QStringLiteral("/mdb/autoclava1.mdb"); }
+    template <typename Widget>
+    Widget *child(const char *name)
+    {
+        return program->window().findChild<Widget *>(QString::fromLatin1(name));
+    }
+    QAction *item(const char *name)
+    {
+        return menuItem(*program->window().menuBar(), QString::fromLatin1(name));
+    }
+    void hit(Qt::Key key) { QTest::keyClick(child<QWidget>("Form1"), key); }
+    bool reaches(int id)
+    {
+        return QTest::qWaitFor([&] { return lastId >= id; }, 60'000);
+    }
+    std::uint32_t storedRecords() const
+    {
+        const jet::Database database =
+            jet::Database::open(nativePath(storagePath()), {.readOnly = true});
+        EXPECT_TRUE(database.check().empty());
+        return database.table(tabel::kName).recordCount();
+    }
+
+    MorningClock clock;
+    QObject timers;
+    QtScheduler scheduler{timers};
+    StationFolder folder;
+    JoinedLine joined = joinLine();
+    RecorderSimulation recorder{RecorderSettings{}, *joined.recorderEnd, clock, scheduler};
+    FakeOperator op;
+    FakeShell shell;
+    NoPrinters printers;
+    std::unique_ptr<Program> program;
+    int lastId = 0;
+    int ends = 0;
+};

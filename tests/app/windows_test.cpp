@@ -1,0 +1,413 @@
+// Every window as the operator gets it: opened by its own command, then looked at whole.
+
+#include "chart/chart_view.h"
+#include "platform/message_box_operator.h"
+#include "tests/app/program_rig.h"
+#include "tests/app/window_walker.h"
+
+#include <QApplication>
+#include <QDialog>
+#include <QDir>
+#include <QLabel>
+#include <QMdiSubWindow>
+#include <QMenu>
+#include <QMessageBox>
+#include <QTabWidget>
+#include <QTimer>
+#include <qcustomplot.h>
+
+namespace
+{
+
+void settle()
+{
+    QTest::qWait(0);
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    QTest::qWait(0);
+}
+
+QList<QDialog *> openDialogs()
+{
+    QList<QDialog *> dialogs;
+    for (QWidget *window : QApplication::topLevelWidgets())
+        if (auto *dialog = qobject_cast<QDialog *>(window); dialog && dialog->isVisible())
+            dialogs += dialog;
+    return dialogs;
+}
+
+class WindowsTest : public ProgramRig
+{
+protected:
+    /// Some samples in the storage file, none being taken.
+    void startWithSamples()
+    {
+        monitor(5);
+        hit(Qt::Key_F2);
+        lastId = 0;
+    }
+
+    void choose(const char *name)
+    {
+        item(name)->trigger();
+        settle();
+    }
+
+    void closeDialogs()
+    {
+        for (QDialog *dialog : openDialogs())
+            dialog->close();
+        settle();
+    }
+
+    QMdiSubWindow *frame(const char *form)
+    {
+        return child<QMdiSubWindow>((std::string(form) + "Frame").c_str());
+    }
+
+    bool isLocked()
+    {
+        const QList<QAction *> items = menuItems(*program->window().menuBar());
+        return std::none_of(items.begin(), items.end(),
+                            [](const QAction *action) { return action->isEnabled(); });
+    }
+
+    /// What is in front, open and said, in words.
+    QString whatIsSeen()
+    {
+        QStringList seen{program->window().activeChild()->objectName()};
+        for (const QDialog *dialog : openDialogs()) {
+            seen += dialog->objectName() + (dialog->isModal() ? " modal"
+                                            : isLocked()      ? " locked"
+                                                              : "");
+            if (const auto *tabs = dialog->findChild<QTabWidget *>())
+                seen += tabs->tabText(tabs->currentIndex());
+        }
+        for (const QString &path : std::exchange(shell.opened, {}))
+            seen += "opens " + QDir(folder.path()).relativeFilePath(path);
+        for (const QString &text : std::exchange(op.told, {}))
+            seen += "says " + text;
+        for (const QString &text : std::exchange(op.asked, {}))
+            seen += "asks " + text.left(32);
+        return seen.join(", ");
+    }
+};
+
+} // namespace
+
+TEST_F(WindowsTest, EveryMenuItemHasItsEffect)
+{
+    // Chosen with the browser in front, or with the diagrams where the browser itself is chosen.
+    const struct {
+        const char *item, *caption, *seen;
+    } rows[] = {
+        {"MeniuFisier", "Fisiere", nullptr},
+        {"DeschidMdbCurent", "&Deschide baze date curente", "FormMdb"},
+        {"DeschidMdbArhiva", "Deschide &arhiva", "FormMdb, opens mdb/arhive"},
+        {"DeschidDiag", "Deschide diag&ramele", "Form1"},
+        {"DeschidGenerator", "Deschide &generator diagrame", "FormAdoChart"},
+        {"DeschidCentruControl", "Deschide &centrul de control", "Form2"},
+        {"SalvareArh", "&Salvare arhive baze de date", "Form1"}, // in front of the browser again
+        {"SalvareImg", "Salvare &imagine diagrame", "FormMdb, opens img/ minimised"},
+        {"ExitProg", "&Iesire", "FormMdb, asks Doriti sa salvati arhivele acum?"},
+        {"MeniuTemp", "Diagrama Senzori 1,2,3.", nullptr},
+        {"LimitTempGraf", "Setare &limite grafic", "Form1, frmOptDiag1 locked, Limite grafic"},
+        {"AlarmTempGraf", "Setare &alarme", "Form1, frmOptDiag1 locked, Alarme"},
+        {"ScanTempGraf", "Setare &optiuni scanare", "Form1, frmOptDiag1 locked, Optiuni scanare"},
+        {"mnuNumeSenzori1", "Setare &nume senzori", "FormMdb, frmNumeSenzori1 modal"},
+        {"MeniuPres", "Diagrama Senzori 4,5,6.", nullptr},
+        {"LimitPresGraf", "Setare &limite grafic", "Form1, frmOptDiag2 locked, Limite grafic"},
+        {"AlarmPresGraf", "Setare &alarme", "Form1, frmOptDiag2 locked, Alarme"},
+        {"ScanPresGraf", "Setare &optiuni scanare", "Form1, frmOptDiag2 locked, Optiuni scanare"},
+        {"mnuNumeSenzori2", "Setare &nume senzori", "FormMdb, frmNumeSenzori2 modal"},
+        {"MeniuIstoric", "Istoric Diagrame", "FormAdoChart, FrmIstoric locked"},
+        {"MeniuCalib", "Calibrare senzori", "FormMdb, FormCalibrare locked"},
+        {"MeniuPrint", "Printare", nullptr},
+        {"PrintDiag", "&Printare diagrame",
+         "FormMdb, says Nu am reusit sa detectez imprimante in sistem!"},
+        {"MeniuDespre", "Help", nullptr},
+        {"DocProg", "&Documentatie", "FormMdb, opens Doc/help.doc"},
+        {"DespreProg", "Despre &program", "FormMdb, frmAbout"},
+    };
+    startWithSamples();
+    const QList<QAction *> items = menuItems(*program->window().menuBar());
+    ASSERT_EQ(items.size(), qsizetype(std::size(rows)));
+    for (std::size_t i = 0; i < std::size(rows); ++i) {
+        const auto &row = rows[i];
+        QAction *action = items[qsizetype(i)];
+        EXPECT_EQ(action->objectName(), row.item);
+        EXPECT_EQ(action->text(), row.caption) << row.item;
+        EXPECT_TRUE(action->isEnabled()) << row.item;
+        EXPECT_EQ(action->menu() != nullptr, row.seen == nullptr) << row.item;
+        if (!row.seen)
+            continue;
+        choose(qstrcmp(row.item, "DeschidMdbCurent") == 0 ? "DeschidDiag" : "DeschidMdbCurent");
+        choose(row.item);
+        EXPECT_EQ(whatIsSeen().toStdString(), row.seen) << row.item;
+        closeDialogs();
+    }
+    EXPECT_TRUE(QFile::exists(folder.path() + "/mdb/arhive/arh_07.03.2026_autoclava1.mdb"));
+    EXPECT_TRUE(QFile::exists(folder.path() + "/img/Diagrama1_07.03.2026_09.05.bmp"));
+    EXPECT_EQ(ends, 0) << "the question was answered with Cancel";
+
+    program->window().activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&program->window()));
+    QTest::keyClick(&program->window(), Qt::Key_F10);
+    EXPECT_TRUE(items.front()->menu()->isVisible());
+    items.front()->menu()->close();
+}
+
+TEST_F(WindowsTest, BrowserKeepsThePlaceAndSizeThatItWasGiven)
+{
+    startWithSamples();
+    program->window().resize(1280, 900);
+    settle();
+    choose("DeschidMdbCurent");
+    EXPECT_GE(child<QWidget>("DBGrid1")->height(), 300) << "as it opens";
+    const QRect given(40, 30, 500, 310);
+    frame("FormMdb")->setGeometry(given);
+    choose("SalvareArh");
+    EXPECT_EQ(frame("FormMdb")->geometry(), given) << "after the archive";
+    frame("FormMdb")->close();
+    settle();
+    choose("DeschidMdbCurent");
+    EXPECT_EQ(frame("FormMdb")->geometry(), given) << "chosen again";
+    program->window().resize(420, 300);
+    settle();
+    EXPECT_EQ(faultsOf(*frame("FormMdb")), QStringList());
+}
+
+/// A message of the settings comes while the diagrams load: the main window may change meanwhile.
+TEST_F(WindowsTest, DiagramsFillTheMainWindowAfterAMessageAtStartUp)
+{
+    folder.setConfig(folder.config().replace("Diagrama2.Senzor3.Nume =", "Altceva ="));
+    op.meanwhile = [this] {
+        EXPECT_FALSE(child<QWidget>("Form1Frame")->isVisible()) << "half done";
+        program->window().showNormal();
+        program->window().resize(1100, 800);
+        settle();
+    };
+    start();
+    settle();
+    EXPECT_EQ(op.told, QStringList({"Eroare in /config/config.ini"}));
+    EXPECT_EQ(frame("Form1")->size(), program->window().innerSize() - QSize(4, 71));
+    EXPECT_EQ(faultsOf(*frame("Form1")), QStringList());
+}
+
+namespace
+{
+
+struct Look {
+    const char *name;
+    double letters; ///< against the system's usual size
+    bool isDark;
+    QSize mainWindow;
+};
+
+std::ostream &operator<<(std::ostream &out, const Look &look)
+{
+    return out << look.name;
+}
+
+/// Windows with other letters and colours; everything as before afterwards.
+class LookTest : public WindowsTest, public ::testing::WithParamInterface<Look>
+{
+protected:
+    LookTest() : m_font(QApplication::font()), m_colours(QApplication::palette())
+    {
+        QFont font = m_font;
+        font.setPointSizeF(font.pointSizeF() * GetParam().letters);
+        QApplication::setFont(font);
+        if (GetParam().isDark)
+            QApplication::setPalette(QPalette(QColor(0x35, 0x35, 0x35), QColor(0x2A, 0x2A, 0x2A)));
+    }
+    ~LookTest() override
+    {
+        program.reset();
+        QApplication::setFont(m_font);
+        QApplication::setPalette(m_colours);
+    }
+
+    void openAll()
+    {
+        startWithSamples();
+        program->window().showNormal();
+        program->window().resize(GetParam().mainWindow);
+        settle();
+        choose("SalvareArh");
+        hit(Qt::Key_F1); // rows for the browser, too
+        ASSERT_TRUE(reaches(5));
+        hit(Qt::Key_F2);
+        choose("DeschidGenerator");
+        type(program->window(), "Text1", "07.03.2026");
+        press(program->window(), "Command1");
+        choose("DeschidMdbCurent");
+        choose("DeschidCentruControl");
+        choose("DeschidDiag");
+        pickAPoint("MSChart1");
+        pickAPoint("MSChart2");
+    }
+
+    /// Its text is shown below the chart.
+    void pickAPoint(const char *chart)
+    {
+        auto &view = *child<ChartView>(chart);
+        auto &plot = *view.findChild<QCustomPlot *>();
+        plot.replot();
+        const double value = view.grid().columnData(1)[2];
+        QTest::mouseClick(
+            &plot, Qt::LeftButton, {},
+            QPointF(plot.xAxis->coordToPixel(3), plot.yAxis->coordToPixel(value)).toPoint());
+    }
+
+    /// Looks at the main window's bar, at the windows in it and at those of their own.
+    void expectSound(const QString &state)
+    {
+        settle();
+        QList<QWidget *> frames = openWindows();
+        for (QMdiSubWindow *frame : program->window().findChildren<QMdiSubWindow *>())
+            if (frame->isVisible() && !frame->isMinimized())
+                frames += frame;
+        for (const QWidget *frame : frames)
+            for (const QString &fault : faultsOf(*frame))
+                ADD_FAILURE() << state.toStdString() << ": in " << frame->objectName().toStdString()
+                              << ' ' << fault.toStdString();
+    }
+
+    QList<QWidget *> openWindows()
+    {
+        QList<QWidget *> windows;
+        for (QWidget *window : QApplication::topLevelWidgets())
+            if (window->isVisible() && window != &program->window())
+                windows += window;
+        return windows;
+    }
+
+    /// Looks at a box while it waits for its answer.
+    template <typename Box>
+    void expectSoundBox(const QString &state, Box box)
+    {
+        QTimer::singleShot(0, [&] {
+            expectSound(state);
+            QApplication::activeModalWidget()->close();
+        });
+        box();
+    }
+
+private:
+    QFont m_font;
+    QPalette m_colours;
+};
+
+} // namespace
+
+TEST_P(LookTest, EveryWindowIsSoundAsItIsOpened)
+{
+    openAll();
+    expectSound("windows of the main window");
+    for (const char *command : {"LimitTempGraf", "AlarmTempGraf", "ScanTempGraf", "LimitPresGraf",
+                                "AlarmPresGraf", "ScanPresGraf", "mnuNumeSenzori1",
+                                "mnuNumeSenzori2", "MeniuIstoric", "MeniuCalib", "DespreProg"}) {
+        choose(command);
+        ASSERT_EQ(openDialogs().size(), 1) << command;
+        expectSound(command);
+        closeDialogs();
+    }
+    choose("DeschidDiag");
+    QTest::mouseDClick(child<QLabel>("Label1"), Qt::LeftButton);
+    expectSound("title");
+    closeDialogs();
+
+    choose("ScanPresGraf");
+    type(*openDialogs().front(), "ScanText", "mult");
+    press(*openDialogs().front(), "cmdApply");
+    expectSound("error window");
+    press(*child<QWidget>("FormEroare"), "OKButton");
+    closeDialogs();
+
+    MessageBoxOperator boxes("Monitorizare PLC");
+    expectSoundBox("short message", [&] { boxes.tell("61 Disk full", Operator::Icon::Critical); });
+    expectSoundBox("question", [&] { boxes.ask(op.asked.value(0, "Doriti?")); });
+}
+
+TEST_P(LookTest, EveryWindowIsSoundAfterWhatHappensToIt)
+{
+    openAll();
+    for (const char *form : {"Form1", "FormMdb", "FormAdoChart", "Form2"}) {
+        for (const Qt::WindowState state : {Qt::WindowMinimized, Qt::WindowMaximized}) {
+            const QString what = QString("%1 %2").arg(form).arg(state);
+            frame(form)->setWindowState(state);
+            settle();
+            program->window().resize(GetParam().mainWindow - QSize(160, 60));
+            expectSound(what + " in a smaller window");
+            frame(form)->showNormal();
+            expectSound(what + " and restored in it");
+            frame(form)->setWindowState(state);
+            settle();
+            program->window().resize(GetParam().mainWindow);
+            settle();
+            frame(form)->showNormal();
+            expectSound(what + " and restored in a larger one");
+        }
+    }
+    choose("MeniuCalib");
+    program->window().resize(GetParam().mainWindow - QSize(160, 60));
+    settle();
+    closeDialogs();
+    expectSound("after a locked dialog");
+    program->window().resize(GetParam().mainWindow);
+    choose("SalvareArh");
+    expectSound("after an archive");
+}
+
+INSTANTIATE_TEST_SUITE_P(Windows, LookTest,
+                         ::testing::Values(Look{"Small", 1.0, false, {800, 600}},
+                                           Look{"SmallWithLargeLetters", 1.6, true, {800, 600}},
+                                           Look{"Large", 1.0, true, {1920, 1080}},
+                                           Look{"LargeWithLargeLetters", 1.6, false, {1920, 1080}}),
+                         [](const auto &look) { return look.param.name; });
+
+namespace
+{
+
+QLabel *labelAt(QWidget &parent, const QRect &place, const char *text)
+{
+    auto *label = new QLabel(text, &parent);
+    label->setGeometry(place);
+    return label;
+}
+
+} // namespace
+
+TEST(WindowWalker, FindsEveryFault)
+{
+    QMdiArea area;
+    area.resize(400, 300);
+    auto *form = new QDialog;
+    form->setMinimumSize(200, 100);
+    auto *frame = area.addSubWindow(form);
+    area.show();
+    frame->show();
+    settle();
+    EXPECT_EQ(faultsOf(*frame), QStringList());
+    frame->setWindowTitle(QString(60, 'W'));
+    frame->move(350, 10);
+    form->setMinimumSize(0, 0);
+    form->resize(250, 200);
+    frame->resize(60, 30);
+    const QStringList framed = faultsOf(*frame);
+
+    QDialog window;
+    window.resize(300, 200);
+    labelAt(window, {10, 10, 40, 20}, "shortened by its width");
+    labelAt(window, {100, 10, 190, 20}, "below");
+    labelAt(window, {110, 12, 170, 20}, "above");
+    labelAt(window, {250, 150, 100, 20}, "outside");
+    labelAt(window, {10, 60, 0, 20}, "empty");
+    labelAt(window, {10, 100, 190, 20}, "unreadable")->setStyleSheet("color: white");
+    window.show();
+    const QString found = (framed + faultsOf(window)).join('\n');
+    for (const char *fault :
+         {"smaller than", "outside its area", "shortened caption", "outside its parent", "is empty",
+          "lies over", "shortened text", "cannot be read"})
+        EXPECT_TRUE(found.contains(fault)) << fault << " is not in\n" << found.toStdString();
+}
