@@ -24,7 +24,6 @@ void MeasurementStore::arhiveaza_baza_date(const QString &nume)
             tellFailure(*failure);
         return;
     }
-    m_gaps.remove(nume);
     if (browserWasOpen)
         emit browserMayReopen();
 }

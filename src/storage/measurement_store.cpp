@@ -10,7 +10,6 @@
 
 #include <QFileInfo>
 #include <algorithm>
-#include <limits>
 
 namespace
 {
@@ -37,13 +36,6 @@ jet::Assignments sampleValues(const Station &station, const jet::Table &table)
     if (alarm)
         values.emplace_back(tabel::kAlarma, tabel::kYes);
     return values;
-}
-
-std::int32_t largestId(const jet::Table &table)
-{
-    jet::Cursor newest = table.sortedBy(tabel::kId, jet::Order::Descending);
-    const jet::Value id = newest.first() ? newest.value(tabel::kId) : jet::Value();
-    return std::holds_alternative<std::int32_t>(id) ? std::get<std::int32_t>(id) : 0;
 }
 
 } // namespace
@@ -105,25 +97,14 @@ int MeasurementStore::appendRecord(const QString &nume)
 {
     jet::Database database = openStorage(nume);
     jet::Table table = database.table(tabel::kName);
-    jet::Assignments record{{tabel::kId, static_cast<std::int32_t>(table.recordCount() + 1)}};
+    const auto id = static_cast<std::int32_t>(table.recordCount() + 1);
+    jet::Assignments record{{tabel::kId, id}};
     const jet::Assignments values = sampleValues(m_station, table);
     record.insert(record.end(), values.begin(), values.end());
     record.emplace_back(tabel::kData, tabel::dateValue(m_clock.now().date()));
     record.emplace_back(tabel::kOra, tabel::timeValue(m_clock.now().time()));
-    try {
-        table.append(record);
-    } catch (const jet::Error &error) {
-        if (error.code() != jet::ErrorCode::DuplicateKey || !m_gaps.contains(nume))
-            throw;
-        // A repair copies the numbers as they are. Where records are missing in the middle the next
-        // one collides again, for the rest of the day: each sample would be lost to a new repair.
-        const std::int32_t largest = largestId(table);
-        if (largest == std::numeric_limits<std::int32_t>::max())
-            throw;
-        record.front().second = largest + 1;
-        table.append(record);
-    }
-    return std::get<std::int32_t>(record.front().second);
+    table.append(record);
+    return id;
 }
 
 void MeasurementStore::retryWhileLocked(const QString &nume, const std::function<void()> &step,
@@ -160,7 +141,6 @@ void MeasurementStore::repara_baza_date(const QString &nume)
         tellFailure(*failure);
         return;
     }
-    m_gaps.insert(nume);
     m_operator.tell(texts::storage::repaired(nume));
 }
 

@@ -3,7 +3,6 @@
 #include "jet/database.h"
 
 #include <QObject>
-#include <QSet>
 #include <functional>
 #include <optional>
 
@@ -30,8 +29,8 @@ public:
 
     /// Appends one record with the sensors' present values to table Tabel of storage file `nume`.
     /// File missing: the operator is told, Station::monitorActive cleared, monitorStopped()
-    /// emitted. Duplicate Id: repara_baza_date; that sample is lost. Any other failure: number and
-    /// description are told and monitoring goes on.
+    /// emitted. Id is the number of records + 1; where that is taken: repara_baza_date, and the
+    /// sample is lost. Any other failure: number and description are told and monitoring goes on.
     void adauga_inregistrare(const QString &nume);
 
     /// Rebuilds Tabel of storage file `nume` and says so. While another program has the file open
@@ -79,6 +78,4 @@ private:
     Operator &m_operator;
     const Clock &m_clock;
     jet::OpenOptions m_options;
-    /// Storage files whose numbers still collide after a repair: records are missing in the middle.
-    QSet<QString> m_gaps;
 };

@@ -165,7 +165,7 @@ TEST_F(StorageTest, UnusableFileIsToldByNumberAndMonitoringGoesOn)
     }
 }
 
-TEST_F(StorageTest, CollidingNumberRepairsOnceLosesThatSampleAndGoesOn)
+TEST_F(StorageTest, EveryCollidingNumberRepairsAndLosesItsSampleUntilTheArchive)
 {
     append(5);
     deleteRecord(3);
