@@ -101,8 +101,9 @@ int MeasurementStore::appendRecord(const QString &nume)
     jet::Assignments record{{tabel::kId, id}};
     const jet::Assignments values = sampleValues(m_station, table);
     record.insert(record.end(), values.begin(), values.end());
-    record.emplace_back(tabel::kData, tabel::dateValue(m_clock.now().date()));
-    record.emplace_back(tabel::kOra, tabel::timeValue(m_clock.now().time()));
+    const QDateTime now = m_clock.now(); // once: midnight must not fall between date and time
+    record.emplace_back(tabel::kData, tabel::dateValue(now.date()));
+    record.emplace_back(tabel::kOra, tabel::timeValue(now.time()));
     table.append(record);
     return id;
 }
