@@ -50,7 +50,7 @@ void MonitoringCycle::start()
 {
     m_station.nextSampling = m_clock.now();
     m_station.monitorActive = true;
-    m_archivedToday = false;
+    m_archivedDay = {};
     emit stateChanged();
     // A pass or an exchange under way goes on by itself, with the new schedule.
     if (m_phase == Phase::Stopped || m_phase == Phase::Sleeping)
@@ -109,15 +109,14 @@ void MonitoringCycle::pass()
 void MonitoringCycle::archiveAtEndOfDay()
 {
     // A second that no pass sees, behind a long exchange or a message box, is not made up for.
-    const bool archiveSecond = isSecond(m_clock.now(), kArchiveTime);
-    if (archiveSecond && !m_archivedToday) {
-        const QPointer<MonitoringCycle> self(this);
-        m_store.arhiveaza_baza_date(storageName());
-        if (!self)
-            return;
-    }
-    // Any other moment arms it for the next day: an archive may last past the second that follows.
-    m_archivedToday = archiveSecond;
+    const QDateTime now = m_clock.now();
+    if (now.time() >= kRearmTime)
+        m_archivedDay = {};
+    // The day, not a mere flag: whoever misses the second that rearms must not miss the next day.
+    if (!isSecond(now, kArchiveTime) || m_archivedDay == now.date())
+        return;
+    m_archivedDay = now.date();
+    m_store.arhiveaza_baza_date(storageName());
 }
 
 void MonitoringCycle::correctSchedule()

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QDate>
 #include <QObject>
 #include <memory>
 
@@ -66,5 +67,5 @@ private:
     const Clock &m_clock;
     std::unique_ptr<Timer> m_wakeUp;
     Phase m_phase = Phase::Stopped;
-    bool m_archivedToday = false;
+    QDate m_archivedDay; ///< by this run, until 23:59:51 of that day
 };

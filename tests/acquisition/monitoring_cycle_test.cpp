@@ -98,6 +98,15 @@ TEST_F(CicluMonitorizare, ADayIsArchivedOnceInItsSecondAndAMissedOneIsNotMadeUpF
     EXPECT_EQ(archivesUntil(2), 2u);
     EXPECT_EQ(archives[1], archiveMoment.addDays(2)) << "awake as its second begins";
     EXPECT_EQ(archivesUntil(3), 3u) << "a slow archive costs the next day nothing";
+
+    whenArchived = [] {};
+    time.advanceTo(archiveMoment.addDays(4).addMSecs(300));
+    time.setClock(archiveMoment.addDays(4).addSecs(-3));
+    EXPECT_EQ(archivesUntil(4), 4u) << "set back within the second";
+    EXPECT_EQ(archivesUntil(5), 5u);
+    time.advanceTo(archiveMoment.addDays(6).addMSecs(300));
+    cycle->start();
+    EXPECT_EQ(archivesUntil(6), 7u) << "a new start is a new run";
 }
 
 TEST_F(CicluMonitorizare, AClockThatWasSetIsNoticedWithinASecond)
