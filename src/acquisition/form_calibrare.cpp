@@ -10,25 +10,12 @@
 #include <QGridLayout>
 #include <QLabel>
 #include <QLineEdit>
-#include <algorithm>
 
 namespace
 {
 
-constexpr qsizetype kOffsetCharacters = 5;
+constexpr int kOffsetCharacters = 5;
 constexpr int kLabelToBoxTwips = 100;
-
-/// Lets a box hold `text` and no longer entry than kOffsetCharacters. A longer offset from the
-/// settings file stays whole, cut it would be saved as another, but it can only be made shorter.
-void limitEntry(QLineEdit &box, const QString &text)
-{
-    const int limit = static_cast<int>(std::max(kOffsetCharacters, text.size()));
-    if (limit == box.maxLength())
-        return;
-    const int cursor = box.cursorPosition();
-    box.setMaxLength(limit);
-    box.setCursorPosition(cursor); // a new limit sends it to the end
-}
 
 } // namespace
 
@@ -59,8 +46,7 @@ QLayout *FormCalibrare::rows()
         const int row = static_cast<int>(m_boxes.size());
         auto *box = new QLineEdit(this);
         box->setObjectName(QStringLiteral("CalibText_%1").arg(row));
-        connect(box, &QLineEdit::textEdited, this,
-                [box](const QString &text) { limitEntry(*box, text); });
+        box->setMaxLength(kOffsetCharacters);
         const QString caption = texts::acquisition::calibrationLabel(sensor.name);
         // A label with a buddy would take an "&" in the sensor's name for a mnemonic.
         box->setAccessibleName(caption);
@@ -77,11 +63,8 @@ QLayout *FormCalibrare::rows()
 
 void FormCalibrare::showOffsets()
 {
-    for (std::size_t i = 0; i < m_boxes.size(); ++i) {
-        const QString &offset = m_station.sensors.at(i).calibrationText;
-        limitEntry(*m_boxes[i], offset);
-        m_boxes[i]->setText(offset);
-    }
+    for (std::size_t i = 0; i < m_boxes.size(); ++i)
+        m_boxes[i]->setText(m_station.sensors.at(i).calibrationText);
 }
 
 void FormCalibrare::cmdOk_Click()
