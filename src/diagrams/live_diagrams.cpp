@@ -192,11 +192,9 @@ void LiveDiagrams::adauga_punct(Diagrama &record, const std::vector<Sensor> &sen
 void LiveDiagrams::goleste_diagramele()
 {
     for (std::size_t d = 0; d < m_station.Diagrame.size(); ++d) {
-        Diagrama &record = m_station.Diagrame[d];
-        initializare_diagrama(*record.chart, m_station, d);
-        record.chart->setRow(1);
-        // What is drawn now was not read at the moments of the former sweep.
-        std::fill(record.timeStamps.begin(), record.timeStamps.end(), zeroDateTime());
+        ChartGrid &chart = *m_station.Diagrame[d].chart;
+        initializare_diagrama(chart, m_station, d);
+        chart.setRow(1);
     }
     m_station.currentRow = 1;
 }

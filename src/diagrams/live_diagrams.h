@@ -55,7 +55,8 @@ public:
     /// the row outgrows 16 bits, 9 when a chart has no such row.
     void adauga_citiri(const std::vector<Sensor> &sensors);
 
-    /// Every diagram as after a load; the next sample goes to row 1.
+    /// Every sensor point at the lower graph limit; the next sample goes to row 1. The moments of
+    /// the rows stay until the rows are written again.
     void goleste_diagramele();
 
     /// What a picked point of a live chart says: series label, value, and the moment the row was

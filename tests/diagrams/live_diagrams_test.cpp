@@ -77,8 +77,8 @@ TEST_F(LiveDiagramsTest, SweepClearsBeforeTheLastRow)
         EXPECT_EQ(valueAt(*chart, 2, 1), 100);
         EXPECT_EQ(valueAt(*chart, 2, 59), 0);
         EXPECT_EQ(valueAt(*chart, 5, 59), 138) << "alarm lines stay";
-        EXPECT_TRUE(live.pointText(*chart, 1, 59).endsWith("\n00:00:00"))
-            << "not yet written again";
+        EXPECT_TRUE(live.pointText(*chart, 1, 59).endsWith("07.03.2026 09:05:59"))
+            << "a clear leaves the moments of the former sweep";
     }
     EXPECT_EQ(station.currentRow, 2);
 
