@@ -5,6 +5,8 @@
 #include "app/settings/texts.h"
 #include "platform/numeric_text.h"
 
+#include <array>
+
 namespace
 {
 
@@ -26,14 +28,14 @@ void applyLimits(const Station &station)
 
 void readHistoryLimits(Station &station, Settings &settings)
 {
+    auto &[first, second] = station.Istoric;
+    const std::array limits{&first.limita_minima, &first.limita_maxima, // in the order of the keys
+                            &second.limita_minima, &second.limita_maxima};
     station.Chei = limitKeys();
     station.Valori = QStringList(station.Chei.size());
-    if (settings.citeste_config(station.Chei, static_cast<int>(station.Chei.size()) - 1)) {
-        station.Istoric[0].limita_minima = leadingNumber(station.Valori.at(0));
-        station.Istoric[0].limita_maxima = leadingNumber(station.Valori.at(1));
-        station.Istoric[1].limita_minima = leadingNumber(station.Valori.at(2));
-        station.Istoric[1].limita_maxima = leadingNumber(station.Valori.at(3));
-    }
+    const int read = settings.citeste_config(station.Chei, static_cast<int>(limits.size()) - 1);
+    for (int i = 0; i < read; ++i)
+        *limits[static_cast<std::size_t>(i)] = leadingNumber(station.Valori.at(i));
     applyLimits(station);
 }
 

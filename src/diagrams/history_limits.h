@@ -10,7 +10,7 @@ struct Station;
 /// the settings file. Failures of the settings file leave as Settings says.
 
 /// Reads the limits from the settings file and applies them to the charts. A key that the file
-/// lacks: the operator is told and nothing changes.
+/// lacks: the operator is told, and its limit and those behind it stay as they were.
 void readHistoryLimits(Station &station, Settings &settings);
 
 /// What the boxes of the history limits dialog hold.

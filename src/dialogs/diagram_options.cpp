@@ -127,7 +127,7 @@ void DiagramOptions::saveDefaults(const QString &tab, OptionTexts &texts)
 void DiagramOptions::restoreDefaults(const QString &tab, OptionTexts &texts)
 {
     const int last = m_settings.chei_tab(record().name, tab, Settings::Mode::Citeste);
-    if (!m_settings.citeste_config(m_station.Chei, last)) {
+    if (m_settings.citeste_config(m_station.Chei, last) <= last) {
         afiseaza_tab(tab, texts);
         return;
     }

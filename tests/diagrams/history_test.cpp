@@ -142,6 +142,14 @@ TEST_F(HistoryDiagramsTest, LoadTakesLimitsAndNamesFromTheSettings)
     EXPECT_EQ(history.chart(1).columnLabelOf(3), "Usa");
     EXPECT_EQ(history.chart(1).columnLabelOf(4), "AL");
     expectCleared();
+
+    folder.setConfig(folder.config().replace("Istoric.Diagrama2.limita_minima =", "gone ="));
+    folder.setValue("Istoric.Diagrama1.limita_minima =", "7");
+    folder.setValue("Istoric.Diagrama2.limita_maxima =", "8");
+    history.load();
+    EXPECT_EQ(op.told, QStringList{"Eroare in /config/config.ini"});
+    EXPECT_EQ(history.chart(0).valueAxisMinimum(), 7) << "before the missing key";
+    EXPECT_EQ(history.chart(1).valueAxisMaximum(), -4) << "behind it";
 }
 
 TEST_F(HistoryDiagramsTest, ADayIsDrawnWithThePresentAlarmLimits)

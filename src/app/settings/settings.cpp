@@ -89,18 +89,18 @@ void Settings::sizeLists(int count)
     m_station.Valori.resize(count);
 }
 
-bool Settings::citeste_config(const QStringList &Chei, int last)
+int Settings::citeste_config(const QStringList &Chei, int last)
 {
     const QByteArray file = readFile();
     for (int i = 0; i <= last; ++i) {
         const std::optional<QString> value = valueOfKey(file, Chei.at(i));
         if (!value) {
             m_operator.tell(texts::settings::configError(), Operator::Icon::Critical);
-            return false;
+            return i;
         }
         m_station.Valori[i] = *value;
     }
-    return true;
+    return last + 1;
 }
 
 void Settings::scrie_config(const QStringList &Chei, int last)

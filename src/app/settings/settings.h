@@ -21,9 +21,9 @@ public:
     Settings(Station &station, Operator &op) : m_station(station), m_operator(op) {}
 
     /// Reads the values of Chei 0 to `last` into Valori 0 to `last`. At the first key that is not
-    /// in the file the operator is told and reading ends with false: the values from there on stay
-    /// as they were.
-    bool citeste_config(const QStringList &Chei, int last);
+    /// in the file the operator is told and reading ends: the values from there on stay as they
+    /// were. Returns how many were read.
+    int citeste_config(const QStringList &Chei, int last);
 
     /// Writes Valori 0 to `last` under Chei 0 to `last`, the decimal comma of a numeric value
     /// turned into a point, a line break into blanks (in Valori too). A key that is not in the
