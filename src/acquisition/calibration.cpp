@@ -11,14 +11,15 @@ bool saveCalibrations(Station &station, Settings &settings, Operator &op, QStrin
     QStringList calibrationKeys;
     for (qsizetype i = 0; i < texts.size(); ++i) {
         QString &text = texts[i];
-        if (!isNumericText(text)) {
+        const std::optional<double> offset = typedNumber(text);
+        if (!offset) {
             op.tell(texts::acquisition::checkCalibrations(), Operator::Icon::Exclamation);
             return false;
         }
-        text.replace(QLatin1Char(','), QLatin1Char('.'));
+        text = withDecimalPoint(text);
         show(i, text);
         Sensor &sensor = station.sensors.at(static_cast<std::size_t>(i));
-        sensor.calibrationText = numberText(leadingNumber(text), station.locale);
+        sensor.calibrationText = numberText(*offset, station.locale);
         calibrationKeys += keys::calibration(sensor.key);
     }
     settings.save(calibrationKeys, texts);

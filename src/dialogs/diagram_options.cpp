@@ -22,7 +22,7 @@ qint16 wholeInterval(const QString &text)
 
 bool areScanOptionsValid(const OptionTexts &texts)
 {
-    return isNumericText(texts.Scan) && texts.MasuraTimp >= 0 &&
+    return typedNumber(texts.Scan) && texts.MasuraTimp >= 0 &&
            std::all_of(texts.NumeMdb.cbegin(), texts.NumeMdb.cend(), nume_fisier_valid);
 }
 

@@ -4,7 +4,6 @@
 #include <charconv>
 #include <cmath>
 #include <limits>
-#include <optional>
 #include <string>
 
 namespace
@@ -61,11 +60,6 @@ std::optional<double> parseNumber(QStringView text)
     return tooSmall ? std::optional<double>(0) : std::nullopt;
 }
 
-QString withPoint(QStringView text)
-{
-    return text.trimmed().toString().replace(QLatin1Char(','), QLatin1Char('.'));
-}
-
 } // namespace
 
 double leadingNumber(QStringView text)
@@ -81,19 +75,24 @@ double leadingNumber(QStringView text)
     return 0;
 }
 
-bool isNumericText(QStringView text)
+QString withDecimalPoint(QStringView text)
 {
-    const QString number = withPoint(text);
-    return !number.isEmpty() && numberLength(number) == number.size();
+    return text.trimmed().toString().replace(QLatin1Char(','), QLatin1Char('.'));
+}
+
+std::optional<double> typedNumber(QStringView text)
+{
+    const QString number = withDecimalPoint(text);
+    if (number.isEmpty() || numberLength(number) != number.size())
+        return std::nullopt;
+    return parseNumber(number);
 }
 
 double numberFromText(QStringView text)
 {
-    if (!isNumericText(text))
-        throw RuntimeError(RuntimeError::TypeMismatch);
-    const std::optional<double> number = parseNumber(withPoint(text));
+    const std::optional<double> number = typedNumber(text);
     if (!number)
-        throw RuntimeError(RuntimeError::Overflow);
+        throw RuntimeError(RuntimeError::TypeMismatch);
     return *number;
 }
 

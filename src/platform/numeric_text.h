@@ -2,6 +2,7 @@
 
 #include <QLocale>
 #include <QString>
+#include <optional>
 
 /// The ways in which the station reads and writes numbers as text.
 
@@ -10,11 +11,15 @@
 /// Reading stops at the first character that cannot continue the number; 0 when there is none.
 double leadingNumber(QStringView text);
 
-/// True when the whole text is one number; "." and "," both count as the decimal separator.
-bool isNumericText(QStringView text);
+/// The number that a whole text is, as an operator types or pastes it: blanks of any kind around it
+/// do not count, "." and "," are both the decimal separator. Nothing for any other text, also for a
+/// number beyond what a double holds.
+std::optional<double> typedNumber(QStringView text);
 
-/// The number that a whole text is. Throws RuntimeError 13 when it is not numeric, 6 when it is
-/// beyond what a double holds.
+/// How a typed number is shown and saved: without the blanks around it, "." for ",".
+QString withDecimalPoint(QStringView text);
+
+/// typedNumber of a text that has to be one. Throws RuntimeError 13.
 double numberFromText(QStringView text);
 
 /// numberFromText rounded half to even into 16 bits. Throws RuntimeError 13, or 6 beyond 16 bits.

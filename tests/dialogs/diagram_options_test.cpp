@@ -46,15 +46,16 @@ TEST(StorageNames, NeverLeaveTheFolder)
 
 TEST_F(Options, NumbersAreTakenWithCommaOrPointAndInAnyOrder)
 {
-    texts.LimInf = "200,25"; // above the upper limit: any two numbers are accepted
-    texts.LimSup = " -12.5";
+    texts.LimInf = "200,25";                  // above the upper limit: any two numbers are accepted
+    texts.LimSup = u"\u00A0-12.5\u2009\r"_qs; // pasted
     EXPECT_TRUE(options.valideaza_tab(kLimits, texts));
     EXPECT_EQ(texts.LimInf, "200.25");
+    EXPECT_EQ(texts.LimSup, "-12.5");
     EXPECT_EQ(live.chart(1).valueAxisMinimum(), 200.25);
     EXPECT_EQ(live.chart(1).valueAxisMaximum(), -12.5);
     EXPECT_EQ(live.chart(0).valueAxisMaximum(), 150) << "the other diagram keeps its own";
 
-    for (const char *bad : {"", "abc", "1.2,3", "12 3", "5x"}) {
+    for (const char *bad : {"", "abc", "1.2,3", "12 3", "5x", "-1e999"}) {
         texts.AlarmInf = "3";
         texts.AlarmSup = bad;
         options.apply(kAlarms, texts);
@@ -69,9 +70,9 @@ TEST_F(Options, IntervalIsTheNextLowerWholeNumberForBothDiagrams)
     const struct {
         const char *typed;
         int interval, error;
-    } cases[] = {{"0", 1, 0},          {"0,0", 1, 0},           {"2.7", 2, 0},
-                 {"-2,5", -3, 0},      {"32767.9", 32767, 0},   {"-32768", -32768, 0},
-                 {"32768", -32768, 6}, {"-32768.5", -32768, 6}, {"1e999", -32768, 6}};
+    } cases[] = {{"0", 1, 0},          {"0,0", 1, 0},          {"2.7", 2, 0},
+                 {"-2,5", -3, 0},      {"32767.9", 32767, 0},  {"-32768", -32768, 0},
+                 {"32768", -32768, 6}, {"-32768.5", -32768, 6}};
     texts.MasuraTimp = 1;
     for (const auto &c : cases) {
         texts.Scan = c.typed;
@@ -97,6 +98,7 @@ TEST_F(Options, RefusedScanOptionsChangeNothingAndSayWhy)
         EXPECT_EQ(station.Diagrame[0].masura_interval, 0);
     };
     refuse([&] { texts.Scan = "1s"; });
+    refuse([&] { texts.Scan = "1e999"; });
     refuse([&] { texts.NumeMdb[3] = "../x"; });
     refuse([&] { texts.MasuraTimp = -1; });
 }

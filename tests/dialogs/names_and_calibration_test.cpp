@@ -66,7 +66,7 @@ TEST_F(Calibration, GoodOffsetsAreSavedAndCountFromTheNextReading)
         configWith({"Calibrare.Diagrama1.Senzor1 =,1.5", "Calibrare.Diagrama1.Senzor2 =,-12.5",
                     "Calibrare.Diagrama1.Senzor3 =,0.125", "Calibrare.Diagrama2.Senzor1 =,0",
                     "Calibrare.Diagrama2.Senzor2 =,0", "Calibrare.Diagrama2.Senzor3 =,0"});
-    EXPECT_TRUE(save({"1,5", "-12.5", "0.125", "0", "0", "0"}));
+    EXPECT_TRUE(save({"1,5", u"\u00A0-12.5\r"_qs, "0.125", "0", "0", "0"}));
     EXPECT_EQ(folder.config(), expected);
     station.sensors[0].value = station.sensors[1].value = 100;
     completeSample(station, time.now());

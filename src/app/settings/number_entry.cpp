@@ -6,11 +6,11 @@
 bool takeNumbers(std::initializer_list<NumberEntry> entries)
 {
     if (!std::all_of(entries.begin(), entries.end(),
-                     [](const NumberEntry &entry) { return isNumericText(entry.text); }))
+                     [](const NumberEntry &entry) { return typedNumber(entry.text).has_value(); }))
         return false;
     for (const NumberEntry &entry : entries) {
-        entry.text.replace(QLatin1Char(','), QLatin1Char('.'));
-        entry.setting = leadingNumber(entry.text);
+        entry.text = withDecimalPoint(entry.text);
+        entry.setting = numberFromText(entry.text);
     }
     return true;
 }

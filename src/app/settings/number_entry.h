@@ -9,7 +9,7 @@ struct NumberEntry {
     double &setting;
 };
 
-/// Takes over what was typed on a tab of plain numbers. When every text is numeric ("." and ","
-/// both count), commas become points in the texts, the settings get the numbers, and it returns
-/// true. Otherwise nothing changes.
+/// Takes over what was typed on a tab of plain numbers. When every text is a typedNumber, the texts
+/// get a decimal point and lose the blanks around them, the settings get the numbers, and it
+/// returns true. Otherwise nothing changes.
 bool takeNumbers(std::initializer_list<NumberEntry> entries);

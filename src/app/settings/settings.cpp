@@ -110,7 +110,7 @@ void Settings::scrie_config(const QStringList &Chei, int last)
     QStringList lines;
     for (int i = 0; i <= last; ++i) {
         QString &value = m_station.Valori[i];
-        if (isNumericText(value))
+        if (typedNumber(value))
             value.replace(QLatin1Char(','), QLatin1Char('.'));
         for (const char lineEnd : {'\r', '\n'}) // pasted along; they would end the line in the file
             value.replace(QLatin1Char(lineEnd), QLatin1Char(' '));
