@@ -1,13 +1,20 @@
 #include "platform/qt_serial_line.h"
 #include "platform/runtime_error.h"
 
+#include <QDeadlineTimer>
 #include <QSerialPort>
+#include <QThread>
+#include <fcntl.h>
+#include <sys/ioctl.h>
+#include <termios.h>
+#include <unistd.h>
 
 namespace
 {
 
 // A dead line must not hold the window when the rest of a command is sent before closing.
 constexpr int kFlushLimitMs = 200;
+constexpr int kDrainLimitMs = 1000; // a command at 110 baud takes 0.8 s
 
 QSerialPort::Parity portParity(LineSettings::Parity parity)
 {
@@ -54,6 +61,36 @@ RuntimeError openError(const QSerialPort &port)
     }
 }
 
+/// Returns when the last byte has left the port: closing it puts its old line settings back.
+void drain(int port)
+{
+    // tcdrain() has no limit for what the system queues, only for what the chip holds.
+    const QDeadlineTimer limit(kDrainLimitMs);
+    for (int queued = 0; ::ioctl(port, TIOCOUTQ, &queued) == 0 && queued > 0;) {
+        if (limit.hasExpired()) {
+            ::tcflush(port, TCOFLUSH);
+            return;
+        }
+        QThread::msleep(1);
+    }
+    ::tcdrain(port);
+}
+
+/// Closes the port and leaves its control lines as they are. Hanging up, the default, would switch
+/// them off after each exchange and on again before the next.
+void closeWithoutHangUp(QSerialPort &port)
+{
+    // A second descriptor keeps it open while the old settings are put back: they may hang up.
+    const int device = ::fcntl(port.handle(), F_DUPFD_CLOEXEC, 0);
+    port.close();
+    termios settings{};
+    if (::tcgetattr(device, &settings) == 0) {
+        settings.c_cflag &= ~tcflag_t(HUPCL);
+        ::tcsetattr(device, TCSANOW, &settings);
+    }
+    ::close(device);
+}
+
 } // namespace
 
 QtSerialLine::QtSerialLine(const LineSettings &settings, QObject *parent)
@@ -87,7 +124,8 @@ void QtSerialLine::close()
         return;
     while (m_port->bytesToWrite() > 0 && m_port->waitForBytesWritten(kFlushLimitMs)) {
     }
-    m_port->close();
+    drain(m_port->handle());
+    closeWithoutHangUp(*m_port);
 }
 
 void QtSerialLine::write(const QByteArray &bytes)
@@ -118,5 +156,5 @@ void QtSerialLine::onError()
     if (!m_port->isOpen() || m_port->error() == QSerialPort::NoError ||
         m_port->error() == QSerialPort::TimeoutError)
         return;
-    m_port->close();
+    closeWithoutHangUp(*m_port);
 }

@@ -16,7 +16,8 @@ public:
     /// Opens the line. Bytes that arrived before may wait in it: see discardInput(). Throws
     /// RuntimeError 8002 (no such port), 8005 (in use, or no permission), 8006 (not a serial port).
     virtual void open() = 0;
-    /// Sends what is still unwritten, then closes. A line already closed stays closed.
+    /// Sends what is still unwritten, waits until it has left, for about a second at most, then
+    /// closes. A line already closed stays closed.
     virtual void close() = 0;
     /// Throws RuntimeError 8018 when the line is not open.
     virtual void write(const QByteArray &bytes) = 0;

@@ -1,6 +1,7 @@
 #include "platform/win_serial_line.h"
 #include "platform/runtime_error.h"
 
+#include <QDeadlineTimer>
 #include <utility>
 #include <windows.h>
 
@@ -88,13 +89,24 @@ public:
         DWORD written = 0;
         if (WriteFile(m_handle, bytes.constData(), size, &written, nullptr) && written == size)
             return true;
-        // The time limit cuts the write, nothing the flush before closing.
-        PurgeComm(m_handle, PURGE_TXABORT | PURGE_TXCLEAR);
+        discardOutput();
         return false;
     }
 
-    /// Returns when the last byte has left the port.
-    void flush() { FlushFileBuffers(m_handle); }
+    /// Returns when the last byte has left the port, or at the time limit.
+    void flush()
+    {
+        // FlushFileBuffers() has no timeout: leave it nothing to wait for.
+        const QDeadlineTimer limit(kWriteLimitMs);
+        for (COMSTAT state{}; ClearCommError(m_handle, nullptr, &state) && state.cbOutQue > 0;) {
+            if (limit.hasExpired()) {
+                discardOutput();
+                break;
+            }
+            Sleep(1);
+        }
+        FlushFileBuffers(m_handle);
+    }
 
     /// Appends what has arrived; false when the port has gone.
     bool read(QByteArray &received)
@@ -116,6 +128,8 @@ public:
     void discardInput() { PurgeComm(m_handle, PURGE_RXABORT | PURGE_RXCLEAR); }
 
 private:
+    void discardOutput() { PurgeComm(m_handle, PURGE_TXABORT | PURGE_TXCLEAR); }
+
     bool configure(const LineSettings &settings)
     {
         DCB dcb{};
@@ -136,10 +150,9 @@ private:
         dcb.fErrorChar = FALSE;
         dcb.fNull = FALSE;
         dcb.fAbortOnError = FALSE;
-        // Raised while the port is open and not switched by the driver: some converters draw their
-        // power from these lines.
+        // As a serial control sets them whose properties nobody touched; RTS is never switched.
         dcb.fDtrControl = DTR_CONTROL_ENABLE;
-        dcb.fRtsControl = RTS_CONTROL_ENABLE;
+        dcb.fRtsControl = RTS_CONTROL_DISABLE;
         COMMTIMEOUTS timeouts{};
         timeouts.ReadIntervalTimeout = MAXDWORD; // reading takes what waits and returns
         timeouts.WriteTotalTimeoutConstant = kWriteLimitMs;
