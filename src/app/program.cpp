@@ -8,6 +8,7 @@
 #include "diagrams/image_export.h"
 #include "platform/line_settings.h"
 #include "platform/operator.h"
+#include "platform/refused_line.h"
 #include "platform/runtime_error.h"
 #include "platform/shell.h"
 #include "platform/system_information.h"
@@ -82,14 +83,26 @@ void Program::halt()
     m_exchange->abandon();
 }
 
+static std::unique_ptr<SerialLine> configuredLine(const Settings &settings, QObject *parent)
+{
+    const auto port = settings.optionalValue(QStringLiteral("ControlPlc.CommPort ="));
+    const auto text = settings.optionalValue(QStringLiteral("ControlPlc.Settings ="));
+    try {
+        LineSettings line;
+        if (port)
+            line.port = *port;
+        if (text)
+            parseLineSettings(*text, line);
+        return makeSerialLine(line, parent);
+    } catch (const RuntimeError &error) {
+        // History, browser and settings need no line; monitoring reports it as it starts.
+        return std::make_unique<RefusedLine>(error, parent);
+    }
+}
+
 void Program::createControlPlc()
 {
-    LineSettings line;
-    if (const auto port = m_settings.optionalValue(QStringLiteral("ControlPlc.CommPort =")))
-        line.port = *port;
-    if (const auto text = m_settings.optionalValue(QStringLiteral("ControlPlc.Settings =")))
-        parseLineSettings(*text, line);
-    m_controlPlc = makeSerialLine(line, &m_window);
+    m_controlPlc = configuredLine(m_settings, &m_window);
     m_exchange =
         std::make_unique<Exchange>(m_station, *m_controlPlc, m_scheduler, m_environment.op);
     m_cycle = std::make_unique<MonitoringCycle>(m_station, *m_exchange, *m_feed, *m_store,

@@ -279,19 +279,25 @@ TEST_F(ProgramTest, UnusableSettingsEndTheStartWithTheRuntimesError)
     folder.setConfig(folder.config().replace("Diagrama1.Titlu =", "Titlu ="));
     EXPECT_EQ(errorOf([this] { start(); }), RuntimeError::TypeMismatch);
     EXPECT_EQ(op.told, QStringList({"Eroare in /config/config.ini"}));
-    folder.setValue("ControlPlc.Settings =", "fast");
-    EXPECT_EQ(errorOf([this] { start(); }), RuntimeError::InvalidPropertyValue);
     QFile::remove(folder.configPath());
     EXPECT_EQ(errorOf([this] { start(); }), RuntimeError::FileNotFound);
 }
 
-TEST_F(ProgramTest, PortThatDoesNotExistIsTheRuntimesErrorAndMonitoringHasEnded)
+TEST_F(ProgramTest, UnusablePortIsReportedWhenMonitoringStartsAndEndsIt)
 {
-    folder.setValue("ControlPlc.CommPort =", "nowhere");
-    start();
-    EXPECT_EQ(errorOf([this] { program->controlCentre().StartMonCommand_Click(); }),
-              RuntimeError::InvalidPortNumber);
-    EXPECT_FALSE(program->station().monitorActive);
+    const struct {
+        const char *key, *value;
+        int error;
+    } cases[] = {{"ControlPlc.CommPort =", "nowhere", RuntimeError::InvalidPortNumber},
+                 {"ControlPlc.CommPort =", "0", RuntimeError::InvalidPortNumber},
+                 {"ControlPlc.Settings =", "fast", RuntimeError::InvalidPropertyValue}};
+    for (const auto &c : cases) {
+        folder.setValue(c.key, c.value);
+        ASSERT_EQ(errorOf([this] { start(); }), 0) << c.value;
+        EXPECT_EQ(errorOf([this] { program->controlCentre().StartMonCommand_Click(); }), c.error)
+            << c.value;
+        EXPECT_FALSE(program->station().monitorActive);
+    }
 }
 
 TEST_F(ProgramTest, FoldersAndHelpOpenInTheSystemsPrograms)
