@@ -46,8 +46,10 @@ double daysOf(const jet::Value &value)
 /// The date of one value and the time of day of another.
 double momentOf(const jet::Value &date, const jet::Value &time)
 {
+    const double day = std::trunc(daysOf(date));
     const double days = daysOf(time);
-    return std::trunc(daysOf(date)) + std::abs(days - std::trunc(days));
+    const double timeOfDay = std::abs(days - std::trunc(days));
+    return day < 0 ? day - timeOfDay : day + timeOfDay;
 }
 
 /// Where the wanted columns are in a row, whatever their order in the table.

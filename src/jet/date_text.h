@@ -9,14 +9,15 @@
 namespace jet
 {
 
-/// Range of a stored date: 0100-01-01 to the end of 9999-12-31.
-inline constexpr double kMinDays = -657434;
-inline constexpr double kMaxDays = 2958466; ///< first day that is out of range
+/// Range of a stored date: 0100-01-01 to the end of 9999-12-31. The fraction is the time of day
+/// also before day 0: -1.25 is 1899-12-29 06:00.
+inline constexpr double kMinDays = -657435; ///< last day before the range
+inline constexpr double kMaxDays = 2958466; ///< first day behind it
 
 /// False for numbers of days no date has; a damaged or foreign file may hold them.
 inline bool isInRange(DateTime moment)
 {
-    return moment.days >= kMinDays && moment.days < kMaxDays;
+    return moment.days > kMinDays && moment.days < kMaxDays;
 }
 
 /// "2026-11-21 13:30:00", without the time when it is midnight, without the date on day 0; rounded

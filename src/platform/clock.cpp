@@ -15,10 +15,14 @@ QDateTime zeroDateTime()
 QDateTime momentFromDays(double days)
 {
     constexpr double kMillisecondsPerDay = 86'400'000;
-    constexpr double kLastDay = 2'958'465; // 9999-12-31, the last one the database program knows
-    if (!(std::abs(days) <= kLastDay))
+    constexpr double kFirstDay = -657'434; // 0100-01-01 and 9999-12-31: what the database program
+    constexpr double kLastDay = 2'958'465; // knows
+    const double wholeDays = std::trunc(days);
+    if (!(wholeDays >= kFirstDay && wholeDays <= kLastDay))
         return zeroDateTime();
-    return zeroDateTime().addMSecs(std::llround(days * kMillisecondsPerDay));
+    // The fraction counts forward from the day's midnight, before day zero too.
+    const double timeOfDay = std::abs(days - wholeDays) * kMillisecondsPerDay;
+    return zeroDateTime().addDays(std::llround(wholeDays)).addMSecs(std::llround(timeOfDay));
 }
 
 QDateTime SystemClock::now() const

@@ -22,8 +22,9 @@ public:
 /// A wall-clock moment in the form that Clock gives.
 QDateTime wallTime(QDate date, QTime time);
 
-/// The moment that a database keeps as days since zeroDateTime(), to the millisecond;
-/// zeroDateTime() itself for one that no calendar has, and for no number.
+/// The moment that a database keeps as days since zeroDateTime(), to the millisecond; the fraction
+/// is the time of day also of earlier days: -1.25 is 1899-12-29 06:00. zeroDateTime() itself for
+/// one that no calendar has, and for no number.
 QDateTime momentFromDays(double days);
 
 /// Day zero of date-times in the databases, 1899-12-30 00:00: the moment that means "never".

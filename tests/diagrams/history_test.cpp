@@ -195,11 +195,15 @@ TEST_F(HistoryDiagramsTest, WhatWasNotStoredIsAGap)
 {
     jet::Assignments second = usualRecord(2);
     second.erase(second.begin() + 1, second.begin() + 4); // no date, no time, no Senzor1
-    writeArchive(tabel::design(), {usualRecord(1), second, usualRecord(3)});
+    jet::Assignments third = usualRecord(3);
+    third[1].second = jet::DateTime{-1};
+    third[2].second = jet::DateTime{0.25};
+    writeArchive(tabel::design(), {usualRecord(1), second, third});
     EXPECT_EQ(history.genereaza_diagrame({kArchive}), "");
     EXPECT_TRUE(std::isnan(valueAt(history.chart(0), 1, 2)));
     EXPECT_EQ(valueAt(history.chart(0), 2, 2), reading(2, 2));
     EXPECT_EQ(history.pointText(0, 2, 2), "T2 = 20,02\r\n00:00:00");
+    EXPECT_TRUE(history.pointText(0, 2, 3).endsWith("29.12.1899 06:00:00"));
 }
 
 TEST_F(HistoryDiagramsTest, FailuresAreNumberedAndLeaveClearedCharts)

@@ -82,8 +82,10 @@ TEST(SystemClock, GivesTheTimeOfTheWall)
 TEST(DateText, AMomentOfADatabaseIsOfTheCalendarOrZero)
 {
     EXPECT_EQ(momentFromDays(38783.5), wallTime(QDate(2006, 3, 7), QTime(12, 0)));
-    EXPECT_EQ(momentFromDays(-1.25), wallTime(QDate(1899, 12, 28), QTime(18, 0)));
-    for (const double none : {1e300, -1e300, 3e6, std::nan("")})
+    EXPECT_EQ(momentFromDays(-1.25), wallTime(QDate(1899, 12, 29), QTime(6, 0)));
+    EXPECT_EQ(momentFromDays(2'958'465.5), wallTime(QDate(9999, 12, 31), QTime(12, 0)));
+    EXPECT_EQ(momentFromDays(-657'434.5), wallTime(QDate(100, 1, 1), QTime(12, 0)));
+    for (const double none : {1e300, -1e300, 2'958'466.0, -657'435.0, std::nan("")})
         EXPECT_EQ(momentFromDays(none), zeroDateTime()) << none;
 }
 
