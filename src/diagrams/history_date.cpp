@@ -55,9 +55,11 @@ std::optional<QDate> numericDate(const QString &text)
 QString dateSeparator(QDate today, const QLocale &locale)
 {
     const QString text = dateText(today, locale);
+    const bool namesTheMonth =
+        std::any_of(text.cbegin(), text.cend(), [](QChar c) { return c.isLetter(); });
     const auto separator =
         std::find_if(text.cbegin(), text.cend(), [](QChar c) { return !c.isDigit(); });
-    return separator == text.cend() ? QStringLiteral(".") : QString(*separator);
+    return namesTheMonth || separator == text.cend() ? QStringLiteral(".") : QString(*separator);
 }
 
 std::optional<QDate> typedDate(const QString &text, const QLocale &locale)

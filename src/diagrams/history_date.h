@@ -8,7 +8,7 @@
 /// The date that the operator types for a history diagram.
 
 /// What the system writes between the parts of a date: the first character of today's short date
-/// that is no digit; "." when there is none.
+/// that is no digit; "." when there is none, or when the system writes months as words.
 QString dateSeparator(QDate today, const QLocale &locale);
 
 /// The date that a text means, as the prompt asks for it: day, month, year. What that order cannot
