@@ -9,7 +9,9 @@
 #include "storage/texts.h"
 
 #include <QColor>
+#include <QTimer>
 #include <algorithm>
+#include <utility>
 
 namespace
 {
@@ -72,7 +74,7 @@ void RecordsetModel::open(const QString &path)
     auto recordset = std::make_unique<Recordset>(path, options);
     beginResetModel();
     m_recordset = std::move(recordset);
-    m_failed = false;
+    m_failed = m_told = false;
     endResetModel();
 }
 
@@ -113,14 +115,24 @@ const jet::Row *RecordsetModel::fetch(int row) const
         if (set.found.size() <= wanted)
             return nullptr; // deleted by another program meanwhile
         set.rows.insert(row, new jet::Row(set.table.record(set.found[wanted])));
+        m_told = false;
         return set.rows.object(row);
     } catch (const jet::Error &error) {
         if (error.code() == jet::ErrorCode::RecordDeleted)
             return nullptr;
-        m_failed = true;
-        emit failed(error.number(), QString::fromUtf8(error.what()));
+        fail(error);
         return nullptr;
     }
+}
+
+void RecordsetModel::fail(const jet::Error &error) const
+{
+    m_failed = true;
+    // The other cells of this look do not wait for a busy file, the next look does.
+    if (error.code() == jet::ErrorCode::InUse)
+        QTimer::singleShot(0, this, [this] { m_failed = false; });
+    if (!std::exchange(m_told, true))
+        emit failed(error.number(), QString::fromUtf8(error.what()));
 }
 
 QString RecordsetModel::text(const jet::Value &value, std::size_t column) const

@@ -14,8 +14,8 @@ struct Station;
 /// reading, records are fetched as they are shown. Opening costs the same whatever the size of the
 /// day; what is appended later appears with the next open().
 ///
-/// A failure while a record is fetched is kept in failure() and signalled once; the cells stay
-/// empty.
+/// A failure while a record is fetched is signalled once; the cells stay empty. A file that another
+/// program keeps busy is tried again when the cells are next looked at.
 class RecordsetModel : public QAbstractTableModel
 {
     Q_OBJECT
@@ -41,10 +41,12 @@ private:
     struct Recordset;
 
     const jet::Row *fetch(int row) const;
+    void fail(const jet::Error &error) const;
     QString text(const jet::Value &value, std::size_t column) const;
     bool isAlarm(const jet::Row &row) const;
 
     const Station &m_station;
     mutable std::unique_ptr<Recordset> m_recordset;
-    mutable bool m_failed = false;
+    mutable bool m_failed = false; ///< nothing is read
+    mutable bool m_told = false;   ///< of the failure that lasts
 };

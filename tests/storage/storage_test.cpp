@@ -1,5 +1,7 @@
 #include "jet/database.h"
+#include "jet/file.h"
 #include "storage/measurement_store.h"
+#include "storage/recordset_model.h"
 #include "storage/storage_file.h"
 #include "storage/tabel.h"
 #include "tests/support/station_rig.h"
@@ -290,6 +292,25 @@ TEST_F(StorageTest, FileThatCannotBeOpenedIsArchivedUnlessAnotherProgramWritesTo
     file.close();
     expectTold("3343 ");
     EXPECT_EQ(bytesOf(archive()), "what is left of the day");
+}
+
+TEST_F(StorageTest, BrowserLooksAgainAtAFileThatWasBusy)
+{
+    append(2);
+    RecordsetModel model(station);
+    QSignalSpy failed(&model, &RecordsetModel::failed);
+    model.open(storage());
+    const auto newest = [&] { return model.index(0, 0).data().toString(); };
+    const auto other = jet::makeSystemFiles()->openLock(jet::lockPath(nativePath(storage())),
+                                                        jet::FileSystem::Access::Write);
+    ASSERT_TRUE(other->tryLock(jet::LockFile::Part::Pages, jet::LockFile::Mode::Exclusive));
+    EXPECT_EQ(newest(), "");
+    other->unlock(jet::LockFile::Part::Pages);
+    EXPECT_EQ(newest(), "") << "the other cells of this look do not wait";
+    ASSERT_EQ(failed.size(), 1);
+    EXPECT_EQ(failed[0][0], 3356);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(newest(), "2");
 }
 
 TEST_F(StorageTest, BrowserIsClosedFirstAndComesBackAfterTheArchiveOnly)
