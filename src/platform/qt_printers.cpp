@@ -11,6 +11,8 @@
 
 #ifdef Q_OS_WIN
 #include <windows.h>
+#else
+#include <cups/cups.h>
 #endif
 
 namespace
@@ -67,15 +69,32 @@ public:
         return top + metrics.lineSpacing();
     }
 
-    void end() override { check(m_painter.end()); }
+    void end() override { check(m_painter.end() && wasTaken()); }
 
 private:
+    /// It goes to a printer, not into a file.
+    bool isQueued() const { return m_printer->outputFormat() == QPrinter::NativeFormat; }
+
     /// The toolkit would take the default printer for one that has gone.
     bool isThere() const
     {
-        return m_printer->outputFormat() != QPrinter::NativeFormat ||
+        return !isQueued() ||
                QPrinterInfo::availablePrinterNames().contains(m_printer->printerName());
     }
+
+#ifdef Q_OS_WIN
+    static bool wasTaken()
+    {
+        return true;
+    } // a refusal is reported when the document begins
+#else
+    /// The toolkit hands the document to the print service within QPainter::end(), in this thread,
+    /// and drops the answer: the queue takes no jobs, the service has gone, the user may not print.
+    bool wasTaken() const
+    {
+        return !isQueued() || cupsLastError() <= IPP_STATUS_OK_CONFLICTING;
+    }
+#endif
 
     void check(bool done) const
     {
