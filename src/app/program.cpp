@@ -300,12 +300,8 @@ void Program::saveImages()
 {
     if (!m_form1)
         return;
-    try {
-        saveDiagramImages(m_station, captureOf(*m_form1), m_environment.clock, m_environment.shell);
-    } catch (const RuntimeError &error) {
-        // A picture that cannot be saved is no reason to end the monitoring of a load.
-        m_environment.op.tell(numberedError(error.number(), error.description()));
-    }
+    saveDiagramImages({m_station, captureOf(*m_form1), m_environment.clock, m_environment.shell,
+                       m_environment.op});
 }
 
 void Program::print()

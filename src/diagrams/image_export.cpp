@@ -1,11 +1,14 @@
 #include "diagrams/image_export.h"
 #include "app/settings/station.h"
+#include "diagrams/texts.h"
 #include "platform/durable_file.h"
 #include "platform/file_date.h"
+#include "platform/operator.h"
 #include "platform/runtime_error.h"
 #include "platform/shell.h"
 
 #include <QBuffer>
+#include <QDir>
 
 namespace
 {
@@ -19,6 +22,17 @@ QByteArray bitmap(const QImage &picture)
     return bytes;
 }
 
+void openFolder(const ImageExport &with)
+{
+    const QString folder = with.station.imageFolder();
+    try {
+        with.shell.open(folder, Shell::Window::Minimised);
+    } catch (const RuntimeError &) {
+        with.op.tell(texts::diagrams::savedButNotOpened(QDir::toNativeSeparators(folder)),
+                     Operator::Icon::Exclamation);
+    }
+}
+
 } // namespace
 
 QString imagePath(const Station &station, const Diagrama &record, const Clock &clock)
@@ -27,10 +41,15 @@ QString imagePath(const Station &station, const Diagrama &record, const Clock &c
            data_pentru_fisier(clock, true, true) + QStringLiteral(".bmp");
 }
 
-void saveDiagramImages(const Station &station, const DiagramCapture &capture, const Clock &clock,
-                       Shell &shell)
+void saveDiagramImages(const ImageExport &with)
 {
-    for (const Diagrama &record : station.Diagrame)
-        replaceFile(imagePath(station, record, clock), bitmap(capture(record)));
-    shell.open(station.imageFolder(), Shell::Window::Minimised);
+    try {
+        for (const Diagrama &record : with.station.Diagrame)
+            replaceFile(imagePath(with.station, record, with.clock), bitmap(with.capture(record)));
+    } catch (const RuntimeError &error) {
+        // A picture that cannot be saved is no reason to end the monitoring of a load.
+        with.op.tell(numberedError(error.number(), error.description()));
+        return;
+    }
+    openFolder(with);
 }

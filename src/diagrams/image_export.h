@@ -4,6 +4,7 @@
 #include <functional>
 
 class Clock;
+class Operator;
 class Shell;
 struct Diagrama;
 struct Station;
@@ -14,8 +15,17 @@ using DiagramCapture = std::function<QImage(const Diagrama &)>;
 /// File of a diagram's picture: img/ + name + "_" + date and time to the minute + ".bmp".
 QString imagePath(const Station &station, const Diagrama &record, const Clock &clock);
 
+/// What saving the diagrams' pictures needs; all of it outlives the call.
+struct ImageExport {
+    const Station &station;
+    const DiagramCapture &capture;
+    const Clock &clock;
+    Shell &shell;
+    Operator &op;
+};
+
 /// Saves one Windows bitmap per diagram of the diagram table, then opens their folder minimised.
-/// Each file appears complete or not at all; one of the same minute is replaced. Throws
-/// RuntimeError 53, 61, 75 or 76, and what the capture throws; the folder is then not opened.
-void saveDiagramImages(const Station &station, const DiagramCapture &capture, const Clock &clock,
-                       Shell &shell);
+/// Each file appears complete or not at all; one of the same minute is replaced. The operator is
+/// told of a picture that cannot be saved, and the folder is then not opened; or of a folder that
+/// cannot be opened, and that the pictures are in it.
+void saveDiagramImages(const ImageExport &with);

@@ -65,6 +65,14 @@ inline QString diagramOfSensors(int diagram)
                         : QStringLiteral("Diagrama Senzori 4,5,6.");
 }
 
+// Pictures
+inline QString savedButNotOpened(const QString &folder)
+{
+    return QStringLiteral(
+               "Imaginile au fost salvate in dosarul\n%1\n\nDosarul nu a putut fi deschis.")
+        .arg(folder);
+}
+
 // Printing
 inline QString noPrinter()
 {

@@ -35,7 +35,7 @@ protected:
         form->load(area.size());
         sample(75);
     }
-    void save() { saveDiagramImages(station, capture, time, shell); }
+    void save() { saveDiagramImages({station, capture, time, shell, op}); }
     QStringList files() const { return QDir(station.imageFolder()).entryList(QDir::Files); }
 
     QMdiArea area;
@@ -75,10 +75,19 @@ TEST_F(PicturesTest, OneBitmapPerDiagramShowsWhatIsOnTheScreen)
     EXPECT_TRUE(contains(picture, 0xFF0072B2)) << "first sensor";
 }
 
-TEST_F(PicturesTest, ASaveThatFailsLeavesNoFileAndOpensNothing)
+TEST_F(PicturesTest, AFolderThatDoesNotOpenAndAPictureThatCannotBeSavedAreToldApart)
 {
+    shell.fails = true;
+    save();
+    EXPECT_EQ(files().size(), 2);
+    EXPECT_EQ(op.told.takeLast(), "Imaginile au fost salvate in dosarul\n" +
+                                      QDir::toNativeSeparators(station.imageFolder()) +
+                                      "\n\nDosarul nu a putut fi deschis.");
+
     QDir(station.imageFolder()).removeRecursively();
-    EXPECT_EQ(errorOf([&] { save(); }), RuntimeError::PathNotFound);
+    shell.fails = false;
+    save();
+    EXPECT_EQ(op.told, QStringList("76 Path not found"));
     EXPECT_FALSE(QDir(station.imageFolder()).exists());
     EXPECT_TRUE(shell.opened.isEmpty());
 }
