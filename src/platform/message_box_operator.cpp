@@ -1,6 +1,8 @@
 #include "platform/message_box_operator.h"
+#include "platform/window_frame.h"
 
 #include <QApplication>
+#include <QGridLayout>
 #include <QMessageBox>
 #include <algorithm>
 
@@ -35,8 +37,16 @@ QWidget *owner()
     return main == windows.cend() ? nullptr : *main;
 }
 
+/// The box sizes itself by its layout and takes no minimum width from outside.
+void widenToCaption(QMessageBox &box)
+{
+    auto &grid = *qobject_cast<QGridLayout *>(box.layout());
+    grid.addItem(new QSpacerItem(captionWidth(box), 0), grid.rowCount(), 0, 1, grid.columnCount());
+}
+
 int run(QMessageBox &box)
 {
+    widenToCaption(box);
     box.setTextFormat(Qt::PlainText);
     box.setWindowModality(Qt::ApplicationModal);
     return box.exec();

@@ -114,12 +114,16 @@ void fitIntoArea(QWidget &form)
     frame.setProperty(kFittedPlace, frame.geometry());
 }
 
-void fitCaption(QWidget &form)
+int captionWidth(const QWidget &form)
 {
     QFont font = form.font();
     font.setBold(true); // as some window systems write captions
-    form.setMinimumWidth(QFontMetrics(font).horizontalAdvance(form.windowTitle()) +
-                         titleBarButtonsWidth(form));
+    return QFontMetrics(font).horizontalAdvance(form.windowTitle()) + titleBarButtonsWidth(form);
+}
+
+void fitCaption(QWidget &form)
+{
+    form.setMinimumWidth(captionWidth(form));
 }
 
 void keepInSight(QWidget &form)

@@ -45,7 +45,10 @@ void keepInSight(QWidget &form);
 /// maximised or minimised one is left alone.
 void fitIntoArea(QWidget &form);
 
-/// Makes the form at least as wide as its frame needs to show the caption whole.
+/// Width in pixels that a form's frame needs to show the caption whole.
+int captionWidth(const QWidget &form);
+
+/// Makes the form at least that wide.
 void fitCaption(QWidget &form);
 
 /// Moves the form's frame to the middle of a screen of the given size in twips, as far as what the

@@ -1,6 +1,7 @@
 #include "app/mdiform1.h"
 #include "app/screen_size.h"
 #include "platform/message_box_operator.h"
+#include "platform/window_frame.h"
 
 #include <QAbstractButton>
 #include <QApplication>
@@ -43,6 +44,23 @@ TEST(MessageBoxOperator, EachButtonIsItsAnswerAndClosingIsNone)
             pressed == QMessageBox::NoButton ? box.reject() : box.button(pressed)->click();
         });
         EXPECT_EQ(op.ask(QStringLiteral("<b>?")), answer);
+    }
+}
+
+TEST(MessageBoxOperator, TellsUnderTheTitleWithTheIconAskedFor)
+{
+    MessageBoxOperator op(QStringLiteral("Monitorizare PLC"));
+    for (const auto &[icon, shown] : {std::pair(Operator::Icon::None, QMessageBox::NoIcon),
+                                      {Operator::Icon::Critical, QMessageBox::Critical},
+                                      {Operator::Icon::Exclamation, QMessageBox::Warning}}) {
+        QTimer::singleShot(0, [expected = shown] {
+            auto &box = *qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
+            EXPECT_EQ(box.windowTitle(), "Monitorizare PLC");
+            EXPECT_GE(box.width(), captionWidth(box)) << "however short the text";
+            EXPECT_EQ(box.icon(), expected);
+            box.accept();
+        });
+        op.tell(QStringLiteral("?"), icon);
     }
 }
 
