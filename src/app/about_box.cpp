@@ -1,13 +1,15 @@
 #include "app/about_box.h"
 #include "app/about_texts.h"
 #include "platform/operator.h"
-#include "platform/runtime_error.h"
 #include "platform/system_information.h"
 
 #include <QDialogButtonBox>
 #include <QGroupBox>
 #include <QLabel>
+#include <QLocale>
 #include <QPushButton>
+#include <QScreen>
+#include <QSysInfo>
 #include <QVBoxLayout>
 #include <qcustomplot.h>
 
@@ -31,7 +33,7 @@ QLabel *titleLabel(const QString &text)
 {
     QLabel *label = textLabel(QStringLiteral("lblTitle"), text);
     QFont font = label->font();
-    font.setPointSizeF(1.6 * font.pointSizeF());
+    font.setPointSizeF(QFontInfo(font).pointSizeF() * 1.6); // a desktop may give it in pixels
     font.setBold(true);
     label->setFont(font);
     return label;
@@ -46,6 +48,21 @@ QString libraryList()
                             QStringLiteral("GNU GPL v3, © Emanuel Eichhammer")),
     };
     return libraries.join(QLatin1Char('\n'));
+}
+
+QString systemFacts(const QScreen &screen)
+{
+    const QSize pixels = screen.size() * screen.devicePixelRatio();
+    const QLocale locale = QLocale::system();
+    const QStringList facts{
+        texts::app::operatingSystem(QSysInfo::prettyProductName()),
+        texts::app::kernel(QSysInfo::kernelType(), QSysInfo::kernelVersion(),
+                           QSysInfo::currentCpuArchitecture()),
+        texts::app::memory(locale.formattedDataSize(physicalMemory(), 1)),
+        texts::app::screen(pixels.width(), pixels.height(), qRound(screen.logicalDotsPerInch())),
+        texts::app::language(locale.name()),
+    };
+    return facts.join(QLatin1Char('\n'));
 }
 
 } // namespace
@@ -67,7 +84,6 @@ AboutBox::AboutBox(const QString &title, const QString &version, const QString &
     QPushButton *system =
         buttons->addButton(texts::app::systemInformation(), QDialogButtonBox::ActionRole);
     system->setObjectName(QStringLiteral("cmdSysInfo"));
-    system->setVisible(!systemTool.isEmpty());
     connect(system, &QPushButton::clicked, this, [=, this] { cmdSysInfo_Click(systemTool); });
     connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
 
@@ -82,9 +98,6 @@ AboutBox::AboutBox(const QString &title, const QString &version, const QString &
 
 void AboutBox::cmdSysInfo_Click(const QString &systemTool)
 {
-    try {
-        startSystemInformation(systemTool);
-    } catch (const RuntimeError &) {
-        m_operator.tell(texts::app::systemInformationMissing(), Operator::Icon::Critical);
-    }
+    if (!startSystemInformation(systemTool))
+        m_operator.tell(systemFacts(*screen()));
 }

@@ -5,8 +5,8 @@
 class Operator;
 
 /// What this program is: title, version, description, the libraries it uses with their licences,
-/// and a button for the system's information tool where there is one. Modeless; destroyed when
-/// closed.
+/// and a button for the system's information tool; where there is none, or it does not start, a
+/// message tells what the toolkit knows. Modeless; destroyed when closed.
 class AboutBox : public QDialog
 {
     Q_OBJECT

@@ -15,9 +15,9 @@ inline QString version(const QString &number)
 inline QString aboutDescription()
 {
     return QStringLiteral(
-        "Stație de monitorizare a unei autoclave: citește prin linia serială cele șase canale ale "
-        "înregistratorului TOHO TRM-10C, le arată în două diagrame, semnalează alarmele, "
-        "păstrează fiecare citire într-o bază de date și arată din nou orice zi arhivată.");
+        "Statie de monitorizare a unei autoclave: citeste prin linia seriala cele sase canale ale "
+        "inregistratorului TOHO TRM-10C, le arata in doua diagrame, semnaleaza alarmele, "
+        "pastreaza fiecare citire intr-o baza de date si arata din nou orice zi arhivata.");
 }
 inline QString librariesUsed()
 {
@@ -29,14 +29,31 @@ inline QString library(const QString &name, const QString &version, const QStrin
 }
 inline QString ownLicence()
 {
-    return QStringLiteral("Programul este distribuit sub GNU GPL v3, fără nicio garanție.");
+    return QStringLiteral(
+        "Programul este distribuit sub GNU GPL 3 sau mai nou, fara nicio garantie.");
 }
 inline QString systemInformation()
 {
-    return QStringLiteral("&Informații sistem...");
+    return QStringLiteral("&Informatii sistem...");
 }
-inline QString systemInformationMissing()
+inline QString operatingSystem(const QString &name)
 {
-    return QStringLiteral("Informațiile despre sistem nu sunt disponibile în acest moment.");
+    return QStringLiteral("Sistem: ") + name;
+}
+inline QString kernel(const QString &name, const QString &version, const QString &processor)
+{
+    return QStringLiteral("Nucleu: %1 %2, %3").arg(name, version, processor);
+}
+inline QString memory(const QString &size)
+{
+    return QStringLiteral("Memorie: ") + size;
+}
+inline QString screen(int width, int height, int dotsPerInch)
+{
+    return QStringLiteral("Ecran: %1 x %2 pixeli, %3 dpi").arg(width).arg(height).arg(dotsPerInch);
+}
+inline QString language(const QString &locale)
+{
+    return QStringLiteral("Limba si formate: ") + locale;
 }
 } // namespace texts::app

@@ -1,8 +1,13 @@
 #include "platform/system_information.h"
-#include "platform/runtime_error.h"
 
 #include <QProcess>
 #include <QStandardPaths>
+
+#ifdef Q_OS_WIN
+#include <windows.h>
+#else
+#include <unistd.h>
+#endif
 
 QString systemInformationTool()
 {
@@ -18,8 +23,21 @@ QString systemInformationTool()
     return {};
 }
 
-void startSystemInformation(const QString &tool)
+bool startSystemInformation(const QString &tool)
 {
-    if (!QProcess::startDetached(tool, {}))
-        throw RuntimeError(RuntimeError::FileNotFound);
+    return !tool.isEmpty() && QProcess::startDetached(tool, {});
 }
+
+#ifdef Q_OS_WIN
+qint64 physicalMemory()
+{
+    MEMORYSTATUSEX memory{};
+    memory.dwLength = sizeof memory;
+    return GlobalMemoryStatusEx(&memory) ? static_cast<qint64>(memory.ullTotalPhys) : 0;
+}
+#else
+qint64 physicalMemory()
+{
+    return qint64{sysconf(_SC_PHYS_PAGES)} * sysconf(_SC_PAGESIZE);
+}
+#endif

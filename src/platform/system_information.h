@@ -6,5 +6,8 @@
 /// first of the usual desktops' tools that is installed elsewhere. Empty when there is none.
 QString systemInformationTool();
 
-/// Starts it. Throws RuntimeError 53 when it could not be started.
-void startSystemInformation(const QString &tool);
+/// Starts it; false when it could not be started, or the path is empty.
+bool startSystemInformation(const QString &tool);
+
+/// Bytes of memory that the system has.
+qint64 physicalMemory();
