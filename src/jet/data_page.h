@@ -58,8 +58,8 @@ ByteView rowAt(PageBytes page, PageNo pageNo, std::size_t slot);
 std::optional<std::uint8_t> insertRow(MutablePageBytes page, ByteView row);
 
 /// Gives a slot new bytes and flags and moves the rows below it; false when they do not fit.
-bool replaceRow(MutablePageBytes page, PageNo pageNo, std::size_t slot, ByteView row,
-                std::uint16_t flags = 0);
+[[nodiscard]] bool replaceRow(MutablePageBytes page, PageNo pageNo, std::size_t slot, ByteView row,
+                              std::uint16_t flags = 0);
 
 /// Removes a row's bytes; its slot stays, marked as deleted.
 void deleteRow(MutablePageBytes page, PageNo pageNo, std::size_t slot);

@@ -61,6 +61,12 @@ struct MapRow {
         return readU32(bytes, kReferenceHeader + 4 * index);
     }
     bool covers(PageNo page) const { return page >= start() && page - start() < bits().size() * 8; }
+    bool holds(PageNo page) const { return covers(page) && testBit(bits(), page - start()); }
+    /// The same of the map of free pages, where those behind it are free.
+    bool holdsFree(PageNo page) const
+    {
+        return page >= start() && (!covers(page) || testBit(bits(), page - start()));
+    }
 };
 
 MapRow mapRow(PageBytes page, RowPointer place)
@@ -175,7 +181,7 @@ bool PageAllocator::isFree(PageNo page)
     const PageRef mapPage = m_pager.read(kGlobalMapPage);
     const MapRow row = mapRow(*mapPage, kGlobalMap);
     if (row.isInline())
-        return !row.covers(page) || testBit(row.bits(), page - row.start());
+        return row.holdsFree(page);
     const std::size_t index = page / kPagesPerBitmap;
     if (index >= row.references() || row.reference(index) == 0)
         return true;
@@ -190,19 +196,16 @@ std::vector<PageNo> PageAllocator::bitmapPages()
 
 void PageAllocator::setFree(PageNo page, bool free)
 {
-    if (!free)
-        cover(page);
+    if (isFree(page) == free)
+        return;
+    cover(page);
     const PageRef mapPage = m_pager.read(kGlobalMapPage);
     const MapRow row = mapRow(*mapPage, kGlobalMap);
     if (row.isInline()) {
-        if (row.covers(page))
-            putBit(inlineBits(m_pager, kGlobalMap, row), page - row.start(), free);
+        putBit(inlineBits(m_pager, kGlobalMap, row), page - row.start(), free);
         return;
     }
-    const std::size_t index = page / kPagesPerBitmap;
-    if (index >= row.references() || row.reference(index) == 0)
-        return;
-    const PageNo bitmap = row.reference(index);
+    const PageNo bitmap = row.reference(page / kPagesPerBitmap);
     readBitmap(m_pager, bitmap);
     putBit(MutableBytes(m_pager.edit(bitmap)).subspan(kBitmapHeader), page % kPagesPerBitmap, free);
 }
@@ -215,9 +218,7 @@ void PageAllocator::cover(PageNo page)
         const MapRow row = mapRow(*mapPage, kGlobalMap);
         if (row.isInline() && row.covers(page))
             return;
-        if (row.isInline()) {
-            if (row.start() != 0)
-                throwDamaged("the map of free pages does not start at page 0", kGlobalMapPage);
+        if (row.isInline() && row.start() == 0) {
             const std::size_t needed = kInlineHeader + page / 8 + 1;
             const std::size_t steps = (needed - row.bytes.size() + kGrowthStep - 1) / kGrowthStep;
             Bytes longer(row.bytes.begin(), row.bytes.end());
@@ -251,14 +252,22 @@ void PageAllocator::turnIntoReference()
     const MapRow row = mapRow(*mapPage, kGlobalMap);
     if (!row.isInline())
         return;
-    const PageNo bitmap = makeBitmap();
-    const Bytes bits(row.bits().begin(), row.bits().end());
-    std::ranges::copy(bits, m_pager.edit(bitmap).begin() + kBitmapHeader);
     Bytes references(kUsageMapRow, 0);
     references[0] = kReference;
-    writeU32(references, kReferenceHeader, bitmap);
-    replaceRow(m_pager.edit(kGlobalMapPage), kGlobalMapPage, kGlobalMap.row, references);
-    setFree(bitmap, false);
+    std::vector<PageNo> bitmaps;
+    const PageNo pages = m_pager.pageCount();
+    for (PageNo first = 0; first < pages; first += kPagesPerBitmap) {
+        const PageNo bitmap = makeBitmap();
+        const MutableBytes bits = MutableBytes(m_pager.edit(bitmap)).subspan(kBitmapHeader);
+        for (PageNo page = first; page < std::min(pages, first + kPagesPerBitmap); ++page)
+            putBit(bits, page - first, row.holdsFree(page));
+        writeU32(references, kReferenceHeader + 4 * bitmaps.size(), bitmap);
+        bitmaps.push_back(bitmap);
+    }
+    if (!replaceRow(m_pager.edit(kGlobalMapPage), kGlobalMapPage, kGlobalMap.row, references))
+        throwDamaged("the map of free pages has no room on its page", kGlobalMapPage);
+    for (const PageNo bitmap : bitmaps)
+        setFree(bitmap, false);
 }
 
 PageNo PageAllocator::makeBitmap()
@@ -278,7 +287,7 @@ bool UsageMap::contains(PageNo page) const
     const PageRef owner = rowPage();
     const MapRow row = mapRow(*owner, m_place);
     if (row.isInline())
-        return row.covers(page) && testBit(row.bits(), page - row.start());
+        return row.holds(page);
     const std::size_t index = page / kPagesPerBitmap;
     return index < row.references() && row.reference(index) != 0 &&
            testBit(bitsOf(*readBitmap(m_pager, row.reference(index))), page % kPagesPerBitmap);

@@ -36,7 +36,8 @@ public:
     void release(std::span<const PageNo> pages);
     void release(PageNo page) { release(std::span(&page, 1)); }
 
-    /// A page behind the map's range counts as free.
+    /// A page behind the map's range counts as free, one before it as used: programs that move its
+    /// start do so past the pages in use.
     bool isFree(PageNo page);
     /// The pages that hold the map itself, besides page 1.
     std::vector<PageNo> bitmapPages();

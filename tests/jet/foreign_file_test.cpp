@@ -94,6 +94,71 @@ TEST_F(ForeignFile, KeyThatAUniqueIndexHoldsTwiceIsFound)
     EXPECT_EQ(findings(database), "");
 }
 
+TEST_F(ForeignFile, MapOfFreePagesWhoseStartWasMovedPastThoseInUse)
+{
+    make(twoColumns(true), 200);
+    load();
+    const RowPointer map{kGlobalMapPage, 0};
+    const Slot row = slotAt(m_image.page(map.page), map.page, map.row);
+    const MutableBytes bytes = m_image.page(map.page).subspan(row.start, row.length);
+    constexpr PageNo kStart = 16;
+    writeU32(bytes, 1, kStart);
+    std::ranges::rotate(bytes.subspan(5), bytes.begin() + 5 + kStart / 8);
+    std::ranges::fill(bytes.last(kStart / 8), std::uint8_t{0xFF}); // nothing is there yet
+    save();
+    Database database = open();
+    EXPECT_EQ(findings(database), "");
+
+    Table table = database.table(u"T");
+    inTransaction(database, [&] {
+        for (std::int32_t id = 201; id <= 40000; ++id)
+            table.append({{u"Id", id}, {u"Nume", Text(100, u'n')}});
+    });
+    EXPECT_EQ(findings(database), "");
+    EXPECT_EQ(mdbCount(m_path, "T"), "40000\n");
+}
+
+TEST_F(ForeignFile, PageBeforeTheMapOfFreePagesIsGivenBack)
+{
+    make(twoColumns(true), 200);
+    load();
+    const Slot row = slotAt(m_image.page(kGlobalMapPage), kGlobalMapPage, 0);
+    const MutableBytes bytes = m_image.page(kGlobalMapPage).subspan(row.start, row.length);
+    writeU32(bytes, 1, 512);
+    std::ranges::fill(bytes.subspan(5), std::uint8_t{0xFF});
+    save();
+    Database database = open();
+    database.dropTable(u"T");
+    EXPECT_EQ(findings(database), "");
+    const auto size = std::filesystem::file_size(m_path);
+    database.createTable(tabelDesign(), kSomeDay);
+    EXPECT_EQ(findings(database), "");
+    EXPECT_EQ(std::filesystem::file_size(m_path), size);
+}
+
+TEST_F(ForeignFile, MapOfFreePagesThatCannotGrowIsRefused)
+{
+    make(twoColumns(true), 3);
+    load();
+    const MutablePageBytes page = m_image.page(kGlobalMapPage);
+    const ByteView map = rowAt(page, kGlobalMapPage, 0);
+    const Bytes shortMap(map.begin(), map.begin() + 5 + 8); // 64 pages
+    initDataPage(page, 1);
+    insertRow(page, shortMap);
+    insertRow(page, Bytes(freeBytes(page) - 2 - 10));
+    save();
+    Database database = open();
+    Table table = database.table(u"T");
+    EXPECT_EQ(errorOf([&] {
+                  inTransaction(database, [&] {
+                      for (std::int32_t id = 4; id <= 4000; ++id)
+                          table.append({{u"Id", id}, {u"Nume", Text(100, u'n')}});
+                  });
+              }),
+              ErrorCode::Damaged);
+    expectIds({1, 2, 3});
+}
+
 TEST_F(ForeignFile, ColumnDroppedAndColumnsAddedLater)
 {
     TableDesign design = twoColumns(false);
