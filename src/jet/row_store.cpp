@@ -145,6 +145,11 @@ std::vector<PageNo> RowStore::clear()
     return unused;
 }
 
+std::size_t RowStore::capacity() const
+{
+    return UsageMap(m_pager, m_owned).size() * (kMaxSlots + 1);
+}
+
 std::optional<RowPointer> RowStore::next(RowPointer from) const
 {
     const UsageMap owned(m_pager, m_owned);

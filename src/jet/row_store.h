@@ -56,6 +56,8 @@ public:
     std::optional<RowPointer> previous(RowPointer from) const;
 
     PageRef page(PageNo page) const;
+    /// More rows than its pages can hold it cannot have.
+    std::size_t capacity() const;
 
 private:
     void dropImage(RowPointer row);

@@ -212,7 +212,6 @@ std::unique_ptr<RowWalk> makeSortedWalk(const TableStore &table, std::size_t col
 
     // Short keys stay inside the string object, so a day of numbers takes a few megabytes.
     std::vector<std::pair<std::string, RowPointer>> keys;
-    keys.reserve(table.rowCount() < 1'000'000 ? table.rowCount() : 0);
     for (auto row = table.rows().next({}); row; row = table.rows().next(behind(*row))) {
         const StoredRow stored = table.rows().read(*row);
         const Value value = table.readValue(RowView(stored.bytes, table.layout()), column);

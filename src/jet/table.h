@@ -27,7 +27,8 @@ public:
     /// Place of a column in a Row. Throws Error(NoSuchItem).
     std::size_t column(std::u16string_view name) const;
 
-    /// Number of records, without counting them.
+    /// Number of records, without counting them. Throws Error(Damaged) when the file states more
+    /// than its pages can hold.
     std::uint32_t recordCount() const;
 
     /// Adds a record; columns that are not assigned stay null, or false. Each value is converted to

@@ -73,7 +73,11 @@ TableStore::TableStore(Pager &pager, PageNo definitionPage)
 
 std::uint32_t TableStore::rowCount() const
 {
-    return readU32(*m_pager.read(m_page), kRowCountOffset);
+    const std::uint32_t count = readU32(*m_pager.read(m_page), kRowCountOffset);
+    if (count > m_rows.capacity())
+        throwDamaged("a table counts " + std::to_string(count) + " rows, more than its pages hold",
+                     m_page);
+    return count;
 }
 
 std::uint32_t TableStore::lastAutonumber() const

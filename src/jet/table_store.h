@@ -33,6 +33,7 @@ public:
     Pager &pager() const { return m_pager; }
     const RowStore &rows() const { return m_rows; }
     RowStore &rows() { return m_rows; }
+    /// As the definition states it. Throws Error(Damaged) for more rows than the pages can hold.
     std::uint32_t rowCount() const;
 
     /// Adds a row. Each value is Null or of its column's type (Memo: Text, OLE: Bytes); a null

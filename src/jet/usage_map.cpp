@@ -47,6 +47,14 @@ std::optional<std::size_t> firstBit(ByteView bits, std::size_t from)
            static_cast<std::size_t>(std::countr_zero(*rest));
 }
 
+std::size_t countBits(ByteView bits)
+{
+    std::size_t count = 0;
+    for (const std::uint8_t byte : bits)
+        count += static_cast<std::size_t>(std::popcount(byte));
+    return count;
+}
+
 /// The row of a map, decoded as far as both kinds have it in common.
 struct MapRow {
     Slot place;
@@ -330,6 +338,18 @@ std::vector<PageNo> UsageMap::pages() const
     for (auto page = next(0); page; page = next(*page + 1))
         all.push_back(*page);
     return all;
+}
+
+std::size_t UsageMap::size() const
+{
+    const PageRef owner = rowPage();
+    const MapRow row = mapRow(*owner, m_place);
+    if (row.isInline())
+        return countBits(row.bits());
+    std::size_t count = 0;
+    for (const PageNo bitmap : references(row))
+        count += countBits(bitsOf(*readBitmap(m_pager, bitmap)));
+    return count;
 }
 
 std::vector<PageNo> UsageMap::bitmapPages() const

@@ -62,6 +62,7 @@ public:
     /// The lowest member not below a page. Throws Error(Damaged) for one behind the file's end.
     std::optional<PageNo> next(PageNo from) const;
     std::vector<PageNo> pages() const;
+    std::size_t size() const;
     std::vector<PageNo> bitmapPages() const;
 
     void insert(PageNo page);

@@ -91,11 +91,18 @@ private:
             list.emplace();
         const std::uint32_t rows = checkRows(table, entries);
         // Other programs do not keep the counts of the system's own tables exact.
-        if (!entry.isSystem && rows != table.rowCount())
-            report(entry.definition, "the table counts " + std::to_string(table.rowCount()) +
-                                         " rows but has " + std::to_string(rows));
+        if (!entry.isSystem)
+            guarded(m_findings, [&] { checkRowCount(table, rows); });
         for (std::size_t index = 0; index < entries.size(); ++index)
             checkIndex(table, index, std::move(entries[index]), name);
+    }
+
+    void checkRowCount(const TableStore &table, std::uint32_t rows)
+    {
+        const std::uint32_t counted = table.rowCount();
+        if (rows != counted)
+            report(table.page(), "the table counts " + std::to_string(counted) + " rows but has " +
+                                     std::to_string(rows));
     }
 
     void checkStore(RowPointer owned, RowPointer freeSpace, const std::string &use)

@@ -94,6 +94,21 @@ TEST_F(ForeignFile, KeyThatAUniqueIndexHoldsTwiceIsFound)
     EXPECT_EQ(findings(database), "");
 }
 
+TEST_F(ForeignFile, CountOfRowsThatItsPagesCannotHoldIsDamage)
+{
+    make(twoColumns(true), 3);
+    load();
+    m_image.page(m_image.definitionPage())[kRowCountOffset + 3] = 0x7F;
+    save();
+    const Database database = open();
+    const Table table = database.table(u"T");
+    EXPECT_EQ(errorOf([&] { table.recordCount(); }), ErrorCode::Damaged);
+    EXPECT_EQ(findings(database), "page " + std::to_string(m_image.definitionPage()) +
+                                      ": The database is damaged: a table counts 2130706435 rows, "
+                                      "more than its pages hold\n");
+    EXPECT_EQ(idsOf(table.sortedBy(u"Nume")), (std::vector<std::int32_t>{1, 2, 3}));
+}
+
 TEST_F(ForeignFile, MapOfFreePagesWhoseStartWasMovedPastThoseInUse)
 {
     make(twoColumns(true), 200);
