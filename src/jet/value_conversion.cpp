@@ -183,6 +183,9 @@ Value toBinary(const Value &value, const ColumnDefinition &column)
         throwTypeConversion();
     if (column.type == ColumnType::Binary && bytes->size() > column.length)
         throwValueTooLong();
+    // Nothing would mark the end of its key in an index, so other programs find that out of order.
+    if (column.type == ColumnType::Binary && bytes->empty())
+        return Null{};
     return *bytes;
 }
 

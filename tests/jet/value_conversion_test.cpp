@@ -89,6 +89,8 @@ TEST(ValueConversion, AssignsAsDaoDoes)
              {text("1234.565"), ColumnType::Numeric, numeric(123456)},
              {-1.239, ColumnType::Numeric, numeric(124, true)},
              {Bytes{1, 2}, Ole, Bytes{1, 2}},
+             {Bytes{}, Ole, Bytes{}},
+             {Bytes{}, ColumnType::Binary, Null{}},
              {text("{00112233-4455-6677-8899-aabbccddeeff}"), ColumnType::Guid,
               jet::Guid{{0x33, 0x22, 0x11, 0, 0x55, 0x44, 0x77, 0x66, 0x88, 0x99, 0xAA, 0xBB, 0xCC,
                          0xDD, 0xEE, 0xFF}}},
