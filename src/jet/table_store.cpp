@@ -190,19 +190,45 @@ Bytes TableStore::store(const Row &values)
     return encodeRow(stored, m_layout);
 }
 
+/// The lowest number above the last one given out that no unique index holds: other programs may
+/// have stored higher ones.
+std::int32_t TableStore::nextAutonumber(std::size_t column) const
+{
+    const auto isTaken = [&](std::int32_t number) {
+        const Value value = number;
+        for (std::size_t index = 0; index < m_keyPlaces.size(); ++index) {
+            if (m_definition.realIndexes[index].isUnique() &&
+                std::ranges::equal(m_keyPlaces[index], std::span(&column, 1)) &&
+                tree(index).hasKey(encodeIndexKey(std::span(&value, 1), m_keyColumns[index]).bytes))
+                return true;
+        }
+        return false;
+    };
+    auto number = static_cast<std::int32_t>(lastAutonumber());
+    do {
+        if (number == std::numeric_limits<std::int32_t>::max())
+            throw Error(ErrorCode::NotSupported, "The table has no automatic number left.");
+        ++number;
+    } while (isTaken(number));
+    return number;
+}
+
+/// Autonumbers go on behind the greatest number that a row was ever given.
+void TableStore::noteAutonumber(const Row &values)
+{
+    for (std::size_t column = 0; column < values.size(); ++column) {
+        const auto *number = std::get_if<std::int32_t>(&values[column]);
+        if (m_definition.columns[column].isAutonumber() && number != nullptr &&
+            *number > static_cast<std::int32_t>(lastAutonumber()))
+            continueAutonumber(static_cast<std::uint32_t>(*number));
+    }
+}
+
 RowPointer TableStore::insert(Row values)
 {
-    std::optional<std::int32_t> autonumber;
     for (std::size_t column = 0; column < values.size(); ++column) {
-        if (!m_definition.columns[column].isAutonumber())
-            continue;
-        const auto last = static_cast<std::int32_t>(lastAutonumber());
-        if (isNull(values[column])) {
-            if (last == std::numeric_limits<std::int32_t>::max())
-                throw Error(ErrorCode::NotSupported, "The table has no automatic number left.");
-            values[column] = last + 1;
-        }
-        autonumber = std::max(last, std::get<std::int32_t>(values[column]));
+        if (m_definition.columns[column].isAutonumber() && isNull(values[column]))
+            values[column] = nextAutonumber(column);
     }
     const Keys keys = keysOf(values);
     for (std::size_t index = 0; index < keys.size(); ++index) {
@@ -218,8 +244,7 @@ RowPointer TableStore::insert(Row values)
             addEntry(index, *keys[index], row, true);
     }
     addToCount(kRowCountOffset, 1);
-    if (autonumber)
-        continueAutonumber(static_cast<std::uint32_t>(*autonumber));
+    noteAutonumber(values);
     return row;
 }
 
@@ -248,6 +273,7 @@ RowPointer TableStore::update(RowPointer row, const Row &values, const std::vect
         if (newKeys[index])
             addEntry(index, *newKeys[index], place, !sameKey(index));
     }
+    noteAutonumber(values);
     return place;
 }
 

@@ -83,6 +83,8 @@ public:
 private:
     using Keys = std::vector<std::optional<IndexKey>>;
 
+    std::int32_t nextAutonumber(std::size_t column) const;
+    void noteAutonumber(const Row &values);
     void resolve(std::size_t column, Value &value) const;
     Keys keysOf(const Row &values) const;
     Keys storedKeysOf(const Row &values, RowPointer row) const;

@@ -1,5 +1,6 @@
 #include "manual_example.h" // the code of docs/jet-engine.md, made from it by CMake
 
+#include "jet/session.h"
 #include "tests/jet/new_database.h"
 
 #include <limits>
@@ -56,10 +57,22 @@ TEST_F(NewDatabase, AutonumbersGoOnAfterNegativeNumbersAndEndAtTheGreatest)
     design.indexes = {{u"Nr", {{u"Nr"}}, true}};
     Table table = make(design);
     const std::int32_t greatest = std::numeric_limits<std::int32_t>::max();
-    for (const Value &number : {Value(), Value(-2), Value(), Value(), Value(greatest)})
+    for (const Value &number : {Value(), Value(-2), Value(), Value()})
+        table.appendRow({number});
+    Cursor cursor = table.records();
+    cursor.last();
+    cursor.update({{u"Nr", 4}});
+    table.appendRow({Value()});
+    {
+        Session other(makeSystemFiles(), m_path, unsynced()); // lets the number fall behind
+        other.begin();
+        other.table(u"T")->continueAutonumber(1);
+        other.commit();
+    }
+    for (const Value &number : {Value(), Value(), Value(greatest)})
         table.appendRow({number});
     EXPECT_EQ(errorOf([&] { table.appendRow({Value()}); }), ErrorCode::NotSupported);
-    EXPECT_EQ(idsOf(table.records()), (std::vector<std::int32_t>{1, -2, 2, 3, greatest}));
+    EXPECT_EQ(idsOf(table.records()), (std::vector<std::int32_t>{1, -2, 2, 4, 5, 3, 6, greatest}));
 }
 
 TEST_F(NewDatabase, RowWhoseKeyIsTooLongIsRefusedAlone)
