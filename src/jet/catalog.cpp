@@ -99,6 +99,18 @@ void Catalog::refuseOtherObjects() const
                                                      toUtf8(entryAt(*row, values).name) +
                                                      "', which is no table and would be lost.");
     }
+    const auto isEveryones = [](PageNo definition) {
+        return std::ranges::any_of(
+            kSystemTables, [&](SystemTable table) { return systemTablePage(table) == definition; });
+    };
+    for (const Entry &entry : tables()) {
+        if (!entry.isSystem || isEveryones(entry.definition))
+            continue;
+        if (TableStore(m_pager, entry.definition).rows().next({}))
+            throw Error(ErrorCode::NotSupported,
+                        "The database program keeps records in its table '" + toUtf8(entry.name) +
+                            "', which would be lost.");
+    }
 }
 
 std::optional<RowPointer> Catalog::rowNamed(const Text &name) const

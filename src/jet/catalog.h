@@ -26,7 +26,8 @@ public:
     std::vector<Entry> tables() const;
     std::optional<Entry> find(const Text &name) const;
 
-    /// Throws Error(NotSupported) when there is anything but tables: queries, links, forms.
+    /// Throws Error(NotSupported) when there is anything but tables: queries, links, forms, or rows
+    /// in system tables that a new database does not have.
     void refuseOtherObjects() const;
     /// Throws Error(ObjectExists) when a table or query has the name already.
     void checkIsFree(const Text &name) const;

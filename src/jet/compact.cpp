@@ -33,13 +33,29 @@ void copyRows(const TableStore &from, Session &target, const Text &name)
 }
 
 /// What a design does not tell of the columns.
-void keepTextOrders(const TableDefinition &from, TableDefinition &to)
+void keepColumnDetails(const TableDefinition &from, TableDefinition &to)
 {
     for (ColumnDefinition &column : to.columns) {
         const auto old = std::ranges::find(from.columns, column.name, &ColumnDefinition::name);
         column.sortOrder = old->sortOrder;
         column.sortVersion = old->sortVersion;
         column.compressible = old->compressible;
+        column.ordinal = old->ordinal;
+        const unsigned kept = old->flags & (ColumnFlag::AutoGuid | ColumnFlag::Hyperlink);
+        column.flags = static_cast<std::uint8_t>(column.flags | kept);
+    }
+}
+
+/// Throws Error(NotSupported) for a table that only the database program can make.
+TableDefinition definitionOfCopy(const Text &name, const TableDefinition &from)
+{
+    try {
+        TableDefinition definition = makeDefinition(designOf(name, from));
+        keepColumnDetails(from, definition);
+        return definition;
+    } catch (const Error &error) {
+        throw Error(ErrorCode::NotSupported,
+                    "Table '" + toUtf8(name) + "' cannot be written anew: " + error.what());
     }
 }
 
@@ -55,10 +71,10 @@ void refuseDamaged(Pager &pager)
 void copyTable(Session &source, const Catalog::Entry &entry, Session &target, DateTime now)
 {
     const auto from = source.tableAt(entry.definition);
-    TableDefinition definition = makeDefinition(designOf(entry.name, from->definition()));
-    keepTextOrders(from->definition(), definition);
     target.begin();
-    target.catalog().add(entry.name, buildTable(target.pager(), std::move(definition)), now);
+    const PageNo definition =
+        buildTable(target.pager(), definitionOfCopy(entry.name, from->definition()));
+    target.catalog().add(entry.name, definition, now);
     target.catalog().setProperties(entry.name, source.catalog().properties(entry));
     copyRows(*from, target, entry.name);
     target.table(entry.name)->continueAutonumber(from->lastAutonumber());

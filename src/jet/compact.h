@@ -10,10 +10,11 @@ namespace jet
 
 /// Writes every table of a database into a new file, without lost space, and puts it in place of
 /// the old one in one step. Nobody else may have the file open. Relationships, queries and other
-/// objects of the database program are not carried over, so a file that has any is refused with
-/// Error(NotSupported), and a damaged one with Error(Damaged), as what cannot be read would be
-/// lost. Throws Error(InUse), Error(DiskFull); the old file then is as it was. Owner and rights of
-/// the file are kept as far as the system lets. `files` are others than the system's only in tests.
+/// objects of the database program are not carried over, so a file that has any, or a table that
+/// the engine cannot make, is refused with Error(NotSupported), and a damaged one with
+/// Error(Damaged), as what cannot be read would be lost. Throws Error(InUse), Error(DiskFull); the
+/// old file then is as it was. Owner and rights of the file are kept as far as the system lets.
+/// `files` are others than the system's only in tests.
 void compactDatabase(const std::filesystem::path &path, DateTime now,
                      const std::shared_ptr<FileSystem> &files = makeSystemFiles());
 

@@ -58,7 +58,8 @@ public:
     /// Throws as dropTable() does, Error(ObjectExists), Error(InvalidName).
     void renameTable(const Text &name, const Text &newName, DateTime now);
 
-    /// Walks every page, map, row and index; empty when all of them fit together.
+    /// Walks every page, map, row and index; empty when all of them fit together. Pages that belong
+    /// to nothing are no damage: the database program leaves them until it compacts a file.
     std::vector<Finding> check() const;
 
 private:

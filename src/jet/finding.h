@@ -11,7 +11,7 @@ namespace jet
 struct Finding {
     PageNo page = 0;
     std::string reason;
-    bool isLostSpace = false; ///< all that is wrong is that nobody uses the page
+    bool isLostSpace = false; ///< no damage: the page counts as used, but nothing uses it
 };
 
 } // namespace jet

@@ -105,6 +105,7 @@ void appendValue(Bytes &key, const Value &value, const KeyColumn &column)
     case ColumnType::Binary:
     case ColumnType::Guid:
     case ColumnType::Ole:
+    case ColumnType::Block:
         break;
     }
     throw Error(ErrorCode::NotSupported, "The engine cannot order an index of this type.");
@@ -122,8 +123,9 @@ void appendColumn(Bytes &key, const Value &value, const KeyColumn &column)
 {
     const std::size_t start = key.size();
     key.push_back(kNotNull);
-    const bool isOle = column.type == ColumnType::Ole && column.inMemory;
-    if (column.type == ColumnType::Binary || column.type == ColumnType::Guid || isOle) {
+    const bool isUnordered = column.type == ColumnType::Ole || column.type == ColumnType::Block;
+    if (column.type == ColumnType::Binary || column.type == ColumnType::Guid ||
+        (isUnordered && column.inMemory)) {
         if (!column.ascending)
             complement(key, start);
         appendBinary(key, sortedBytes(value), column.ascending);

@@ -22,7 +22,7 @@ struct KeyColumn {
     std::uint16_t sortOrder = kGeneralSortOrder;
     std::uint8_t sortVersion = 0;
     /// For sorting in memory only: nothing is refused, what has no known place in an index gets
-    /// one of its own (unknown characters after all others, OLE as Binary).
+    /// one of its own (unknown characters after all others, OLE and Block as Binary).
     bool inMemory = false;
 };
 

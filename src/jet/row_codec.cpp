@@ -78,6 +78,7 @@ void decodeValue(ByteView stored, const RowLayout::Column &column, Value &value)
     case ColumnType::Binary:
     case ColumnType::Ole:
     case ColumnType::Memo:
+    case ColumnType::Block:
         value = Bytes(stored.begin(), stored.end());
         return;
     case ColumnType::Guid:
@@ -138,6 +139,7 @@ void appendValue(Bytes &out, const Value &value, const RowLayout::Column &column
     case ColumnType::Text:
         return appendText(out, valueAs<Text>(value), column);
     case ColumnType::Binary:
+    case ColumnType::Block:
         return appendBinary(out, valueAs<Bytes>(value), column);
     case ColumnType::Ole:
     case ColumnType::Memo:

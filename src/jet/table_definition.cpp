@@ -32,6 +32,8 @@ std::size_t fixedSize(ColumnType type)
         return 16;
     case ColumnType::Numeric:
         return 17;
+    case ColumnType::Block:
+        return 3992;
     case ColumnType::Binary:
     case ColumnType::Text:
     case ColumnType::Ole:

@@ -26,6 +26,8 @@ inline constexpr std::uint8_t FixedLength = 0x01;
 inline constexpr std::uint8_t Nullable = 0x02; ///< set on every column
 inline constexpr std::uint8_t Autonumber = 0x04;
 inline constexpr std::uint8_t System = 0x10;
+inline constexpr std::uint8_t AutoGuid = 0x40;
+inline constexpr std::uint8_t Hyperlink = 0x80; ///< Memo whose text is an address
 } // namespace ColumnFlag
 
 struct ColumnDefinition {

@@ -63,8 +63,8 @@ private:
 
 bool isKnown(ColumnType type)
 {
-    return (type >= ColumnType::Boolean && type <= ColumnType::Memo) || type == ColumnType::Guid ||
-           type == ColumnType::Numeric;
+    return (type >= ColumnType::Boolean && type <= ColumnType::Memo) ||
+           (type >= ColumnType::Guid && type <= ColumnType::Block);
 }
 
 void checkColumn(const ColumnDefinition &column, std::uint16_t maxColumns)

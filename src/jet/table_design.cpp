@@ -52,6 +52,8 @@ ColumnDefinition makeColumn(const ColumnDesign &design)
     ColumnDefinition column;
     column.name = design.name;
     column.type = design.type;
+    if (design.type == ColumnType::Block)
+        refuse("Column '" + toUtf8(design.name) + "' is of a type for system tables only.");
     column.length = lengthOf(design);
     column.compressible = design.type == ColumnType::Text || design.type == ColumnType::Memo;
     if (design.autonumber) {

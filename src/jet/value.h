@@ -27,6 +27,8 @@ enum class ColumnType : std::uint8_t {
     Memo = 12,
     Guid = 15,
     Numeric = 16,
+    /// 3992 bytes of what the database program keeps of its forms and modules in its own tables.
+    Block = 17,
 };
 
 /// Money in ten-thousandths: 12345 is 1.2345.
@@ -60,7 +62,8 @@ using Null = std::monostate;
 using Text = std::u16string;
 using Bytes = std::vector<std::uint8_t>;
 
-/// The value of one column of one row. Memo reads as Text, Binary and OLE read as Bytes.
+/// The value of one column of one row. Memo reads as Text; Binary, OLE and Block
+/// read as Bytes.
 using Value = std::variant<Null, bool, std::uint8_t, std::int16_t, std::int32_t, Currency, float,
                            double, DateTime, Text, Bytes, Guid, Numeric>;
 

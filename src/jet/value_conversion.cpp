@@ -181,7 +181,7 @@ Value toBinary(const Value &value, const ColumnDefinition &column)
     const auto *bytes = std::get_if<Bytes>(&value);
     if (bytes == nullptr)
         throwTypeConversion();
-    if (column.type == ColumnType::Binary && bytes->size() > column.length)
+    if (column.type != ColumnType::Ole && bytes->size() > column.length)
         throwValueTooLong();
     // Nothing would mark the end of its key in an index, so other programs find that out of order.
     if (column.type == ColumnType::Binary && bytes->empty())
@@ -245,6 +245,7 @@ Value convertValue(const Value &value, const ColumnDefinition &column)
         return toTextColumn(value, column);
     case ColumnType::Binary:
     case ColumnType::Ole:
+    case ColumnType::Block:
         return toBinary(value, column);
     case ColumnType::Guid:
         return toGuid(value);

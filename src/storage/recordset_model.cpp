@@ -35,7 +35,7 @@ bool isNumber(jet::ColumnType type)
 {
     return type != jet::ColumnType::Text && type != jet::ColumnType::Memo &&
            type != jet::ColumnType::Binary && type != jet::ColumnType::Ole &&
-           type != jet::ColumnType::Guid;
+           type != jet::ColumnType::Guid && type != jet::ColumnType::Block;
 }
 
 } // namespace

@@ -1,3 +1,6 @@
+#include "jet/compact.h"
+#include "jet/session.h"
+#include "jet/table_builder.h"
 #include "tests/jet/file_image.h"
 #include "tests/jet/sample_database.h"
 
@@ -171,6 +174,51 @@ TEST_F(ForeignFile, MapOfFreePagesThatCannotGrowIsRefused)
                   });
               }),
               ErrorCode::Damaged);
+    expectIds({1, 2, 3});
+}
+
+TEST_F(ForeignFile, BlocksOfTheDatabaseProgramAreReadAndNeverLost)
+{
+    make(twoColumns(true), 3);
+    const Bytes block(3992, 7);
+    {
+        Session session(makeSystemFiles(), m_path, unsynced());
+        session.begin();
+        TableDesign design{u"MSysAccessObjects", {{u"Data", ColumnType::Long}, {u"ID"}}, {}};
+        TableDefinition blocks = makeDefinition(design);
+        blocks.columns[0].type = ColumnType::Block;
+        layOutColumns(blocks);
+        const PageNo page = buildTable(session.pager(), blocks);
+        session.catalog().add(design.name, page, kSomeDay);
+        session.tableAt(page)->insert({block, 1});
+        session.commit();
+    }
+    const auto expectRefused = [&] {
+        {
+            const Database database = open();
+            EXPECT_EQ(findings(database), "");
+            EXPECT_EQ(rowsOf(database.table(u"MSysAccessObjects").records()),
+                      (std::vector<Row>{{block, 1}}));
+        }
+        EXPECT_EQ(errorOf([&] { compactDatabase(m_path, kSomeDay); }), ErrorCode::NotSupported);
+    };
+    expectRefused(); // no table that the engine could make
+    {
+        Session session(makeSystemFiles(), m_path, unsynced());
+        session.begin();
+        const auto entry = session.catalog().find(u"MSysAccessObjects");
+        TableStore &objects = *session.table(u"MSysObjects");
+        const std::size_t flags = objects.columnNamed(u"Flags").value();
+        Row values = objects.read(entry->row);
+        values[flags] = static_cast<std::int32_t>(kSystemObjectFlags);
+        std::vector<bool> changed(values.size());
+        changed[flags] = true;
+        static_cast<void>(objects.update(entry->row, values, changed));
+        session.commit();
+    }
+    expectRefused(); // no table that a new database has
+    open().table(u"MSysAccessObjects").deleteAll();
+    compactDatabase(m_path, kSomeDay);
     expectIds({1, 2, 3});
 }
 

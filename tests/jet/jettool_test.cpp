@@ -110,10 +110,18 @@ TEST_F(Jettool, ReadsAnInterruptedStatementAndLeavesIt)
     EXPECT_TRUE(state() == left);
 }
 
-TEST_F(Jettool, NamesThePageAndTheReasonOfDamage)
+TEST_F(Jettool, NamesThePageAndTheReasonOfDamageAndNotesLostSpace)
 {
     makeTabel(m_path, 5);
-    FileImage image(bytesOf(m_path));
+    Bytes bytes = bytesOf(m_path);
+    const auto unused = static_cast<PageNo>(bytes.size() / kPageSize);
+    bytes.resize(bytes.size() + kPageSize);
+    FileImage image(bytes);
+    image.setMapBit({kGlobalMapPage, 0}, unused, false);
+    writeFile(m_path, image.bytes());
+    EXPECT_EQ(run({"check", m_path.string()}),
+              "note: pages that belong to nothing until the file is compacted: 1\nexit 0\n");
+
     const PageNo root = image.definition().realIndexes.front().root;
     image.page(root)[kEntryArea + 4] ^= 1; // the key of the first entry
     writeFile(m_path, image.bytes());

@@ -111,6 +111,8 @@ std::string typeName(const jet::ColumnDesign &column)
     case jet::ColumnType::Numeric:
         return "DECIMAL(" + std::to_string(column.precision) + ", " + std::to_string(column.scale) +
                ")";
+    case jet::ColumnType::Block:
+        return "BLOCK";
     }
     return "UNKNOWN";
 }
