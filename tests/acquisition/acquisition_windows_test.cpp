@@ -51,8 +51,10 @@ TEST_F(AcquisitionWindows, ControlCentreRunsTheCycleAndStandsWhereItStood)
         EXPECT_EQ(label.palette().color(label.backgroundRole()), QColor(active ? "lime" : "red"));
     };
     expectActive(false);
+    EXPECT_EQ(control<QPushButton>(*frame, "StartMonCommand").text(), "Start Monitorizare");
     press("StartMonCommand");
     expectActive(true);
+    EXPECT_EQ(control<QPushButton>(*frame, "StopMonCommand").text(), "Stop Monitorizare");
     press("StopMonCommand");
     expectActive(false);
     press("StartMonCommand");

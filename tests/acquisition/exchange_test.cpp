@@ -24,6 +24,9 @@ public:
 TEST_F(InterogareAparat, WholeDialogueIsByteExact)
 {
     begin();
+    time.advance(milliseconds(2000));
+    EXPECT_EQ(op.told.size(), 1);
+    begin(); // what a silent recorder left behind spoils nothing
     reply = replyWith({"12.3x", "", "1 2.5", "-1.5E2", "+7,5", "\t.5\n"});
     for (const char byte : reply) { // in the smallest pieces there are
         EXPECT_EQ(line.written, kReadCommands);
@@ -35,7 +38,7 @@ TEST_F(InterogareAparat, WholeDialogueIsByteExact)
     for (std::size_t i = 0; const double value : {12.3, 0.0, 12.5, -150.0, 7.0, 0.5})
         EXPECT_EQ(station.sensors[i++].value, value);
     time.advance(milliseconds(5000));
-    EXPECT_TRUE(op.told.isEmpty());
+    EXPECT_EQ(op.told.size(), 1);
 }
 
 TEST_F(InterogareAparat, WhatComesBehindTheReplyIsDrainedFirst)

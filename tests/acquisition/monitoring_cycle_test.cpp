@@ -47,9 +47,10 @@ TEST_F(CicluMonitorizare, OneSampleTakesItsStepsInOrder)
 TEST_F(CicluMonitorizare, LimitsMetExactlyAreAlarms)
 {
     station.Diagrame[1].alarma_maxim = 200;
+    station.sensors[2].calibrationText = station.sensors[3].calibrationText = "-1";
     for (const auto &[value, alarm] : std::vector<std::pair<double, bool>>{
              {9.9, true}, {10, true}, {10.1, false}, {137.9, false}, {138, true}}) {
-        station.sensors[2].value = station.sensors[3].value = value;
+        station.sensors[2].value = station.sensors[3].value = value + 1;
         completeSample(station, time.now());
         EXPECT_EQ(station.sensors[2].alarm, alarm) << value;
         EXPECT_EQ(station.sensors[3].alarm, value <= 10) << "its own diagram's limits";

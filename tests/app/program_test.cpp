@@ -88,12 +88,15 @@ TEST_F(ProgramTest, BrowserShowsTheNewestFirstAndGivesWayToTheArchive)
     EXPECT_EQ(grid->model()->headerData(6, Qt::Horizontal).toString(), "T6");
     EXPECT_EQ(grid->model()->headerData(7, Qt::Horizontal).toString(), "Alarma");
 
-    program->controlCentre().StartMonCommand_Click();
-    ASSERT_TRUE(reaches(newest + 1));
-    program->controlCentre().StopMonCommand_Click();
-    EXPECT_EQ(top(), QString::number(newest)) << "until it is refreshed";
-    QTest::keyClick(grid, Qt::Key_F5);
-    EXPECT_EQ(top(), QString::number(lastId));
+    for (const bool byKey : {true, false}) {
+        const QString shown = QString::number(lastId);
+        program->controlCentre().StartMonCommand_Click();
+        ASSERT_TRUE(reaches(lastId + 1));
+        program->controlCentre().StopMonCommand_Click();
+        EXPECT_EQ(top(), shown) << "until it is refreshed";
+        byKey ? QTest::keyClick(grid, Qt::Key_F5) : press(program->window(), "cmdRefresh");
+        EXPECT_EQ(top(), QString::number(lastId));
+    }
 
     item("SalvareArh")->trigger();
     EXPECT_TRUE(op.told.isEmpty()) << op.told.join('\n').toStdString();
@@ -279,6 +282,18 @@ TEST_F(ProgramTest, UnusableSettingsEndTheStartWithTheRuntimesError)
     QFile::remove(folder.configPath());
     EXPECT_EQ(errorOf([this] { start(); }), RuntimeError::FileNotFound);
 }
+
+#ifndef Q_OS_WIN // where the port is no object of the toolkit
+TEST_F(ProgramTest, LineIsSetAsTheSettingsSay)
+{
+    folder.setValue("ControlPlc.Settings =", "\"19200,e,7,2\"");
+    start();
+    const auto *port = child<QObject>("ControlPlc");
+    for (const auto &[property, value] :
+         {std::pair("baudRate", 19200), {"parity", 2}, {"dataBits", 7}, {"stopBits", 2}})
+        EXPECT_EQ(port->property(property).toInt(), value) << property;
+}
+#endif
 
 TEST_F(ProgramTest, UnusablePortIsReportedWhenMonitoringStartsAndEndsIt)
 {

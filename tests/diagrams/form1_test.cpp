@@ -45,11 +45,13 @@ protected:
 
 TEST_F(Form1Test, LoadAndUnloadSwitchMenusAndFlag)
 {
+    folder.setValue("Diagrama1.Titlu =", "Camera umeda");
     folder.setValue("Diagrama2.Titlu =", "Camera uscata");
     QPointer<Form1> form = &open();
     EXPECT_TRUE(station.diagramsOpen);
     const auto &title = control<QLabel>(*form, "Label2");
     EXPECT_EQ(title.text(), "Camera uscata");
+    EXPECT_EQ(control<QLabel>(*form, "Label1").text(), "Camera umeda");
     EXPECT_NEAR(title.geometry().center().x(), form->rect().center().x(), 1);
 
     QSignalSpy closed(form, &Form1::closed);
@@ -138,10 +140,14 @@ TEST_F(Form1Test, PickedPointIsToldUnderItsChart)
 {
     Form1 &form = open();
     sample(75);
-    auto &plot = static_cast<QCustomPlot &>(plotOf(form, "MSChart2"));
-    plot.replot();
-    QTest::mouseClick(&plot, Qt::LeftButton, {},
-                      QPointF(plot.xAxis->coordToPixel(1), plot.yAxis->coordToPixel(75)).toPoint());
-    const auto &text = control<QLabel>(form, "DateLabel1_1");
-    EXPECT_EQ(text.text(), "T4 = 75\r\n07.03.2026 09:05:01");
+    for (const auto &[chart, label, sensor] :
+         {std::tuple("MSChart1", "DateLabel1_0", "T1"), {"MSChart2", "DateLabel1_1", "T4"}}) {
+        auto &plot = static_cast<QCustomPlot &>(plotOf(form, chart));
+        plot.replot();
+        QTest::mouseClick(
+            &plot, Qt::LeftButton, {},
+            QPointF(plot.xAxis->coordToPixel(1), plot.yAxis->coordToPixel(75)).toPoint());
+        EXPECT_EQ(control<QLabel>(form, label).text(),
+                  QString(sensor) + " = 75\r\n07.03.2026 09:05:01");
+    }
 }

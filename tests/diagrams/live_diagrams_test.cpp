@@ -47,6 +47,7 @@ TEST_F(LiveDiagramsTest, LoadBuildsTheTablesAndDrawsTheSettings)
     }
     EXPECT_EQ(chart2.valueAxisMinimum(), 20);
     EXPECT_EQ(chart2.valueAxisMaximum(), 150);
+    EXPECT_TRUE(chart2.rowLabelsShown());
     EXPECT_EQ(station.currentRow, 1);
     EXPECT_EQ(station.nextSampling, time.now().addSecs(90));
 }

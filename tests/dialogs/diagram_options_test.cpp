@@ -77,8 +77,10 @@ TEST_F(Options, IntervalIsTheNextLowerWholeNumberForBothDiagrams)
     for (const auto &c : cases) {
         texts.Scan = c.typed;
         EXPECT_EQ(errorOf([&] { options.valideaza_tab(kScan, texts); }), c.error) << c.typed;
-        EXPECT_EQ(station.Diagrame[0].interval_scanare, c.interval) << c.typed;
-        EXPECT_EQ(station.Diagrame[1].interval_scanare, c.interval) << c.typed;
+        for (const Diagrama &diagram : station.Diagrame) {
+            EXPECT_EQ(diagram.interval_scanare, c.interval) << c.typed;
+            EXPECT_EQ(diagram.masura_interval, 1);
+        }
         EXPECT_EQ(station.nextSampling, time.now().addSecs(60LL * c.interval)) << c.typed;
     }
 }
@@ -132,7 +134,8 @@ TEST_F(Options, SaveWritesTheTabAndRestoreBringsItBackByteForByte)
     options.saveDefaults(kAlarms, texts);
     EXPECT_EQ(folder.config(), expected);
 
-    station.Diagrame[0].interval_scanare = 3;
+    for (Diagrama &diagram : station.Diagrame)
+        diagram.interval_scanare = diagram.masura_interval = 3;
     station.NumeFisier.fill("other");
     station.Diagrame[1].limita_maxima = station.Diagrame[1].alarma_maxim = 1;
     for (const QString &tab : {kLimits, kAlarms, kScan})
@@ -140,7 +143,11 @@ TEST_F(Options, SaveWritesTheTabAndRestoreBringsItBackByteForByte)
     EXPECT_EQ(live.chart(1).valueAxisMaximum(), 150);
     EXPECT_EQ(live.chart(1).columnData(5)[7], 138);
     EXPECT_EQ(live.chart(1).columnData(3)[7], 0) << "the readings stay";
-    EXPECT_EQ(station.Diagrame[0].interval_scanare, 5);
+    for (const Diagrama &diagram : station.Diagrame) {
+        EXPECT_EQ(diagram.interval_scanare, 5);
+        EXPECT_EQ(diagram.masura_interval, 0);
+    }
+    EXPECT_EQ(texts.MasuraTimp, 0);
     EXPECT_EQ(texts.NumeMdb, (std::array<QString, 4>{"date.mdb", "a", "b.mdb", "b.mdb"}));
     EXPECT_EQ(folder.config(), expected);
 }

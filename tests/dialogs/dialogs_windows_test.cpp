@@ -93,7 +93,7 @@ TEST_F(Dialogs, OptionsApplyWhatIsTypedAndShowWhatWasUnderstood)
 
     form->selectTab("OptiuniScanare");
     type(*form, "ScanText", "2.7");
-    control<QComboBox>(*form, "MasuraTimpCombo").setCurrentIndex(2);
+    control<QComboBox>(*form, "MasuraTimpCombo").setCurrentText("Ore");
     type(*form, "NumeMdb4Text", "date");
     press(*form, "cmdSaveDef");
     EXPECT_EQ(textOf(*form, "ScanText"), "2");

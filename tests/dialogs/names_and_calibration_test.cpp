@@ -81,6 +81,7 @@ TEST_F(Calibration, ABadFieldStopsBehindTheGoodOnesBeforeIt)
         EXPECT_FALSE(save({"2,5", bad, "9", "9", "9", "9"}));
         EXPECT_EQ(shown, QStringList("2.5"));
         EXPECT_EQ(op.told.takeLast(), "Verificati corectitudinea campurilor");
+        EXPECT_EQ(op.lastIcon, Operator::Icon::Exclamation);
         EXPECT_EQ(station.sensors[0].calibrationText, "2,5");
         EXPECT_EQ(station.sensors[2].calibrationText, "0");
     }

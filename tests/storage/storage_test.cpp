@@ -61,6 +61,12 @@ protected:
         return all;
     }
 
+    int alarmSize() const
+    {
+        const jet::Database database = jet::Database::open(nativePath(storage()));
+        return database.table(tabel::kName).design().columns[7].size;
+    }
+
     void deleteRecord(int id)
     {
         jet::Database database = jet::Database::open(nativePath(storage()));
@@ -181,11 +187,15 @@ TEST_F(StorageTest, UnusableFileIsToldByNumberAndMonitoringGoesOn)
 
 TEST_F(StorageTest, EveryCollidingNumberRepairsAndLosesItsSampleUntilTheArchive)
 {
-    append(5);
+    append(4);
+    station.sensors[4].alarm = true;
+    append();
     deleteRecord(3);
+    const std::vector<jet::Row> before = rows(storage());
     append(2); // both would be number 5, which is taken
     EXPECT_EQ(op.told, QStringList({kRepaired, kRepaired}));
-    EXPECT_EQ(ids(storage()), (std::vector<int>{1, 2, 4, 5})) << "copied as they are";
+    EXPECT_TRUE(rows(storage()) == before) << "copied as they are";
+    EXPECT_EQ(alarmSize(), 10);
 
     store.arhiveaza_baza_date(station.NumeFisier[0]);
     append();
@@ -311,6 +321,8 @@ TEST_F(StorageTest, BrowserLooksAgainAtAFileThatWasBusy)
     EXPECT_EQ(failed[0][0], 3356);
     QCoreApplication::processEvents();
     EXPECT_EQ(newest(), "2");
+    EXPECT_EQ(model.index(0, 8).data(), "07.03.2026");
+    EXPECT_EQ(model.index(0, 9).data(), "09:05:00");
 }
 
 TEST_F(StorageTest, BrowserIsClosedFirstAndComesBackAfterTheArchiveOnly)
