@@ -9,6 +9,7 @@
 
 #ifndef Q_OS_WIN
 #include <fcntl.h>
+#include <sys/ioctl.h>
 #include <termios.h>
 #include <unistd.h>
 
@@ -26,12 +27,12 @@ speed_t drainedAt = B0;
 
 } // namespace
 
-/// Stands in for the system's own, which has nothing to wait for on a pseudo-terminal.
+/// Stands in for the system's own, which leaves no trace on a pseudo-terminal.
 extern "C" int tcdrain(int port)
 {
     const termios settings = settingsOf(port);
     drainedAt = ::cfgetospeed(&settings);
-    return 0;
+    return ::ioctl(port, TCSBRK, 1);
 }
 #endif
 
