@@ -28,6 +28,7 @@ Form2::Form2(MonitoringCycle &cycle, const Station &station, WindowPosition &pos
     m_monLabel->setAlignment(Qt::AlignCenter);
     m_monLabel->setFrameShape(QFrame::Box);
     m_monLabel->setMinimumHeight(kLabelHeight);
+    m_monLabel->setMargin(kMargin / 2);
     QFont font = m_monLabel->font();
     font.setBold(true);
     font.setPointSizeF(QFontInfo(font).pointSizeF() * 1.4); // a desktop may give it in pixels

@@ -1,9 +1,10 @@
-// Pictures of the windows, for the manual and the README, most of them at two font sizes:
+// Pictures of all windows, for the manual, the README and whoever changes a window:
 //
-//   screenshots STATION_FOLDER IMAGE_FOLDER PRINTED_PAGE
+//   screenshots STATION_FOLDER IMAGE_FOLDER PRINTED_PAGE [large]
 //
 // The station's folder is newly laid and is written to; PRINTED_PAGE is the PDF document that
-// printing the diagrams makes. `take` beside this file does it all.
+// printing the diagrams makes. `large` takes the windows as they are where the system has large
+// letters. `take` beside this file does it all.
 #include "app/station_application.h"
 #include "tools/screenshots/photographer.h"
 #include "tools/screenshots/posed_station.h"
@@ -15,27 +16,19 @@ namespace
 
 constexpr double kLargeFont = 1.6;
 
-void takeAll(const QString &stationFolder, const QString &imageFolder, const QString &printedPage)
-{
-    PosedStation station(stationFolder, printedPage);
-    const Photographer photographer(station, imageFolder);
-    photographer.takeWindows();
-    photographer.takeDialogs();
-    photographer.takeHistoryLimits();
-    photographer.takeAboutBox();
-    station.choose(QStringLiteral("PrintDiag"));
-}
-
-/// Opened with large letters, as the windows are where the system has them.
-void takeLarge(const QString &stationFolder, const QString &imageFolder, const QString &printedPage)
+void useLargeLetters()
 {
     QFont font = QApplication::font();
     font.setPointSizeF(font.pointSizeF() * kLargeFont);
     QApplication::setFont(font);
-    PosedStation station(stationFolder, printedPage);
-    const Photographer photographer(station, imageFolder, QStringLiteral("_large"));
-    photographer.takeWindows();
-    photographer.takeDialogs();
+}
+
+void takeAll(const QStringList &arguments, const QString &suffix)
+{
+    const QString &printedPage = arguments.at(3);
+    PosedStation station(arguments.at(1), printedPage);
+    Photographer(station, arguments.at(2), suffix).takeAll();
+    station.choose(QStringLiteral("PrintDiag"));
 }
 
 } // namespace
@@ -45,13 +38,15 @@ int main(int argc, char **argv)
     StationApplication application(argc, argv);
     application.showReport = [](const QString &) {}; // standard error has it already
     const QStringList arguments = QApplication::arguments();
-    if (arguments.size() != 4) {
-        std::fputs("usage: screenshots STATION_FOLDER IMAGE_FOLDER PRINTED_PAGE\n", stderr);
+    const bool isLarge = arguments.size() == 5 && arguments.at(4) == QLatin1String("large");
+    if (arguments.size() != 4 && !isLarge) {
+        std::fputs("usage: screenshots STATION_FOLDER IMAGE_FOLDER PRINTED_PAGE [large]\n", stderr);
         return 2;
     }
     application.guard([&] {
-        takeAll(arguments.at(1), arguments.at(2), arguments.at(3));
-        takeLarge(arguments.at(1), arguments.at(2), arguments.at(3));
+        if (isLarge)
+            useLargeLetters();
+        takeAll(arguments, isLarge ? QStringLiteral("_large") : QString());
     });
     return 0;
 }

@@ -1,12 +1,17 @@
 #include "tools/screenshots/photographer.h"
+#include "app/texts.h"
 #include "diagrams/form1.h"
 #include "diagrams/form_ado_chart.h"
+#include "platform/message_box_operator.h"
 #include "tools/screenshots/posed_station.h"
 
+#include <QApplication>
 #include <QDialog>
 #include <QDir>
 #include <QLineEdit>
 #include <QMdiSubWindow>
+#include <QPushButton>
+#include <QTimer>
 #include <stdexcept>
 
 namespace
@@ -28,34 +33,68 @@ Photographer::Photographer(PosedStation &station, QString folder, QString suffix
 {
 }
 
-void Photographer::takeWindows() const
+void Photographer::takeAll() const
 {
     save(m_station.window(), QStringLiteral("main_window"));
     save(opened<QMdiSubWindow>(m_station, QStringLiteral("Form2Frame")), QStringLiteral("Form2"));
+    takeWindow(QStringLiteral("DeschidMdbCurent"), QStringLiteral("FormMdb"));
     takeHistory();
+    takeDialogs();
+    takeErrorWindow();
+    takeMessage();
 }
 
 void Photographer::takeDialogs() const
 {
-    takeDialog(QStringLiteral("MeniuCalib"), QStringLiteral("FormCalibrare"));
-    const QString options = QStringLiteral("frmOptDiag1");
-    takeDialog(QStringLiteral("LimitTempGraf"), options, QStringLiteral("_LimiteGrafic"));
-    takeDialog(QStringLiteral("AlarmTempGraf"), options, QStringLiteral("_SetAlarme"));
-    m_station.showInstalledFolder(true);
-    takeDialog(QStringLiteral("ScanTempGraf"), options, QStringLiteral("_OptiuniScanare"));
-    m_station.showInstalledFolder(false);
+    for (const QString &diagram : {QStringLiteral("Temp"), QStringLiteral("Pres")}) {
+        const QString options = QStringLiteral("frmOptDiag%1").arg(diagram == "Temp" ? 1 : 2);
+        takeDialog("Limit" + diagram + "Graf", options, QStringLiteral("_LimiteGrafic"));
+        takeDialog("Alarm" + diagram + "Graf", options, QStringLiteral("_SetAlarme"));
+        m_station.showInstalledFolder(true);
+        takeDialog("Scan" + diagram + "Graf", options, QStringLiteral("_OptiuniScanare"));
+        m_station.showInstalledFolder(false);
+    }
     takeDialog(QStringLiteral("mnuNumeSenzori1"), QStringLiteral("frmNumeSenzori1"));
+    takeDialog(QStringLiteral("mnuNumeSenzori2"), QStringLiteral("frmNumeSenzori2"));
+    takeDialog(QStringLiteral("MeniuCalib"), QStringLiteral("FormCalibrare"));
+    takeDialog(QStringLiteral("MeniuIstoric"), QStringLiteral("FrmIstoric"));
+    takeDialog(QStringLiteral("DespreProg"), QStringLiteral("frmAbout"));
     takeTitleDialog();
 }
 
-void Photographer::takeHistoryLimits() const
+void Photographer::takeWindow(const QString &item, const QString &form) const
 {
-    takeDialog(QStringLiteral("MeniuIstoric"), QStringLiteral("FrmIstoric"));
+    m_station.choose(item);
+    auto &frame = opened<QMdiSubWindow>(m_station, form + QStringLiteral("Frame"));
+    save(frame, form);
+    frame.close();
+    settle();
 }
 
-void Photographer::takeAboutBox() const
+void Photographer::takeErrorWindow() const
 {
-    takeDialog(QStringLiteral("DespreProg"), QStringLiteral("frmAbout"));
+    m_station.choose(QStringLiteral("ScanTempGraf"));
+    auto &options = opened<QDialog>(m_station, QStringLiteral("frmOptDiag1"));
+    options.findChild<QLineEdit *>(QStringLiteral("ScanText"))->setText(QStringLiteral("zece"));
+    options.findChild<QPushButton *>(QStringLiteral("cmdApply"))->click();
+    settle();
+    auto &error = opened<QWidget>(m_station, QStringLiteral("FormEroare"));
+    save(error, error.objectName());
+    error.close();
+    options.close();
+    settle();
+}
+
+void Photographer::takeMessage() const
+{
+    // The box waits for its answer: it is taken from inside its event loop.
+    QTimer::singleShot(0, [this] {
+        settle();
+        QWidget *box = QApplication::activeModalWidget();
+        save(*box, QStringLiteral("message"));
+        box->close();
+    });
+    MessageBoxOperator(texts::app::applicationTitle()).ask(texts::app::askArchiveNow());
 }
 
 void Photographer::takeDialog(const QString &item, const QString &dialog,

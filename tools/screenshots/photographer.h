@@ -14,17 +14,18 @@ public:
     /// window does not open or its picture cannot be saved.
     Photographer(PosedStation &station, QString folder, QString suffix = {});
 
-    /// The main window and the windows inside it.
-    void takeWindows() const;
-    /// The dialogs that belong to the acquisition and to the live diagrams.
-    void takeDialogs() const;
-    void takeHistoryLimits() const;
-    void takeAboutBox() const;
+    /// Every window there is, and one message box.
+    void takeAll() const;
 
 private:
+    void takeDialogs() const;
+    /// Opens a window of the main window by a menu item, takes it and closes it.
+    void takeWindow(const QString &item, const QString &form) const;
     /// Opens a dialog by a menu item, takes it and closes it.
     void takeDialog(const QString &item, const QString &dialog, const QString &detail = {}) const;
     void takeTitleDialog() const;
+    void takeErrorWindow() const;
+    void takeMessage() const;
     void takeHistory() const;
     void takeAndClose(const QString &dialog, const QString &detail = {}) const;
     void save(QWidget &window, const QString &name) const;

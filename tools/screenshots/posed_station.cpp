@@ -9,6 +9,7 @@
 #include <QApplication>
 #include <QMenuBar>
 #include <QPrinter>
+#include <cmath>
 #include <stdexcept>
 
 using namespace std::chrono_literals;
@@ -28,7 +29,7 @@ void read(AutoclaveCycle &cycle, AutoclaveCycle::Seconds sinceStart, std::vector
 {
     const AutoclaveCycle::Readings readings = cycle.read(sinceStart);
     for (std::size_t i = 0; i < sensors.size(); ++i)
-        sensors[i].value = readings.at(i);
+        sensors[i].value = std::round(readings.at(i) * 10) / 10; // as the recorder sends them
 }
 
 } // namespace
@@ -101,10 +102,14 @@ void PosedStation::archiveYesterday()
 
 void PosedStation::drawMorning()
 {
+    const QDateTime now = m_clock.moment;
     AutoclaveCycle cycle(kPlateau, kSeed);
     Station &station = m_program.station();
+    MeasurementStore store(station, m_operator, m_clock, {.durability = jet::Durability::Unsynced});
     for (int row = 1; row <= kRowsSoFar; ++row) {
+        m_clock.moment = now.addSecs((row - kRowsSoFar) * kBetweenRows.count());
         read(cycle, row * kBetweenRows, station.sensors);
+        store.adauga_inregistrare(station.NumeFisier[0]);
         std::size_t sensor = 0;
         for (Diagrama &diagram : station.Diagrame) {
             diagram.chart->setRow(row);
