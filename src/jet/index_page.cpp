@@ -1,7 +1,8 @@
 #include "jet/index_page.h"
 
+#include "jet/bitmap.h"
+
 #include <algorithm>
-#include <bit>
 #include <cstring>
 
 namespace jet
@@ -54,22 +55,72 @@ std::size_t append(MutablePageBytes page, std::size_t used, ByteView bytes)
     return used + bytes.size();
 }
 
-/// Marks the ends anew: those from `index` on moved by `shift`, others as they were.
-void rewriteEnds(MutablePageBytes page, const IndexPage &view, std::size_t skipped,
-                 std::size_t index, std::ptrdiff_t shift)
+/// The bitmap of where entries end, taken out of its page to move a part of it.
+class EndBits
 {
-    // Taken first, as the view may look at this very page.
-    std::vector<std::size_t> ends;
-    ends.reserve(view.count());
-    for (std::size_t i = 0; i < view.count(); ++i) {
-        const std::ptrdiff_t moved = i < index ? 0 : shift;
-        if (i != skipped)
-            ends.push_back(
-                static_cast<std::size_t>(static_cast<std::ptrdiff_t>(view.endOf(i)) + moved));
+public:
+    explicit EndBits(PageBytes page)
+    {
+        for (std::size_t i = 0; i < kWholeWords; ++i)
+            m_words[i] = readLittleEndian<std::uint64_t>(page, offsetOf(i));
+        m_words[kWholeWords] =
+            readLittleEndian<std::uint64_t, kLastWord>(page, offsetOf(kWholeWords));
     }
-    std::ranges::fill(page.subspan(kBitmapOffset, kBitmapSize), std::uint8_t{0});
-    for (const std::size_t end : ends)
-        markEnd(page, end);
+    void store(MutablePageBytes page) const
+    {
+        for (std::size_t i = 0; i < kWholeWords; ++i)
+            writeLittleEndian<8>(page, offsetOf(i), m_words[i]);
+        writeLittleEndian<kLastWord>(page, offsetOf(kWholeWords), m_words[kWholeWords]);
+    }
+
+    void set(std::size_t bit) { m_words[bit / 64] |= std::uint64_t{1} << bit % 64; }
+    /// Takes bits out; those behind them move down.
+    void remove(std::size_t at, std::size_t count)
+    {
+        const Words old = m_words;
+        const auto word = [&](std::size_t i) { return i < old.size() ? old[i] : 0; };
+        for (std::size_t i = at / 64; i < m_words.size(); ++i) {
+            const std::size_t from = i + count / 64;
+            const std::uint64_t carried = count % 64 == 0 ? 0 : word(from + 1) << (64 - count % 64);
+            const std::uint64_t kept = below(at, i);
+            m_words[i] = (old[i] & kept) | ((word(from) >> count % 64 | carried) & ~kept);
+        }
+    }
+    /// Puts zeros in; the bits from there on move up.
+    void insert(std::size_t at, std::size_t count)
+    {
+        const Words old = m_words;
+        const auto movedWord = [&](std::size_t i) {
+            return i < old.size() ? old[i] & ~below(at, i) : 0;
+        };
+        for (std::size_t i = at / 64; i < m_words.size(); ++i) {
+            const std::size_t from = i - count / 64; // before the first word: outside as well
+            const std::uint64_t carried =
+                count % 64 == 0 ? 0 : movedWord(from - 1) >> (64 - count % 64);
+            m_words[i] = (old[i] & below(at, i)) | movedWord(from) << count % 64 | carried;
+        }
+    }
+
+private:
+    static constexpr std::size_t kWholeWords = kBitmapSize / 8;
+    static constexpr std::size_t kLastWord = kBitmapSize % 8;
+    using Words = std::array<std::uint64_t, kWholeWords + 1>;
+
+    static std::size_t offsetOf(std::size_t word) { return kBitmapOffset + 8 * word; }
+    /// The bits of a word that stand before a place.
+    static std::uint64_t below(std::size_t place, std::size_t word)
+    {
+        if (place <= 64 * word)
+            return 0;
+        return place >= 64 * word + 64 ? ~std::uint64_t{0} : (std::uint64_t{1} << place % 64) - 1;
+    }
+
+    Words m_words;
+};
+
+ByteView bitmapOf(PageBytes page)
+{
+    return page.subspan(kBitmapOffset, kBitmapSize);
 }
 
 } // namespace
@@ -92,27 +143,23 @@ void IndexPage::fail(const char *what) const
     throwDamaged("page " + std::to_string(m_pageNo) + " " + what, m_pageNo);
 }
 
-/// Counts the entries and finds the last one, which is all that adding at the end needs.
+/// Finds the last entry, which is all that adding at the end needs.
 void IndexPage::findLast()
 {
-    const ByteView bitmap = PageBytes(*m_page).subspan(kBitmapOffset, kBitmapSize);
-    const auto take = [&](std::uint64_t bits, std::size_t first) {
-        if (bits == 0)
-            return;
-        m_count += static_cast<std::size_t>(std::popcount(bits));
-        const auto highest = static_cast<std::size_t>(std::bit_width(bits)) - 1;
-        const std::uint64_t lower = bits & ~(std::uint64_t{1} << highest);
-        m_lastStart =
-            lower == 0 ? m_lastEnd : first + static_cast<std::size_t>(std::bit_width(lower)) - 1;
-        m_lastEnd = first + highest;
-    };
-    std::size_t byte = 0;
-    for (; byte + 8 <= bitmap.size(); byte += 8)
-        take(readLittleEndian<std::uint64_t>(bitmap, byte), 8 * byte);
-    for (; byte < bitmap.size(); ++byte)
-        take(bitmap[byte], 8 * byte);
-    if (m_count != 0)
-        checkEntry(m_lastStart, m_lastEnd, m_count == 1);
+    const auto end = lastBit(bitmapOf(*m_page), kBitmapBits);
+    if (!end)
+        return;
+    const auto start = lastBit(bitmapOf(*m_page), *end);
+    m_lastEnd = *end;
+    m_lastStart = start.value_or(0);
+    checkEntry(m_lastStart, m_lastEnd, !start);
+}
+
+std::size_t IndexPage::count() const
+{
+    if (!m_count)
+        m_count = countBits(bitmapOf(*m_page));
+    return *m_count;
 }
 
 void IndexPage::checkEntry(std::size_t start, std::size_t end, bool isFirst) const
@@ -143,8 +190,11 @@ void IndexPage::findEnds() const
 
 std::size_t IndexPage::endOf(std::size_t index) const
 {
-    if (index + 1 == m_count)
-        return m_lastEnd;
+    if (index == 0 && !m_endsKnown && !isEmpty()) {
+        const std::size_t end = *firstBit(bitmapOf(*m_page), 0);
+        checkEntry(0, end, true);
+        return end;
+    }
     if (!m_endsKnown)
         findEnds();
     return m_ends[index];
@@ -152,9 +202,7 @@ std::size_t IndexPage::endOf(std::size_t index) const
 
 std::size_t IndexPage::startOf(std::size_t index) const
 {
-    if (index == 0)
-        return 0;
-    return index + 1 == m_count ? m_lastStart : endOf(index - 1);
+    return index == 0 ? 0 : endOf(index - 1);
 }
 
 IndexLinks IndexPage::links() const
@@ -167,11 +215,14 @@ PageNo IndexPage::tail() const
     return m_leaf ? 0 : readU32(*m_page, kTailOffset);
 }
 
+ByteView IndexPage::storedAt(std::size_t start, std::size_t end) const
+{
+    return PageBytes(*m_page).subspan(kEntryArea + start, end - start - (m_leaf ? 0 : kChildSize));
+}
+
 ByteView IndexPage::stored(std::size_t index) const
 {
-    const std::size_t child = m_leaf ? 0 : kChildSize;
-    return PageBytes(*m_page).subspan(kEntryArea + startOf(index),
-                                      endOf(index) - startOf(index) - child);
+    return storedAt(startOf(index), endOf(index));
 }
 
 void IndexPage::copyEntry(std::size_t index, Bytes &entry) const
@@ -199,28 +250,35 @@ RowPointer IndexPage::row(std::size_t index) const
     return readRowId(whole, whole.size() - kRowIdSize);
 }
 
-std::strong_ordering IndexPage::compare(std::size_t index, ByteView entry) const
+std::strong_ordering IndexPage::compare(ByteView stored, bool isFirst, ByteView entry) const
 {
-    if (index == 0 || m_prefix == 0)
-        return compareBytes(stored(index), entry);
+    if (isFirst || m_prefix == 0)
+        return compareBytes(stored, entry);
     const ByteView prefix = PageBytes(*m_page).subspan(kEntryArea, m_prefix);
     const std::size_t common = std::min(m_prefix, entry.size());
     const auto order = compareBytes(prefix, entry.first(common));
     if (order != std::strong_ordering::equal)
         return order;
-    return compareBytes(stored(index), entry.subspan(common));
+    return compareBytes(stored, entry.subspan(common));
+}
+
+bool IndexPage::endsBefore(ByteView entry) const
+{
+    return isEmpty() || compare(storedAt(m_lastStart, m_lastEnd), m_lastStart == 0, entry) < 0;
 }
 
 std::size_t IndexPage::lowerBound(ByteView entry) const
 {
-    // Tables mostly grow at the end of their index.
-    if (m_count == 0 || compare(m_count - 1, entry) < 0)
-        return m_count;
-    std::size_t low = 0;
-    std::size_t high = m_count - 1;
+    // Tables mostly grow at the end of their index and are emptied from its start.
+    if (endsBefore(entry))
+        return count();
+    if (compare(stored(0), true, entry) >= 0)
+        return 0;
+    std::size_t low = 1;
+    std::size_t high = count() - 1;
     while (low < high) {
         const std::size_t middle = (low + high) / 2;
-        if (compare(middle, entry) < 0)
+        if (compare(stored(middle), false, entry) < 0)
             low = middle + 1;
         else
             high = middle;
@@ -238,8 +296,8 @@ bool IndexPage::hasKey(std::size_t index, ByteView key) const
 std::vector<Bytes> IndexPage::entries() const
 {
     std::vector<Bytes> all;
-    all.reserve(m_count + 1);
-    for (std::size_t i = 0; i < m_count; ++i)
+    all.reserve(count() + 1);
+    for (std::size_t i = 0; i < count(); ++i)
         all.push_back(entry(i));
     return all;
 }
@@ -247,28 +305,26 @@ std::vector<Bytes> IndexPage::entries() const
 std::vector<IndexChild> IndexPage::children() const
 {
     std::vector<IndexChild> all;
-    all.reserve(m_count + 2);
-    for (std::size_t i = 0; i < m_count; ++i)
+    all.reserve(count() + 2);
+    for (std::size_t i = 0; i < count(); ++i)
         all.push_back({entry(i), childPage(i)});
     if (tail() != 0)
         all.push_back({std::nullopt, tail()});
     return all;
 }
 
-std::size_t IndexPage::childFor(ByteView entry) const
+std::optional<std::size_t> IndexPage::childFor(ByteView entry) const
 {
-    const std::size_t index = lowerBound(entry);
-    if (index < m_count || tail() != 0)
-        return index;
-    if (m_count == 0)
+    const bool isBehind = endsBefore(entry);
+    if (isBehind && tail() != 0)
+        return std::nullopt;
+    if (isEmpty())
         fail("is an index node without children");
-    return m_count - 1;
+    return isBehind ? count() - 1 : lowerBound(entry);
 }
 
 PageNo IndexPage::childPage(std::size_t index) const
 {
-    if (index == m_count)
-        return tail();
     return readU32BigEndian(*m_page, kEntryArea + endOf(index) - kChildSize);
 }
 
@@ -309,36 +365,64 @@ void writeNode(MutablePageBytes page, PageNo owner, IndexLinks links, std::uint8
     setFree(page, used);
 }
 
-bool insertEntry(MutablePageBytes page, const IndexPage &view, std::size_t index, ByteView entry)
+namespace
+{
+
+/// The part of an entry that is stored behind the page's prefix; nothing when it does not share the
+/// prefix or there is no room.
+std::optional<ByteView> storedPart(PageBytes page, const IndexPage &view, bool isFirst,
+                                   ByteView entry)
 {
     const std::size_t prefix = view.prefixLength();
     if (prefix != 0) {
-        // The page keeps its prefix as long as the new entry shares it and is not the first.
-        const ByteView shared = PageBytes(page).subspan(kEntryArea, prefix);
-        if (index == 0 || entry.size() < prefix || !std::ranges::equal(shared, entry.first(prefix)))
-            return false;
+        const ByteView shared = page.subspan(kEntryArea, prefix);
+        if (isFirst || entry.size() < prefix || !std::ranges::equal(shared, entry.first(prefix)))
+            return std::nullopt;
         entry = entry.subspan(prefix);
     }
-    const std::size_t used = view.usedBytes();
-    if (used + entry.size() > kEntryAreaSize)
+    if (view.usedBytes() + entry.size() > kEntryAreaSize)
+        return std::nullopt;
+    return entry;
+}
+
+} // namespace
+
+bool appendEntry(MutablePageBytes page, const IndexPage &view, ByteView entry)
+{
+    const auto stored = storedPart(page, view, view.isEmpty(), entry);
+    if (!stored)
         return false;
+    const std::size_t end = append(page, view.usedBytes(), *stored);
+    markEnd(page, end);
+    setFree(page, end);
+    return true;
+}
+
+bool insertEntry(MutablePageBytes page, const IndexPage &view, std::size_t index, ByteView entry)
+{
+    const auto stored = storedPart(page, view, index == 0, entry);
+    if (!stored)
+        return false;
+    const std::size_t used = view.usedBytes();
     const std::size_t start = view.startOf(index);
     std::uint8_t *area = page.data() + kEntryArea;
-    std::memmove(area + start + entry.size(), area + start, used - start);
-    std::ranges::copy(entry, area + start);
-    if (index != view.count())
-        rewriteEnds(page, view, view.count(), index, static_cast<std::ptrdiff_t>(entry.size()));
-    markEnd(page, start + entry.size());
-    setFree(page, used + entry.size());
+    std::memmove(area + start + stored->size(), area + start, used - start);
+    std::ranges::copy(*stored, area + start);
+    EndBits ends(page);
+    ends.insert(start + 1, stored->size());
+    ends.set(start + stored->size());
+    ends.store(page);
+    setFree(page, used + stored->size());
     return true;
 }
 
 void eraseEntry(MutablePageBytes page, const IndexPage &view, std::size_t index)
 {
     const std::size_t used = view.usedBytes();
-    std::size_t end = view.endOf(index);
+    const std::size_t end = view.endOf(index);
     std::size_t start = view.startOf(index);
-    if (index == 0 && view.count() > 1) {
+    const bool isOnly = index == 0 && end == used;
+    if (index == 0 && !isOnly) {
         // The next entry becomes the first one and is stored whole: the prefix stays in its place.
         start += view.prefixLength();
     }
@@ -346,9 +430,11 @@ void eraseEntry(MutablePageBytes page, const IndexPage &view, std::size_t index)
     const std::size_t removed = end - start;
     std::memmove(area + start, area + end, used - end);
     std::memset(area + used - removed, 0, removed);
-    rewriteEnds(page, view, index, index, -static_cast<std::ptrdiff_t>(removed));
+    EndBits ends(page);
+    ends.remove(start + 1, removed);
+    ends.store(page);
     setFree(page, used - removed);
-    if (view.count() == 1)
+    if (isOnly)
         writeU16(page, kPrefixOffset, 0);
 }
 

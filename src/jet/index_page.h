@@ -53,11 +53,14 @@ public:
     IndexLinks links() const;
     PageNo tail() const;
 
-    std::size_t count() const { return m_count; }
+    bool isEmpty() const { return m_lastEnd == 0; }
+    std::size_t count() const;
     /// Key and row id; without the child page on nodes.
     Bytes entry(std::size_t index) const;
     void copyEntry(std::size_t index, Bytes &entry) const;
     RowPointer row(std::size_t index) const;
+    /// True when every entry is less than `entry`; faster than asking for their number.
+    bool endsBefore(ByteView entry) const;
     /// Number of entries less than `entry`.
     std::size_t lowerBound(ByteView entry) const;
     /// True when an entry consists of exactly this key and any row id.
@@ -66,8 +69,10 @@ public:
     std::vector<Bytes> entries() const;
     /// Of a node: all children, the tail included.
     std::vector<IndexChild> children() const;
-    /// Of a node: the child below which an entry belongs, as a place in children().
-    std::size_t childFor(ByteView entry) const;
+    /// Of a node: the child below which an entry belongs, as a place in children(); nothing for the
+    /// tail.
+    std::optional<std::size_t> childFor(ByteView entry) const;
+    /// Of a node: the page of a child that is not the tail.
     PageNo childPage(std::size_t index) const;
 
     std::size_t prefixLength() const { return m_prefix; }
@@ -80,17 +85,18 @@ private:
     void findLast();
     void findEnds() const;
     void checkEntry(std::size_t start, std::size_t end, bool isFirst) const;
+    ByteView storedAt(std::size_t start, std::size_t end) const;
     ByteView stored(std::size_t index) const;
-    std::strong_ordering compare(std::size_t index, ByteView entry) const;
+    std::strong_ordering compare(ByteView stored, bool isFirst, ByteView entry) const;
 
     PageRef m_page;
     PageNo m_pageNo;
     bool m_leaf;
     std::size_t m_prefix;
-    std::size_t m_count = 0;
     std::size_t m_lastStart = 0;
     std::size_t m_lastEnd = 0;
-    /// Worked out when an entry before the last is asked for.
+    /// Worked out when it is asked for, as the others are.
+    mutable std::optional<std::size_t> m_count;
     mutable bool m_endsKnown = false;
     mutable std::array<std::uint16_t, kBitmapBits> m_ends;
 };
@@ -102,7 +108,10 @@ void writeNode(MutablePageBytes page, PageNo owner, IndexLinks links, std::uint8
                std::span<const IndexChild> children);
 void setLinks(MutablePageBytes page, IndexLinks links);
 
-/// Puts an entry at a place of a leaf; false when there is no room in the page as it is stored.
+/// Puts an entry behind the last one of a leaf; false when there is no room in the page as it is
+/// stored.
+bool appendEntry(MutablePageBytes page, const IndexPage &view, ByteView entry);
+/// The same before another one. What the view has not worked out yet is that of the changed page.
 bool insertEntry(MutablePageBytes page, const IndexPage &view, std::size_t index, ByteView entry);
 /// Takes an entry out of a leaf.
 void eraseEntry(MutablePageBytes page, const IndexPage &view, std::size_t index);

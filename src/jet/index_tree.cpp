@@ -51,17 +51,19 @@ void IndexTree::checkDepth(std::size_t depth, PageNo page) const
 IndexTree::Path IndexTree::descend(ByteView entry) const
 {
     Path path;
+    path.reserve(4);
     PageNo next = m_root;
     for (;;) {
         checkDepth(path.size(), next);
-        if (hasType(*m_pager.read(next), PageType::IndexLeaf)) {
-            path.push_back({next, 0, true});
+        PageRef content = m_pager.read(next);
+        if (hasType(*content, PageType::IndexLeaf)) {
+            path.push_back({next, std::nullopt});
             return path;
         }
-        const IndexPage view = page(next);
-        const std::size_t child = view.childFor(entry);
-        path.push_back({next, child, child == view.count()});
-        next = view.childPage(child);
+        const IndexPage view(std::move(content), next, m_owner);
+        const std::optional<std::size_t> child = view.childFor(entry);
+        path.push_back({next, child});
+        next = child ? view.childPage(*child) : view.tail();
     }
 }
 
@@ -86,8 +88,13 @@ PageNo IndexTree::edgeLeaf(bool last) const
     }
 }
 
-bool IndexTree::hasKey(ByteView key) const
+bool IndexTree::hasKey(const Path &path, ByteView key) const
 {
+    const IndexPage leaf = page(path.back().page);
+    if (!leaf.endsBefore(key))
+        return leaf.hasKey(leaf.lowerBound(key), key);
+    if (leaf.links().next == 0)
+        return false;
     IndexCursor cursor(*this);
     return cursor.seek(key) && cursor.hasKey(key);
 }
@@ -98,16 +105,18 @@ void IndexTree::checkSize(ByteView key)
         throw Error(ErrorCode::RecordTooLarge, "The values of an index are too long.");
 }
 
-void IndexTree::insert(ByteView entry)
+void IndexTree::insert(const Path &path, ByteView entry)
 {
     checkSize(entry.first(entry.size() - kRowIdSize));
-    const Path path = descend(entry);
     const PageNo leaf = path.back().page;
     const IndexPage view = page(leaf);
-    const std::size_t index = view.lowerBound(entry);
-    const bool atEnd = index == view.count();
-    if (!insertEntry(m_pager.edit(leaf), view, index, entry)) {
+    const bool atEnd = view.endsBefore(entry);
+    PageBuffer &content = m_pager.edit(leaf);
+    const bool fits = atEnd ? appendEntry(content, view, entry)
+                            : insertEntry(content, view, view.lowerBound(entry), entry);
+    if (!fits) {
         std::vector<Bytes> entries = view.entries();
+        const std::size_t index = view.lowerBound(entry);
         entries.insert(entries.begin() + static_cast<std::ptrdiff_t>(index),
                        Bytes(entry.begin(), entry.end()));
         storeLeaf(path, std::move(entries), atEnd && view.links().next == 0);
@@ -156,10 +165,9 @@ void IndexTree::storeLeaf(const Path &path, std::vector<Bytes> entries, bool app
     }
     const Step parent = path[path.size() - 2];
     std::vector<IndexChild> children = page(parent.page).children();
-    pieces.back().last = children[parent.child].last;
-    children.erase(children.begin() + static_cast<std::ptrdiff_t>(parent.child));
-    children.insert(children.begin() + static_cast<std::ptrdiff_t>(parent.child), pieces.begin(),
-                    pieces.end());
+    const auto place = children.begin() + static_cast<std::ptrdiff_t>(parent.placeIn(children));
+    pieces.back().last = place->last;
+    children.insert(children.erase(place), pieces.begin(), pieces.end());
     storeNode(path, path.size() - 2, std::move(children));
 }
 
@@ -203,10 +211,9 @@ void IndexTree::storeNode(const Path &path, std::size_t level, std::vector<Index
     }
     const Step parent = path[level - 1];
     std::vector<IndexChild> siblings = page(parent.page).children();
-    pieces.back().last = siblings[parent.child].last;
-    siblings.erase(siblings.begin() + static_cast<std::ptrdiff_t>(parent.child));
-    siblings.insert(siblings.begin() + static_cast<std::ptrdiff_t>(parent.child), pieces.begin(),
-                    pieces.end());
+    const auto place = siblings.begin() + static_cast<std::ptrdiff_t>(parent.placeIn(siblings));
+    pieces.back().last = place->last;
+    siblings.insert(siblings.erase(place), pieces.begin(), pieces.end());
     storeNode(path, level - 1, std::move(siblings));
 }
 
@@ -255,16 +262,17 @@ void IndexTree::erase(ByteView entry)
     const Path path = descend(entry);
     const PageNo leaf = path.back().page;
     const IndexPage view = page(leaf);
-    const std::size_t index = view.lowerBound(entry);
-    if (index == view.count() || !std::ranges::equal(view.entry(index), entry))
+    const std::size_t index = view.endsBefore(entry) ? 0 : view.lowerBound(entry);
+    if (view.isEmpty() || !std::ranges::equal(view.entry(index), entry))
         throwDamaged("a row is missing in an index", leaf);
-    if (view.count() == 1 && path.size() > 1) {
+    const bool wasLast = view.endOf(index) == view.usedBytes();
+    if (wasLast && index == 0 && path.size() > 1) {
         removeChild(path, path.size() - 2);
         unlink(leaf);
         return;
     }
     eraseEntry(m_pager.edit(leaf), view, index);
-    if (index + 1 == view.count() && path.size() > 1)
+    if (wasLast && path.size() > 1)
         fixCopies(page(leaf).entry(index - 1));
 }
 
@@ -273,8 +281,9 @@ void IndexTree::removeChild(const Path &path, std::size_t level)
 {
     const PageNo node = path[level].page;
     std::vector<IndexChild> children = page(node).children();
-    const bool wasLast = path[level].child + 1 == children.size();
-    children.erase(children.begin() + static_cast<std::ptrdiff_t>(path[level].child));
+    const std::size_t place = path[level].placeIn(children);
+    const bool wasLast = place + 1 == children.size();
+    children.erase(children.begin() + static_cast<std::ptrdiff_t>(place));
     if (!children.empty()) {
         if (!wasLast) {
             storeNode(path, level, std::move(children));
@@ -300,9 +309,11 @@ void IndexTree::fixCopies(const Bytes &greatest)
         const Path path = descend(greatest);
         bool changed = false;
         for (std::size_t level = path.size() - 1; level-- > 0 && !changed;) {
+            if (path[level].isTail())
+                continue;
             const IndexPage view = page(path[level].page);
-            const std::size_t child = path[level].child;
-            if (child < view.count() && view.entry(child) != greatest) {
+            const std::size_t child = *path[level].child;
+            if (view.entry(child) != greatest) {
                 std::vector<IndexChild> children = view.children();
                 children[child].last = greatest;
                 storeNode(path, level, std::move(children));

@@ -22,11 +22,33 @@ public:
     {
     }
 
-    bool hasKey(ByteView key) const;
+    /// One page on the way down and the place of the child taken; nothing for the tail of a node,
+    /// and on the leaf.
+    struct Step {
+        PageNo page;
+        std::optional<std::size_t> child;
+
+        bool isTail() const { return !child; }
+        std::size_t placeIn(const std::vector<IndexChild> &children) const
+        {
+            const std::size_t place = child.value_or(children.size() - 1);
+            if (place >= children.size())
+                throwDamaged("page " + std::to_string(page) + " lost its children", page);
+            return place;
+        }
+    };
+    using Path = std::vector<Step>;
+
+    /// The way to where an entry, or the first one of a key, is or would be.
+    Path descend(ByteView entry) const;
+    bool hasKey(ByteView key) const { return hasKey(descend(key), key); }
+    bool hasKey(const Path &path, ByteView key) const;
     /// Throws Error(RecordTooLarge) for a key whose entry no page could take.
     static void checkSize(ByteView key);
     /// Throws as checkSize() does.
-    void insert(ByteView entry);
+    void insert(ByteView entry) { insert(descend(entry), entry); }
+    /// The same for an entry of a key that the tree does not hold, with the way to the key.
+    void insert(const Path &path, ByteView entry);
     /// Throws Error(Damaged) when the entry is missing.
     void erase(ByteView entry);
     /// Makes the tree empty; the result are its former pages but the root, not yet released.
@@ -45,15 +67,6 @@ public:
     PageNo edgeLeaf(bool last) const;
 
 private:
-    /// One page on the way down and, on nodes, the place of the child taken.
-    struct Step {
-        PageNo page;
-        std::size_t child;
-        bool isTail; ///< also on the leaf
-    };
-    using Path = std::vector<Step>;
-
-    Path descend(ByteView entry) const;
     void checkDepth(std::size_t depth, PageNo page) const;
     void storeLeaf(const Path &path, std::vector<Bytes> entries, bool appended);
     void storeNode(const Path &path, std::size_t level, std::vector<IndexChild> children);

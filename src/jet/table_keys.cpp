@@ -83,25 +83,37 @@ TableStore::Keys TableStore::keysOf(const Row &values) const
     return keys;
 }
 
-void TableStore::checkKey(std::size_t realIndex, const IndexKey &key) const
+/// The result is the way to a key that had to be looked for.
+IndexTree::Path TableStore::checkKey(std::size_t realIndex, const IndexKey &key) const
 {
     IndexTree::checkSize(key.bytes);
     const RealIndex &index = m_definition.realIndexes[realIndex];
     if (index.isRequired() && key.anyNull)
         throw Error(ErrorCode::NullNotAllowed, "Index or primary key cannot contain a Null value.");
-    if (index.isUnique() && !key.anyNull && tree(realIndex).hasKey(key.bytes))
+    if (!index.isUnique() || key.anyNull)
+        return {};
+    const IndexTree indexTree = tree(realIndex);
+    IndexTree::Path path = indexTree.descend(key.bytes);
+    if (indexTree.hasKey(path, key.bytes))
         throw Error(ErrorCode::DuplicateKey,
                     "The changes you requested to the table were not successful because they would "
                     "create duplicate values in the index, primary key, or relationship.");
+    return path;
 }
 
-/// `count`: the key counts as another one when the index does not hold it yet.
-void TableStore::addEntry(std::size_t realIndex, const IndexKey &key, RowPointer row, bool count)
+/// `count`: the key counts as another one when the index does not hold it yet. `path`: from
+/// checkKey(), when nothing has changed in the index since.
+void TableStore::addEntry(std::size_t realIndex, const IndexKey &key, RowPointer row, bool count,
+                          const IndexTree::Path &path)
 {
     IndexTree index = tree(realIndex);
     const bool isNew =
         count && (m_definition.realIndexes[realIndex].isUnique() || !index.hasKey(key.bytes));
-    index.insert(indexEntry(key.bytes, row));
+    const Bytes entry = indexEntry(key.bytes, row);
+    if (path.empty())
+        index.insert(entry);
+    else
+        index.insert(path, entry);
     if (isNew)
         addToCount(uniqueCountOffset(realIndex), 1);
 }

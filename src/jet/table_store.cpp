@@ -231,17 +231,20 @@ RowPointer TableStore::insert(Row values)
             values[column] = nextAutonumber(column);
     }
     const Keys keys = keysOf(values);
+    IndexTree::Path path;
     for (std::size_t index = 0; index < keys.size(); ++index) {
         if (keys[index])
-            checkKey(index, *keys[index]);
+            path = checkKey(index, *keys[index]);
     }
+    if (keys.size() > 1)
+        path.clear(); // trees of a damaged file may share pages, so an insert can end any way
     Bytes bytes = encodeWithPlans(values);
     if (m_hasLongValues)
         bytes = store(values);
     const RowPointer row = m_rows.insert(bytes);
     for (std::size_t index = 0; index < keys.size(); ++index) {
         if (keys[index])
-            addEntry(index, *keys[index], row, true);
+            addEntry(index, *keys[index], row, true, path);
     }
     addToCount(kRowCountOffset, 1);
     noteAutonumber(values);

@@ -89,12 +89,13 @@ private:
     Keys keysOf(const Row &values) const;
     Keys storedKeysOf(const Row &values, RowPointer row) const;
     Keys changedKeys(const Row &values, const std::vector<bool> &changed, const Keys &old) const;
-    void checkKey(std::size_t realIndex, const IndexKey &key) const;
+    IndexTree::Path checkKey(std::size_t realIndex, const IndexKey &key) const;
     Bytes encodeWithPlans(const Row &values) const;
     Bytes store(const Row &values);
     Bytes longValueData(std::size_t column, const Value &value) const;
     Bytes storeChanged(RowPointer row, const Row &values, const std::vector<bool> &changed);
-    void addEntry(std::size_t realIndex, const IndexKey &key, RowPointer row, bool count);
+    void addEntry(std::size_t realIndex, const IndexKey &key, RowPointer row, bool count,
+                  const IndexTree::Path &path = {});
     void removeEntry(std::size_t realIndex, const IndexKey &key, RowPointer row);
     void addToCount(std::size_t offset, std::int64_t difference);
     void setCount(std::size_t offset, std::uint32_t count);

@@ -1,9 +1,9 @@
 #include "jet/usage_map.h"
 
+#include "jet/bitmap.h"
 #include "jet/header_page.h"
 
 #include <algorithm>
-#include <bit>
 
 namespace jet
 {
@@ -19,41 +19,6 @@ constexpr RowPointer kGlobalMap{kGlobalMapPage, 0};
 constexpr std::uint32_t kGlobalMapOwner = 1;
 /// Bytes by which the global map is lengthened: 512 pages.
 constexpr std::size_t kGrowthStep = 64;
-
-bool testBit(ByteView bits, std::size_t bit)
-{
-    return (bits[bit / 8] >> (bit % 8) & 1) != 0;
-}
-
-void putBit(MutableBytes bits, std::size_t bit, bool value)
-{
-    const auto mask = static_cast<std::uint8_t>(1U << (bit % 8));
-    std::uint8_t &byte = bits[bit / 8];
-    byte = static_cast<std::uint8_t>(value ? byte | mask : byte & ~mask);
-}
-
-std::optional<std::size_t> firstBit(ByteView bits, std::size_t from)
-{
-    if (from / 8 >= bits.size())
-        return std::nullopt;
-    const auto masked = static_cast<std::uint8_t>(bits[from / 8] & (0xFFU << (from % 8)));
-    if (masked != 0)
-        return from / 8 * 8 + static_cast<std::size_t>(std::countr_zero(masked));
-    const auto rest = std::find_if(bits.begin() + static_cast<std::ptrdiff_t>(from / 8 + 1),
-                                   bits.end(), [](std::uint8_t byte) { return byte != 0; });
-    if (rest == bits.end())
-        return std::nullopt;
-    return static_cast<std::size_t>(rest - bits.begin()) * 8 +
-           static_cast<std::size_t>(std::countr_zero(*rest));
-}
-
-std::size_t countBits(ByteView bits)
-{
-    std::size_t count = 0;
-    for (const std::uint8_t byte : bits)
-        count += static_cast<std::size_t>(std::popcount(byte));
-    return count;
-}
 
 /// The row of a map, decoded as far as both kinds have it in common.
 struct MapRow {
