@@ -3,6 +3,7 @@
 #include "jet/error.h"
 #include "jet/value.h"
 
+#include <algorithm>
 #include <array>
 #include <bit>
 #include <cstddef>
@@ -86,6 +87,10 @@ template <std::size_t Size>
 void writeLittleEndian(MutableBytes bytes, std::size_t offset, std::uint64_t number)
 {
     const MutableBytes part = mutableSlice(bytes, offset, Size);
+    if constexpr (std::endian::native == std::endian::little) {
+        std::memcpy(part.data(), &number, Size);
+        return;
+    }
     for (std::size_t i = 0; i < Size; ++i)
         part[i] = static_cast<std::uint8_t>(number >> (8 * i));
 }
@@ -160,8 +165,7 @@ inline void writeU32(MutableBytes bytes, std::size_t offset, std::uint32_t numbe
 inline void writeBytes(MutableBytes bytes, std::size_t offset, ByteView source)
 {
     const MutableBytes part = mutableSlice(bytes, offset, source.size());
-    for (std::size_t i = 0; i < source.size(); ++i)
-        part[i] = source[i];
+    std::copy(source.begin(), source.end(), part.begin());
 }
 
 inline void appendBytes(Bytes &bytes, ByteView source)

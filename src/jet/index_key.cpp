@@ -155,18 +155,21 @@ IndexKey encodeIndexKey(std::span<const Value> values, std::span<const KeyColumn
 {
     assert(values.size() == columns.size());
     IndexKey key;
-    key.allNull = true;
-    for (std::size_t i = 0; i < columns.size(); ++i) {
-        // a Boolean column knows no null: what is not true is false
-        const bool null = isNull(values[i]) && columns[i].type != ColumnType::Boolean;
-        key.anyNull = key.anyNull || null;
-        key.allNull = key.allNull && null;
-        if (null)
-            key.bytes.push_back(columns[i].ascending ? kNull : static_cast<std::uint8_t>(~kNull));
-        else
-            appendColumn(key.bytes, isNull(values[i]) ? Value{false} : values[i], columns[i]);
-    }
+    for (std::size_t i = 0; i < columns.size(); ++i)
+        appendKeyColumn(key, values[i], columns[i]);
     return key;
+}
+
+void appendKeyColumn(IndexKey &key, const Value &value, const KeyColumn &column)
+{
+    // a Boolean column knows no null: what is not true is false
+    const bool null = isNull(value) && column.type != ColumnType::Boolean;
+    key.anyNull = key.anyNull || null;
+    key.allNull = key.allNull && null;
+    if (null)
+        key.bytes.push_back(column.ascending ? kNull : static_cast<std::uint8_t>(~kNull));
+    else
+        appendColumn(key.bytes, isNull(value) ? Value{false} : value, column);
 }
 
 } // namespace jet

@@ -32,7 +32,7 @@ std::vector<KeyColumn> keyColumns(const TableDefinition &table, const RealIndex 
 struct IndexKey {
     Bytes bytes;
     bool anyNull = false; ///< exempt from uniqueness; forbidden in a required index
-    bool allNull = false; ///< has no entry in an index that ignores nulls
+    bool allNull = true;  ///< has no entry in an index that ignores nulls
 };
 
 /// `values` are those of the key's columns, in key order, each Null or of the column's type; a
@@ -40,6 +40,9 @@ struct IndexKey {
 /// database program does: OLE, descending Numeric, text of another sort order or with a character
 /// outside the known part of the General order; Error(TypeConversion) for a value of another type.
 IndexKey encodeIndexKey(std::span<const Value> values, std::span<const KeyColumn> columns);
+
+/// Adds one more column to a key; throws as encodeIndexKey() does.
+void appendKeyColumn(IndexKey &key, const Value &value, const KeyColumn &column);
 
 /// The sort bytes of a text in the General order, without flag byte: characters, 01, accents and
 /// specials when there are any, 00. Upper and lower case are equal, trailing spaces do not count,

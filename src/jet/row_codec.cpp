@@ -4,6 +4,7 @@
 #include "jet/value_access.h"
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <cassert>
 
@@ -12,8 +13,9 @@ namespace jet
 namespace
 {
 
-constexpr std::size_t kFixedStart = 2; ///< after the number of columns
-constexpr char16_t kPadding = u' ';    ///< of a Text column of fixed length
+constexpr std::size_t kFixedStart = 2;  ///< after the number of columns
+constexpr std::size_t kUsualValue = 32; ///< bytes of a value and its place, to reserve
+constexpr char16_t kPadding = u' ';     ///< of a Text column of fixed length
 
 std::size_t maskSize(std::size_t columns)
 {
@@ -156,6 +158,7 @@ void appendValue(Bytes &out, const Value &value, const RowLayout::Column &column
 void writeFixedArea(Bytes &row, std::span<const Value> values, const RowLayout &layout)
 {
     Bytes stored;
+    stored.reserve(kUsualValue);
     for (std::size_t i = 0; i < values.size(); ++i) {
         const RowLayout::Column &column = layout.columns[i];
         if (column.variable || column.type == ColumnType::Boolean || isNull(values[i]))
@@ -169,16 +172,17 @@ void writeFixedArea(Bytes &row, std::span<const Value> values, const RowLayout &
 /// Variable values behind the fixed area, then the table of their offsets, last one first.
 void appendVariableValues(Bytes &row, std::span<const Value> values, const RowLayout &layout)
 {
-    std::vector<std::size_t> starts;
+    std::array<std::size_t, kMaxColumns> starts;
+    std::size_t count = 0;
     for (const std::size_t i : layout.variableColumns) {
-        starts.push_back(row.size());
+        starts[count++] = row.size();
         if (i != RowLayout::kNoColumn && !isNull(values[i]))
             appendValue(row, values[i], layout.columns[i]);
     }
     appendLittleEndian<2>(row, row.size());
-    for (std::size_t i = starts.size(); i-- > 0;)
+    for (std::size_t i = count; i-- > 0;)
         appendLittleEndian<2>(row, starts[i]);
-    appendLittleEndian<2>(row, starts.size());
+    appendLittleEndian<2>(row, count);
 }
 
 void appendNullMask(Bytes &row, std::span<const Value> values, const RowLayout &layout)
@@ -315,7 +319,9 @@ std::vector<Value> decodeRow(ByteView row, const RowLayout &layout)
 Bytes encodeRow(std::span<const Value> values, const RowLayout &layout)
 {
     assert(values.size() == layout.columns.size());
-    Bytes row(kFixedStart + layout.fixedSize);
+    Bytes row;
+    row.reserve(kFixedStart + layout.fixedSize + kUsualValue * (layout.variableColumns.size() + 1));
+    row.resize(kFixedStart + layout.fixedSize);
     writeU16(row, 0, layout.columnCount);
     writeFixedArea(row, values, layout);
     if (!layout.variableColumns.empty())

@@ -12,6 +12,11 @@ namespace
 /// A row whose image moved points at it directly; longer chains are not written by anybody.
 constexpr int kMaxPointers = 4;
 
+[[noreturn]] void throwDeleted(RowPointer row)
+{
+    throw Error(ErrorCode::RecordDeleted, "Record is deleted.", row.page);
+}
+
 } // namespace
 
 PageRef RowStore::page(PageNo number) const
@@ -27,7 +32,7 @@ StoredRow RowStore::read(RowPointer row) const
         PageRef content = page(row.page);
         const Slot slot = slotAt(*content, row.page, row.row);
         if (slot.isDeleted())
-            throw Error(ErrorCode::RecordDeleted, "Record is deleted.", row.page);
+            throwDeleted(row);
         const ByteView bytes = PageBytes(*content).subspan(slot.start, slot.length);
         if (!slot.isPointer())
             return {std::move(content), bytes};
@@ -47,7 +52,7 @@ bool RowStore::contains(RowPointer row) const
 StoredRow RowStore::readOwned(RowPointer row) const
 {
     if (!contains(row))
-        throw Error(ErrorCode::RecordDeleted, "Record is deleted.", row.page);
+        throwDeleted(row);
     return read(row);
 }
 
@@ -78,11 +83,13 @@ RowPointer RowStore::insert(ByteView bytes)
     return {fresh, *slot};
 }
 
-/// Removes the image of a moved row from where it lies.
+/// Removes the image of a moved row from where it lies. Throws Error(RecordDeleted).
 void RowStore::dropImage(RowPointer row)
 {
     const PageRef content = page(row.page);
     const Slot slot = slotAt(*content, row.page, row.row);
+    if (slot.isDeleted())
+        throwDeleted(row);
     if (!slot.isPointer())
         return;
     const RowPointer image = readRowPointer(*content, slot.start);
@@ -97,8 +104,7 @@ void RowStore::dropImage(RowPointer row)
 
 RowPointer RowStore::replace(RowPointer row, ByteView bytes)
 {
-    read(row); // fails before anything is changed
-    dropImage(row);
+    dropImage(row); // fails before anything is changed
     if (replaceRow(m_pager.edit(row.page), row.page, row.row, bytes))
         return row;
     const RowPointer moved = insert(bytes);
@@ -109,7 +115,6 @@ RowPointer RowStore::replace(RowPointer row, ByteView bytes)
 
 void RowStore::erase(RowPointer row)
 {
-    read(row);
     dropImage(row);
     deleteRow(m_pager.edit(row.page), row.page, row.row);
     noticeFreed(row.page);

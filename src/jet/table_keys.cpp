@@ -23,11 +23,10 @@ IndexTree TableStore::tree(std::size_t realIndex) const
 
 std::optional<IndexKey> TableStore::keyOf(std::size_t realIndex, const Row &values) const
 {
-    Row parts;
-    parts.reserve(m_keyPlaces[realIndex].size());
-    for (const std::size_t place : m_keyPlaces[realIndex])
-        parts.push_back(values[place]);
-    IndexKey key = encodeIndexKey(parts, m_keyColumns[realIndex]);
+    IndexKey key;
+    key.bytes.reserve(16); // a number or two
+    for (std::size_t i = 0; i < m_keyColumns[realIndex].size(); ++i)
+        appendKeyColumn(key, values[m_keyPlaces[realIndex][i]], m_keyColumns[realIndex][i]);
     if (key.allNull && m_definition.realIndexes[realIndex].ignoresNulls())
         return std::nullopt;
     return key;

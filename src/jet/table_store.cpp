@@ -144,6 +144,20 @@ void TableStore::decode(const StoredRow &stored, PageNo page, Row &values) const
     });
 }
 
+/// The values of the columns that are in an index; the others stay null.
+Row TableStore::keyValues(const StoredRow &stored, PageNo page) const
+{
+    Row values(m_definition.columns.size());
+    onPage(page, [&] {
+        const RowView view(stored.bytes, m_layout);
+        for (const std::vector<std::size_t> &places : m_keyPlaces) {
+            for (const std::size_t column : places)
+                values[column] = readValue(view, column);
+        }
+    });
+    return values;
+}
+
 Row TableStore::read(RowPointer row) const
 {
     Row values;
@@ -305,8 +319,8 @@ Bytes TableStore::storeChanged(RowPointer row, const Row &values, const std::vec
 
 void TableStore::erase(RowPointer row)
 {
-    const Keys keys = storedKeysOf(read(row), row);
-    const StoredRow stored = m_rows.read(row);
+    const StoredRow stored = m_rows.readOwned(row);
+    const Keys keys = storedKeysOf(keyValues(stored, row.page), row);
     for (std::size_t index = 0; index < keys.size(); ++index) {
         if (keys[index])
             removeEntry(index, *keys[index], row);
@@ -343,9 +357,10 @@ void TableStore::clear()
 
 void TableStore::addToCount(std::size_t offset, std::int64_t difference)
 {
-    const std::int64_t count = readU32(*m_pager.read(m_page), offset) + difference;
+    PageBuffer &page = m_pager.edit(m_page);
+    const std::int64_t count = readU32(page, offset) + difference;
     // Files of other programs may start from a count that was too low.
-    setCount(offset, static_cast<std::uint32_t>(std::max<std::int64_t>(count, 0)));
+    writeU32(page, offset, static_cast<std::uint32_t>(std::max<std::int64_t>(count, 0)));
 }
 
 void TableStore::setCount(std::size_t offset, std::uint32_t count)

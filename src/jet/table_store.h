@@ -86,6 +86,7 @@ private:
     std::int32_t nextAutonumber(std::size_t column) const;
     void noteAutonumber(const Row &values);
     void resolve(std::size_t column, Value &value) const;
+    Row keyValues(const StoredRow &stored, PageNo page) const;
     Keys keysOf(const Row &values) const;
     Keys storedKeysOf(const Row &values, RowPointer row) const;
     Keys changedKeys(const Row &values, const std::vector<bool> &changed, const Keys &old) const;

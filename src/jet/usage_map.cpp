@@ -325,6 +325,8 @@ std::vector<PageNo> UsageMap::bitmapPages() const
 
 void UsageMap::insert(PageNo page)
 {
+    if (contains(page))
+        return; // most pages that get room had some already
     const PageRef owner = rowPage();
     const MapRow row = mapRow(*owner, m_place);
     if (row.isInline()) {
@@ -344,8 +346,6 @@ void UsageMap::insert(PageNo page)
         bitmap = PageAllocator(m_pager).allocate();
         initBitmap(m_pager.edit(bitmap), 0);
         setReference(m_pager, m_place, row, index, bitmap);
-    } else {
-        readBitmap(m_pager, bitmap);
     }
     putBit(MutableBytes(m_pager.edit(bitmap)).subspan(kBitmapHeader), page % kPagesPerBitmap, true);
 }
