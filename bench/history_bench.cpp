@@ -6,7 +6,9 @@
 // history_bench PART FOLDER   one part: window, charts or peer
 
 #include "app/settings/settings.h"
+#include "bench/process_memory.h"
 #include "bench/painted.h"
+#include "bench/report.h"
 #include "chart/chart_view.h"
 #include "diagrams/form_ado_chart.h"
 #include "diagrams/history_archive.h"
@@ -227,14 +229,6 @@ Figures figuresOf(const QString &part, const QString &folder)
     return figures;
 }
 
-bool promise(const char *what, double value, double limit, bool atMost)
-{
-    const bool kept = atMost ? value <= limit : value >= limit;
-    std::printf("%-52s %9.2f   %s %7.2f   %s\n", what, value, atMost ? "at most " : "at least",
-                limit, kept ? "ok" : "BROKEN");
-    return kept;
-}
-
 int compare()
 {
     const QTemporaryDir folder;
@@ -247,20 +241,16 @@ int compare()
     Figures window = figuresOf(QStringLiteral("window"), folder.path());
     Figures charts = figuresOf(QStringLiteral("charts"), folder.path());
     Figures peer = figuresOf(QStringLiteral("peer"), folder.path());
-    std::printf("Qt Charts, same data: first paint %.1f ms, scroll step %.2f ms, %.1f MB\n",
-                peer["first_paint"], peer["scroll"], peer["grown"]);
-    std::printf("Our charts:           first paint %.1f ms, scroll step %.2f ms, %.1f MB\n",
-                charts["first_paint"], charts["scroll"], charts["grown"]);
-    bool kept = promise("Generare to painted charts, reading included, ms", window["first_paint"],
-                        250, true);
-    kept &= promise("slowest scroll step, ms", window["scroll"], 16, true);
-    kept &= promise("resident memory of the window, MB", window["resident"], 150, true);
-    kept &= promise("first paint, times faster than Qt Charts",
-                    peer["first_paint"] / charts["first_paint"], 5, false);
-    kept &=
-        promise("memory, part of that of Qt Charts", charts["grown"] / peer["grown"], 0.5, true);
-    kept &= promise("an excursion of one sample is seen", charts["excursion"], 1, false);
-    return kept ? 0 : 1;
+    Report table;
+    table.atMost("history: Generare to painted charts", window["first_paint"], "ms", 250);
+    table.atMost("history: slowest scroll step", window["scroll"], "ms", 16);
+    table.atMost("history: resident memory of the window", window["resident"], "MiB", 150);
+    table.ratio("history: a day's charts to the first paint", charts["first_paint"], "Qt Charts",
+                peer["first_paint"], 0.2);
+    table.ratio("history: memory of a day's charts", charts["grown"], "Qt Charts", peer["grown"],
+                0.5, "MiB");
+    table.promise("history: an excursion of one sample is seen", charts["excursion"] >= 1);
+    return table.exitCode();
 }
 
 } // namespace

@@ -1,14 +1,9 @@
 #pragma once
 
 #include <QCoreApplication>
-#include <QFile>
 #include <QScrollArea>
 #include <chrono>
 #include <functional>
-
-#ifdef Q_OS_UNIX
-#include <unistd.h>
-#endif
 
 /// What benchmarks of windows measure with.
 
@@ -50,18 +45,4 @@ inline QScrollArea *wideInWindow(QWidget &window, std::size_t place, QWidget *co
     content->resize(width, height - 30);
     area->setWidget(content);
     return area;
-}
-
-/// Memory of this process that is in use, in MB; 0 where the system does not say.
-inline double residentMegabytes()
-{
-    QFile file(QStringLiteral("/proc/self/statm"));
-    if (!file.open(QIODevice::ReadOnly))
-        return 0;
-#ifdef Q_OS_UNIX
-    const double pageSize = static_cast<double>(::sysconf(_SC_PAGESIZE));
-#else
-    const double pageSize = 4096;
-#endif
-    return file.readAll().split(' ').value(1).toDouble() * pageSize / (1024 * 1024);
 }
