@@ -59,13 +59,20 @@ bool DialogCommands::lockToo(QWidget &window)
     return m_locked;
 }
 
+void DialogCommands::closeLocked(QWidget &window)
+{
+    QWidget &frame = *frameOf(window);
+    m_lock.enable(frame);
+    frame.close();
+}
+
 void DialogCommands::release(QDialog *dialog)
 {
     m_locked = nullptr;
     m_lock.release(*dialog);
     emit released();
     if (m_activeBefore)
-        m_window.bringUp(m_activeBefore);
+        m_window.activate(m_activeBefore);
 }
 
 void DialogCommands::openModal(QDialog *dialog)

@@ -32,6 +32,8 @@ public:
     /// A window that opens behind a locked dialog is disabled like the others; false when no dialog
     /// is locked.
     bool lockToo(QWidget &window);
+    /// Closes a window, behind a locked dialog too.
+    void closeLocked(QWidget &window);
 
     /// Shows a message in the error window, which stays in front of `caller`, a form that is shown.
     void arata_eroare(QWidget &caller, const QString &message);

@@ -6,12 +6,20 @@
 #include <QAction>
 #include <QApplication>
 #include <QCloseEvent>
+#include <QFontInfo>
 #include <QMdiArea>
 #include <QMdiSubWindow>
 #include <QMenu>
 #include <QMenuBar>
 #include <QPointer>
 #include <QShortcut>
+
+namespace
+{
+
+constexpr int kSmallestLetters = 9; // pixels
+
+} // namespace
 
 MDIForm1::MDIForm1(std::function<bool()> mayClose)
     : m_mayClose(std::move(mayClose)), m_area(new QMdiArea(this))
@@ -30,7 +38,10 @@ MDIForm1::MDIForm1(std::function<bool()> mayClose)
     });
     // The top items have no access keys: without F10 no key would lead to them on every system.
     connect(new QShortcut(Qt::Key_F10, this), &QShortcut::activated, this, &MDIForm1::openMenuBar);
+    // A maximised window leaves the others as large as they are.
+    m_area->setOption(QMdiArea::DontMaximizeSubWindowOnActivation);
     buildMainMenu(*menuBar());
+    menuBar()->installEventFilter(this);
     for (QAction *item : menuItems(*menuBar()))
         if (!item->menu())
             item->setEnabled(false);
@@ -67,13 +78,38 @@ QMdiSubWindow *MDIForm1::addChild(QWidget *child)
     return frame;
 }
 
+/// With the focus in the bar the arrows also lead over the items that have no submenu.
 void MDIForm1::openMenuBar()
 {
-    if (!menuBar()->isEnabled())
+    if (!menuBar()->isEnabled() || menuBar()->activeAction())
         return;
-    for (QAction *item : menuBar()->actions())
-        if (item->isEnabled() && item->menu())
-            return menuBar()->setActiveAction(item);
+    m_focusBefore = QApplication::focusWidget();
+    menuBar()->setFocus(Qt::MenuBarFocusReason);
+    menuBar()->setActiveAction(menuBar()->actions().constFirst());
+}
+
+void MDIForm1::leaveMenuBar()
+{
+    if (menuBar()->hasFocus() && !menuBar()->activeAction() && m_focusBefore)
+        m_focusBefore->setFocus(Qt::MenuBarFocusReason);
+}
+
+/// Large letters in a narrow window: smaller ones rather than items out of sight.
+void MDIForm1::fitMenuBar()
+{
+    QFont letters = QApplication::font(menuBar());
+    menuBar()->setFont(letters);
+    while (menuBar()->sizeHint().width() > width() &&
+           QFontInfo(letters).pixelSize() > kSmallestLetters) {
+        letters.setPixelSize(QFontInfo(letters).pixelSize() - 1);
+        menuBar()->setFont(letters);
+    }
+}
+
+void MDIForm1::resizeEvent(QResizeEvent *event)
+{
+    QMainWindow::resizeEvent(event);
+    fitMenuBar();
 }
 
 /// Restored, it may find less room than it left.
@@ -106,6 +142,12 @@ void MDIForm1::bringUp(QWidget *child)
     keepInSight(*child);
 }
 
+void MDIForm1::activate(QWidget *child)
+{
+    m_area->setActiveSubWindow(qobject_cast<QMdiSubWindow *>(child->parentWidget()));
+    child->setFocus();
+}
+
 QWidget *MDIForm1::activeChild() const
 {
     const QMdiSubWindow *frame = m_area->currentSubWindow();
@@ -127,5 +169,8 @@ bool MDIForm1::eventFilter(QObject *watched, QEvent *event)
     // The main window's own resize event comes before the area has its new size.
     if (watched == m_area->viewport() && event->type() == QEvent::Resize)
         QMetaObject::invokeMethod(this, &MDIForm1::followArea, Qt::QueuedConnection);
+    // Left with Escape; a command that was chosen brings its own window up first.
+    if (watched == menuBar() && event->type() == QEvent::KeyRelease)
+        QMetaObject::invokeMethod(this, &MDIForm1::leaveMenuBar, Qt::QueuedConnection);
     return QMainWindow::eventFilter(watched, event);
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QMainWindow>
+#include <QPointer>
 #include <functional>
 
 class QMdiArea;
@@ -27,6 +28,9 @@ public:
     /// focus.
     void bringUp(QWidget *child);
 
+    /// Gives a child window that is shown the focus; a minimised one stays minimised.
+    void activate(QWidget *child);
+
     /// The child window in front, null when there is none.
     QWidget *activeChild() const;
 
@@ -34,20 +38,25 @@ public:
     QSize innerSize() const;
 
 signals:
-    /// The area has another size; the windows in it have been moved and sized into it.
+    /// The area has another size. What is connected lays its windows out first; then all of them
+    /// are fitted into the area.
     void areaResized();
     /// A child window was minimised, maximised or restored and has its new size.
     void childStateChanged(QWidget *child);
 
 protected:
     void closeEvent(QCloseEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
     void openMenuBar();
+    void leaveMenuBar();
+    void fitMenuBar();
     void followArea();
     void followState(QWidget &child);
 
     std::function<bool()> m_mayClose;
     QMdiArea *m_area;
+    QPointer<QWidget> m_focusBefore; ///< the keyboard went to the menu bar
 };

@@ -153,7 +153,7 @@ void Program::connectDialogs()
         if (m_form1)
             m_form1->scrie_titlu_diagrame();
     });
-    // Behind the dialog the diagrams may have opened or closed.
+    // Whatever became of the diagrams behind the dialog.
     connect(&m_dialogs, &DialogCommands::released, this,
             [this] { activare_meniuri_diagrame(m_station.diagramsOpen); });
 }
@@ -254,16 +254,14 @@ void Program::closeBrowser()
 {
     if (!m_formMdb)
         return;
-    QWidget *frame = m_formMdb->parentWidget();
-    frame->setEnabled(true); // behind a locked dialog it refuses to close
-    frame->close();
+    m_dialogs.closeLocked(*m_formMdb);
 }
 
 void Program::reopenBrowser()
 {
     showBrowser();
     if (!m_dialogs.lockToo(*m_formMdb) && m_station.diagramsOpen)
-        m_window.bringUp(m_form1);
+        m_window.activate(m_form1);
 }
 
 void Program::archiveStorage()

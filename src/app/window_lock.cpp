@@ -49,9 +49,15 @@ void WindowLock::disable(QWidget &frame)
     frame.installEventFilter(this);
 }
 
+void WindowLock::enable(QWidget &frame)
+{
+    frame.removeEventFilter(this);
+    frame.setEnabled(true);
+}
+
 void WindowLock::activeaza_ferestre(const QWidget &dialog, bool enable)
 {
-    const auto set = [&](QWidget &frame) { enable ? frame.setEnabled(true) : disable(frame); };
+    const auto set = [&](QWidget &frame) { enable ? this->enable(frame) : disable(frame); };
     // The frame of a child window is disabled, not what it holds: its close button counts too.
     for (QMdiArea *area : m_window.findChildren<QMdiArea *>())
         for (QMdiSubWindow *frame : area->subWindowList())
@@ -66,7 +72,7 @@ void WindowLock::activeaza_ferestre(const QWidget &dialog, bool enable)
 
 bool WindowLock::eventFilter(QObject *watched, QEvent *event)
 {
-    if (event->type() != QEvent::Close || qobject_cast<QWidget *>(watched)->isEnabled())
+    if (event->type() != QEvent::Close)
         return QObject::eventFilter(watched, event);
     event->ignore();
     return true;

@@ -25,8 +25,9 @@ public:
     void lock(const QWidget &dialog);
     /// Menus as they were, every other window on.
     void release(const QWidget &dialog);
-    /// Disables a window that has opened since, as lock() would have.
+    /// Disables a window, which refuses to be closed from then on.
     void disable(QWidget &frame);
+    void enable(QWidget &frame);
 
     /// Records the name and enabled state of every menu item, submenus included, in StareMeniu.
     void salveaza_stare_meniu();

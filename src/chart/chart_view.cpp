@@ -122,6 +122,7 @@ void ChartView::connectGrid()
         replotLater(m_layoutStale);
     });
     connect(m_plot, &QCustomPlot::beforeReplot, this, &ChartView::followGrid);
+    connect(m_plot, &QCustomPlot::afterLayout, this, &ChartView::tellPeer);
 }
 
 void ChartView::connectMouse()
@@ -151,7 +152,8 @@ void ChartView::followGrid()
     if (m_layoutStale)
         copyLayout();
     if (m_peer)
-        followPeer();
+        m_legend->setColumnWidth(
+            std::max(m_legend->dockedWidth(), m_peer->m_legend->dockedWidth()));
     m_dataStale = false;
     m_layoutStale = false;
 }
@@ -165,11 +167,11 @@ void ChartView::alignWith(ChartView &other)
     other.m_peer = this;
 }
 
-/// The wider legend leaves both plots the same room; what moves one plot's edges moves the other's.
-void ChartView::followPeer()
+/// The longer numbers and the wider legend of both decide, whichever plot they are in.
+void ChartView::tellPeer()
 {
-    const int width = std::max(m_legend->dockedWidth(), m_peer->m_legend->dockedWidth());
-    if (m_legend->setColumnWidth(width) || m_layoutStale)
+    const std::pair edges(m_plot->axisRect()->left(), m_plot->axisRect()->right());
+    if (m_peer && std::exchange(m_edges, edges) != edges)
         m_peer->m_plot->replot(QCustomPlot::rpQueuedReplot);
 }
 
@@ -183,7 +185,7 @@ void ChartView::copyData()
 
 void ChartView::copyLayout()
 {
-    const PlotScale scale(size(), QFontInfo(font()).pixelSize());
+    const PlotScale scale(size(), m_grid.columnCount(), QFontInfo(font()).pixelSize());
     applyScale(*m_plot, scale);
     const QFontMetrics metrics(m_plot->legend->font());
     const bool dense = m_grid.rowCount() > width();

@@ -3,6 +3,7 @@
 #include <QPointer>
 #include <QSharedPointer>
 #include <QWidget>
+#include <utility>
 
 class ChartGrid;
 class MovableLegend;
@@ -53,14 +54,15 @@ private:
     void followLimits();
     void showAll();
     void keepInSight();
-    void followPeer();
+    void tellPeer();
     void pick(QPoint position);
 
     ChartGrid &m_grid;
     QCustomPlot *m_plot;
     MovableLegend *m_legend;
     QSharedPointer<ValueTicker> m_valueTicker;
-    QPointer<ChartView> m_peer; ///< the view whose edges this one shares
+    QPointer<ChartView> m_peer;  ///< the view whose edges this one shares
+    std::pair<int, int> m_edges; ///< of the plot as it was last laid out
     bool m_dataStale = true;
     bool m_layoutStale = true;
     QRectF m_shownArea; ///< all rows between the grid's limits

@@ -29,13 +29,9 @@ int MovableLegend::dockedWidth() const
     return m_docked ? m_plot.legend->minimumOuterSizeHint().width() : 0;
 }
 
-bool MovableLegend::setColumnWidth(int pixels)
+void MovableLegend::setColumnWidth(int pixels)
 {
-    const QSize room(pixels, 0);
-    if (m_column->minimumSize() == room)
-        return false;
-    m_column->setMinimumSize(room);
-    return true;
+    m_column->setMinimumSize(pixels, 0);
 }
 
 void MovableLegend::restore()

@@ -20,8 +20,8 @@ public:
     bool contains(QPoint position) const;
     /// The width that it takes at the right of the plot area, in pixels; 0 while it lies over it.
     int dockedWidth() const;
-    /// Reserves that width at the right at least; true when this changes the plot area.
-    bool setColumnWidth(int pixels);
+    /// Reserves that width at the right at least.
+    void setColumnWidth(int pixels);
     /// Back to the right of the plot area.
     void restore();
     /// The colour behind its text where it lies over the plot; lines shine through it a little.

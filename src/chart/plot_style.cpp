@@ -25,6 +25,7 @@ constexpr QRgb kFrame = 0xFF909090;
 
 constexpr int kSmallestFont = 9;
 constexpr int kLargestFont = 13;
+constexpr double kLegendLine = 1.6;  // of a letter's height
 constexpr int kUsualSystemFont = 13; // up to it the chart's size alone decides
 
 /// How far a step that meets both limits may be from the wanted one.
@@ -36,11 +37,13 @@ constexpr double kSameValue = 1e-9;
 const std::array<QCPAxis::AxisType, 4> kSides{QCPAxis::atLeft, QCPAxis::atRight, QCPAxis::atTop,
                                               QCPAxis::atBottom};
 
-/// Who has the system write larger reads the charts from as far away.
-int fontPixelsFor(int chartHeight, int systemFontPixels)
+/// Chart letters grow with the system font, as far as the legend still fits.
+int fontPixelsFor(int chartHeight, int series, int systemFontPixels)
 {
     const int pixels = std::clamp(7 + chartHeight / 50, kSmallestFont, kLargestFont);
-    return pixels * std::max(systemFontPixels, kUsualSystemFont) / kUsualSystemFont;
+    const int wanted = pixels * std::max(systemFontPixels, kUsualSystemFont) / kUsualSystemFont;
+    const int largest = static_cast<int>(chartHeight / (series * kLegendLine));
+    return std::clamp(wanted, kSmallestFont, std::max(kSmallestFont, largest));
 }
 
 double magnitudeOf(double number)
@@ -69,10 +72,10 @@ QPen seriesPen(int series, int seriesCount, bool dense)
     return pen;
 }
 
-PlotScale::PlotScale(QSize chart, int systemFontPixels)
-    : fontPixels(fontPixelsFor(chart.height(), systemFontPixels)),
+PlotScale::PlotScale(QSize chart, int series, int systemFontPixels)
+    : fontPixels(fontPixelsFor(chart.height(), series, systemFontPixels)),
       rowTicks(std::max(2, chart.width() / (8 * fontPixels))),
-      valueTicks(std::clamp(chart.height() / 40, 2, 8)),
+      valueTicks(std::clamp(chart.height() / (3 * fontPixels), 2, 8)),
       legendText(std::max(4 * fontPixels, chart.width() / 6)),
       legendIcon(2 * fontPixels, fontPixels - 1)
 {
@@ -91,7 +94,9 @@ void applyScale(QCustomPlot &plot, const PlotScale &scale)
     plot.yAxis->ticker()->setTickCount(scale.valueTicks);
     // The same left margin for all usual limits keeps charts that stand one above the other in
     // line.
-    rect.setMinimumMargins(QMargins(4 * scale.fontPixels, scale.fontPixels, pad, 0));
+    // At the right the last row's label reaches beyond the plot by half of its width.
+    const int lastLabel = QFontMetrics(font).horizontalAdvance(QStringLiteral("R00")) / 2;
+    rect.setMinimumMargins(QMargins(4 * scale.fontPixels, scale.fontPixels, lastLabel, 0));
 
     QCPLegend &legend = *plot.legend;
     legend.setFont(font);

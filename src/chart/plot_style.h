@@ -9,9 +9,10 @@
 /// `dense`: more points than the chart has pixels, where a wide line would only blur.
 QPen seriesPen(int series, int seriesCount, bool dense);
 
-/// Sizes that follow from a chart's height and width and from the system's letters, all in pixels.
+/// Sizes that follow from a chart's height and width, from its number of series, which the legend
+/// lists, and from the system's letters, all in pixels.
 struct PlotScale {
-    PlotScale(QSize chart, int systemFontPixels);
+    PlotScale(QSize chart, int series, int systemFontPixels);
 
     int fontPixels;
     int rowTicks;   ///< most labels that fit along the row axis

@@ -23,7 +23,6 @@ namespace
 
 constexpr int kLargestTitlePixels = 19;
 constexpr int kSmallestTitlePixels = 10;
-constexpr int kLabelFrame = 2;          // pixels that a label adds to the height of its lines
 constexpr int kTitleFrameTwips = 60;    // what a label adds around its letters
 constexpr double kFontLineHeight = 1.3; // a line of text against its letters' size
 constexpr int kPictureMarginTwips = 50; // what a picture adds to its chart's width and height
@@ -123,6 +122,7 @@ void Form1::centreTitles()
 
 void Form1::aranjare_diagrame(QSize mainInner)
 {
+    m_mainInner = mainInner;
     if (frameOf(*this)->isMinimized())
         return;
     const TwipsSize main = twipsSize(mainInner);
@@ -130,35 +130,22 @@ void Form1::aranjare_diagrame(QSize mainInner)
     fitTitles(titleRoom(main));
 
     const DiagramsLayout layout =
-        diagramsLayout(main, {twipsSize(frameOf(*this)->size()), double(twipsFromPixels(width())),
+        diagramsLayout(main, {twipsSize(frameOf(*this)->size()), twipsSize(size()),
                               twipsSize(m_upper.title->size()), twipsSize(m_lower.title->size()),
-                              twipsSize(m_controlCentre->size())});
-    place(m_lower, layout.chart2, layout.label2, layout.dateLabel2Top, height());
-    QRect button = pixelRect(layout.button);
-    button.moveBottom(std::min(button.bottom(), m_lower.title->y() - 1));
-    m_controlCentre->setGeometry(button);
-    place(m_upper, layout.chart1, layout.label1, layout.dateLabel1Top, button.top());
+                              twipsSize(m_controlCentre->size()), pickedPointHeight(m_upper),
+                              pickedPointHeight(m_lower)});
+    m_upper.chart->setGeometry(pixelRect(layout.chart1));
+    m_upper.title->setGeometry(pixelRect(layout.label1));
+    m_upper.pickedPoint->move(0, pixelsFromTwips(layout.dateLabel1Top));
+    m_lower.chart->setGeometry(pixelRect(layout.chart2) & rect());
+    m_lower.title->setGeometry(pixelRect(layout.label2));
+    m_lower.pickedPoint->move(0, pixelsFromTwips(layout.dateLabel2Top));
+    m_controlCentre->setGeometry(pixelRect(layout.button));
 }
 
-/// Some systems' frames and letters are larger than the layout counts on: what it places beyond the
-/// window's edges moves in, and its chart gives way, as it does for what stands below `bottom`.
-void Form1::place(const Panel &panel, const TwipsRect &chart, const TwipsRect &title,
-                  double pickedPointTop, int bottom)
+double Form1::pickedPointHeight(const Panel &panel)
 {
-    QRect titlePlace = pixelRect(title);
-    const int beyondTop = std::max(0, -titlePlace.top());
-    titlePlace.translate(0, beyondTop);
-    panel.title->setGeometry(titlePlace);
-
-    const int pickedPointHeight = kLabelFrame + 2 * panel.pickedPoint->fontMetrics().lineSpacing();
-    const int pickedPoint = std::min(pixelsFromTwips(pickedPointTop), height() - pickedPointHeight);
-    panel.pickedPoint->move(0, pickedPoint);
-
-    QRect chartPlace = pixelRect(chart);
-    chartPlace.setTop(chartPlace.top() + beyondTop);
-    chartPlace.setBottom(std::min({chartPlace.bottom(), pickedPoint - 1, bottom - 1}));
-    chartPlace.setWidth(std::min(chartPlace.width(), width()));
-    panel.chart->setGeometry(chartPlace);
+    return panel.pickedPoint->text().isEmpty() ? 0 : twipsFromPixels(panel.pickedPoint->height());
 }
 
 /// The room above the upper chart shrinks to a few pixels with the main window: so do the titles.
@@ -179,6 +166,7 @@ void Form1::showPoint(const Panel &panel, int series, int point)
 {
     panel.pickedPoint->setText(m_diagrams.pointText(panel.chart->grid(), series, point));
     panel.pickedPoint->adjustSize();
+    aranjare_diagrame(m_mainInner); // the text needs room
 }
 
 bool Form1::eventFilter(QObject *watched, QEvent *event)

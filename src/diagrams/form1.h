@@ -64,8 +64,7 @@ private:
     };
 
     Panel createPanel(int index);
-    void place(const Panel &panel, const TwipsRect &chart, const TwipsRect &title,
-               double pickedPointTop, int bottom);
+    static double pickedPointHeight(const Panel &panel);
     void showPoint(const Panel &panel, int series, int point);
     void centreTitles();
     void fitTitles(double room);
@@ -75,5 +74,6 @@ private:
     Panel m_upper;
     Panel m_lower;
     QPushButton *m_controlCentre;
+    QSize m_mainInner; ///< of the last layout
     bool m_loaded = false;
 };

@@ -5,9 +5,43 @@
 namespace
 {
 
+constexpr double kGap = 15; // a pixel: two roundings may differ by one
+
 TwipsRect centred(TwipsSize size, double innerWidth, double top)
 {
     return {(innerWidth - size.width) / 2, top, size.width, size.height};
+}
+
+/// A title above the form's upper edge moves down, its chart's upper edge with it.
+void moveBelowTop(TwipsRect &title, TwipsRect &chart)
+{
+    const double beyond = std::max(0.0, -title.top);
+    title.top += beyond;
+    chart.top += beyond;
+    chart.height -= beyond;
+}
+
+void endAbove(TwipsRect &chart, double bottom)
+{
+    chart.height = std::clamp(bottom - chart.top, 0.0, chart.height);
+}
+
+void keepInside(DiagramsLayout &layout, const DiagramsMeasures &measures)
+{
+    for (TwipsRect *chart : {&layout.chart1, &layout.chart2})
+        chart->width = std::min(chart->width, measures.inner.width);
+    moveBelowTop(layout.label1, layout.chart1);
+    moveBelowTop(layout.label2, layout.chart2);
+
+    layout.dateLabel2Top =
+        std::min(layout.dateLabel2Top, measures.inner.height - measures.pickedPoint2Height);
+    endAbove(layout.chart2, layout.dateLabel2Top - (measures.pickedPoint2Height > 0 ? kGap : 0));
+
+    layout.button.top =
+        std::min(layout.button.top, layout.label2.top - layout.button.height - kGap);
+    layout.dateLabel1Top =
+        std::min(layout.dateLabel1Top, layout.chart2.top - measures.pickedPoint1Height - kGap);
+    endAbove(layout.chart1, std::min(layout.button.top - kGap, layout.dateLabel1Top));
 }
 
 } // namespace
@@ -26,7 +60,7 @@ DiagramsLayout diagramsLayout(TwipsSize mainInner, const DiagramsMeasures &measu
 {
     const double width = std::max(0.0, measures.outer.width - 100);
     const double height = measures.outer.height / 3;
-    const double inner = measures.innerWidth;
+    const double inner = measures.inner.width;
 
     DiagramsLayout layout;
     layout.chart1 = {0, titleRoom(mainInner), width, height};
@@ -36,5 +70,6 @@ DiagramsLayout diagramsLayout(TwipsSize mainInner, const DiagramsMeasures &measu
     layout.button = centred(measures.button, inner, layout.chart1.top + height + 150);
     layout.dateLabel1Top = layout.chart1.top + height + 10;
     layout.dateLabel2Top = layout.chart2.top + height;
+    keepInside(layout, measures);
     return layout;
 }

@@ -18,11 +18,13 @@ struct TwipsRect {
 
 /// What the layout depends on besides the main window: sizes that the window system decides.
 struct DiagramsMeasures {
-    TwipsSize outer;   ///< Form1 with its frame
-    double innerWidth; ///< Form1 without its frame
+    TwipsSize outer; ///< Form1 with its frame
+    TwipsSize inner; ///< Form1 without its frame
     TwipsSize label1;
     TwipsSize label2;
     TwipsSize button;
+    double pickedPoint1Height = 0; ///< of the text below a chart, 0 while there is none
+    double pickedPoint2Height = 0;
 };
 
 struct DiagramsLayout {
@@ -39,7 +41,9 @@ struct DiagramsLayout {
 TwipsSize form1Size(TwipsSize mainInner);
 
 /// Places the parts. The upper chart follows an eighth of the main window's height, the lower one
-/// starts at half of it, each is a third of Form1 high: the proportions of the design.
+/// starts at half of it, each is a third of Form1 high: the proportions of the design. Frames and
+/// letters larger than the design counts on leave too little room: titles and texts then move
+/// inside the form, and the charts give way.
 DiagramsLayout diagramsLayout(TwipsSize mainInner, const DiagramsMeasures &measures);
 
 /// Room above the upper chart, which its title has to fit into.

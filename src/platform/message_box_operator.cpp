@@ -40,8 +40,9 @@ QWidget *owner()
 /// The box sizes itself by its layout and takes no minimum width from outside.
 void widenToCaption(QMessageBox &box)
 {
-    auto &grid = *qobject_cast<QGridLayout *>(box.layout());
-    grid.addItem(new QSpacerItem(captionWidth(box), 0), grid.rowCount(), 0, 1, grid.columnCount());
+    if (auto *grid = qobject_cast<QGridLayout *>(box.layout()))
+        grid->addItem(new QSpacerItem(captionWidth(box), 0), grid->rowCount(), 0, 1,
+                      grid->columnCount());
 }
 
 int run(QMessageBox &box)

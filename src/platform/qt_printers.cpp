@@ -83,10 +83,11 @@ private:
     }
 
 #ifdef Q_OS_WIN
+    /// A refusal is reported when the document begins.
     static bool wasTaken()
     {
         return true;
-    } // a refusal is reported when the document begins
+    }
 #else
     /// The toolkit hands the document to the print service within QPainter::end(), in this thread,
     /// and drops the answer: the queue takes no jobs, the service has gone, the user may not print.

@@ -37,7 +37,8 @@ private:
 };
 
 /// Moves a sub window that the operator could not reach back into what it stands in, which may have
-/// become smaller. One that is partly out stays where it is while its title bar can be grasped.
+/// become smaller. One that is partly out stays where it is while its title bar can be grasped: the
+/// operator has put it there.
 void keepInSight(QWidget &form);
 
 /// Makes a sub window no larger than what it stands in and moves all of it into that; once there is

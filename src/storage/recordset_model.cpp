@@ -16,6 +16,12 @@
 namespace
 {
 
+using namespace std::chrono_literals;
+
+// The grid is drawn by the thread that takes the samples: it waits for a busy file only a moment,
+// and then leaves it alone for a while.
+constexpr auto kBusyWait = 200ms;
+constexpr auto kBusyPause = 1s;
 constexpr int kCachedRows = 1024; // a few screens in both directions
 const QColor kAlarmBackground(255, 221, 204);
 const QColor kAlarmText(128, 32, 0);
@@ -60,8 +66,11 @@ struct RecordsetModel::Recordset {
 };
 
 RecordsetModel::RecordsetModel(const Station &station, QObject *parent)
-    : QAbstractTableModel(parent), m_station(station)
+    : QAbstractTableModel(parent), m_station(station), m_retry(new QTimer(this))
 {
+    m_retry->setSingleShot(true);
+    m_retry->setInterval(kBusyPause);
+    connect(m_retry, &QTimer::timeout, this, &RecordsetModel::lookAgain);
 }
 
 RecordsetModel::~RecordsetModel() = default;
@@ -71,6 +80,7 @@ void RecordsetModel::open(const QString &path)
     close();
     jet::OpenOptions options = MeasurementStore::openOptions();
     options.readOnly = true;
+    options.lockTimeout = kBusyWait;
     auto recordset = std::make_unique<Recordset>(path, options);
     beginResetModel();
     m_recordset = std::move(recordset);
@@ -128,11 +138,18 @@ const jet::Row *RecordsetModel::fetch(int row) const
 void RecordsetModel::fail(const jet::Error &error) const
 {
     m_failed = true;
-    // The other cells of this look do not wait for a busy file, the next look does.
     if (error.code() == jet::ErrorCode::InUse)
-        QTimer::singleShot(0, this, [this] { m_failed = false; });
+        m_retry->start();
     if (!std::exchange(m_told, true))
         emit failed(error.number(), QString::fromUtf8(error.what()));
+}
+
+/// The grid asks for its rows anew; those that a busy file kept empty fill.
+void RecordsetModel::lookAgain()
+{
+    m_failed = false;
+    if (rowCount() > 0)
+        emit dataChanged(index(0, 0), index(rowCount() - 1, columnCount() - 1));
 }
 
 QString RecordsetModel::text(const jet::Value &value, std::size_t column) const

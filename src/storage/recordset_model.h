@@ -8,6 +8,7 @@
 #include <optional>
 #include <vector>
 
+class QTimer;
 struct Station;
 
 /// The records of table Tabel, newest (largest Id) first, for a grid: the file stays open for
@@ -37,6 +38,9 @@ signals:
     /// The file could no longer be read: number and description.
     void failed(int number, const QString &description) const;
 
+private slots:
+    void lookAgain();
+
 private:
     struct Recordset;
 
@@ -47,6 +51,7 @@ private:
 
     const Station &m_station;
     mutable std::unique_ptr<Recordset> m_recordset;
+    QTimer *m_retry;               ///< runs while the file is busy
     mutable bool m_failed = false; ///< nothing is read
     mutable bool m_told = false;   ///< of the failure that lasts
 };

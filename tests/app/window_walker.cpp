@@ -8,6 +8,7 @@
 #include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMainWindow>
 #include <QMdiSubWindow>
 #include <QMenuBar>
 #include <QScreen>
@@ -16,13 +17,13 @@
 #include <QStyleOptionTitleBar>
 #include <QTabBar>
 #include <QTableView>
-#include <QTextDocument>
+#include <qcustomplot.h>
 
 namespace
 {
 
-constexpr int kLeastContrast = 80;    // of 255, in lightness
-constexpr int kLeastChartHeight = 70; // pixels
+constexpr int kLeastContrast = 80;   // of 255, in lightness
+constexpr int kLeastPlotHeight = 40; // pixels between the row axis and the upper edge
 
 template <typename... Types>
 bool isOne(const QWidget &widget)
@@ -180,6 +181,22 @@ public:
     }
 
 private:
+    void look(const ChartView &chart, const QWidget &parent)
+    {
+        QCustomPlot &plot = *chart.findChild<QCustomPlot *>();
+        plot.replot();
+        if (chart.width() < parent.width() * 3 / 4 || plot.axisRect()->height() < kLeastPlotHeight)
+            fault(chart, "is too small a chart");
+        if (!plot.rect().contains(plot.legend->outerRect()) ||
+            plot.legend->outerRect().height() < plot.legend->minimumOuterSizeHint().height())
+            fault(chart, "legend is cut");
+        const QVector<double> ticks = plot.yAxis->tickVector();
+        for (qsizetype i = 1; i < ticks.size(); ++i)
+            if (plot.yAxis->coordToPixel(ticks[i - 1]) - plot.yAxis->coordToPixel(ticks[i]) <
+                QFontMetrics(plot.yAxis->tickLabelFont()).ascent())
+                fault(chart, "has numbers that touch");
+    }
+
     void look(const QWidget &widget, const QWidget &parent)
     {
         if (widget.size().isEmpty())
@@ -188,9 +205,8 @@ private:
             fault(widget, QStringLiteral("is outside its parent of %1x%2")
                               .arg(parent.width())
                               .arg(parent.height()));
-        if (isOne<ChartView>(widget) &&
-            (widget.width() < parent.width() * 3 / 4 || widget.height() < kLeastChartHeight))
-            fault(widget, "is too small a chart");
+        if (const auto *chart = qobject_cast<const ChartView *>(&widget))
+            look(*chart, parent);
         if (isShortened(widget))
             fault(widget, "has a shortened text");
         if (isUnreadable(widget))
@@ -225,7 +241,8 @@ QStringList faultsOf(const QWidget &frame)
     if (isSized) {
         const QSize room = frame.isWindow() ? frame.screen()->size() : frame.parentWidget()->size();
         const QSize wanted = frame.sizeHint().boundedTo(room);
-        if (frame.width() < wanted.width() || frame.height() < wanted.height())
+        const bool isMainWindow = isOne<QMainWindow>(frame); // takes what there is
+        if (!isMainWindow && (frame.width() < wanted.width() || frame.height() < wanted.height()))
             walk.fault(frame, QStringLiteral("is smaller than the %1x%2 it wants")
                                   .arg(wanted.width())
                                   .arg(wanted.height()));
@@ -234,6 +251,9 @@ QStringList faultsOf(const QWidget &frame)
         if (QFontMetrics(caption).horizontalAdvance(frame.windowTitle()) > captionRoom(frame))
             walk.fault(frame, "has a shortened caption");
     }
+    if (!frame.isWindow() && frame.isMaximized() &&
+        frame.geometry() != frame.parentWidget()->rect())
+        walk.fault(frame, "is maximised and does not fill its area");
     const auto *subWindow = qobject_cast<const QMdiSubWindow *>(&frame);
     walk.below(subWindow ? *subWindow->widget() : frame);
     return walk.faults;

@@ -1,5 +1,6 @@
 // Every window as the operator gets it: opened by its own command, then looked at whole.
 
+#include "chart/chart_grid.h"
 #include "chart/chart_view.h"
 #include "platform/message_box_operator.h"
 #include "tests/app/program_rig.h"
@@ -12,6 +13,7 @@
 #include <QMdiSubWindow>
 #include <QMenu>
 #include <QMessageBox>
+#include <QTabBar>
 #include <QTabWidget>
 #include <QTimer>
 #include <qcustomplot.h>
@@ -152,8 +154,14 @@ TEST_F(WindowsTest, EveryMenuItemHasItsEffect)
     program->window().activateWindow();
     ASSERT_TRUE(QTest::qWaitForWindowActive(&program->window()));
     QTest::keyClick(&program->window(), Qt::Key_F10);
-    EXPECT_TRUE(items.front()->menu()->isVisible());
-    items.front()->menu()->close();
+    for (const Qt::Key key :
+         {Qt::Key_Right, Qt::Key_Right, Qt::Key_Right, Qt::Key_Right, Qt::Key_Return})
+        QTest::keyClick(QApplication::activePopupWidget() ? QApplication::activePopupWidget()
+                                                          : QApplication::focusWidget(),
+                        key);
+    ASSERT_EQ(openDialogs().size(), 1);
+    EXPECT_EQ(openDialogs().front()->objectName(), "FormCalibrare") << "by the keyboard";
+    closeDialogs();
 }
 
 TEST_F(WindowsTest, BrowserKeepsThePlaceAndSizeThatItWasGiven)
@@ -176,21 +184,40 @@ TEST_F(WindowsTest, BrowserKeepsThePlaceAndSizeThatItWasGiven)
     EXPECT_EQ(faultsOf(*frame("FormMdb")), QStringList());
 }
 
-/// A message of the settings comes while the diagrams load: the main window may change meanwhile.
-TEST_F(WindowsTest, DiagramsFillTheMainWindowAfterAMessageAtStartUp)
+/// A message of the settings comes while a window loads: the main window may change meanwhile.
+TEST_F(WindowsTest, WindowsFillTheMainWindowAfterAMessageOfTheirLoad)
 {
+    const char *loading = "Form1";
     folder.setConfig(folder.config().replace("Diagrama2.Senzor3.Nume =", "Altceva ="));
-    op.meanwhile = [this] {
-        EXPECT_FALSE(child<QWidget>("Form1Frame")->isVisible()) << "half done";
+    op.meanwhile = [&] {
+        EXPECT_FALSE(frame(loading)->isVisible()) << "half done";
         program->window().showNormal();
-        program->window().resize(1100, 800);
+        program->window().resize(program->window().width() == 1100 ? 1000 : 1100, 800);
         settle();
     };
     start();
-    settle();
-    EXPECT_EQ(op.told, QStringList({"Eroare in /config/config.ini"}));
-    EXPECT_EQ(frame("Form1")->size(), program->window().innerSize() - QSize(4, 71));
-    EXPECT_EQ(faultsOf(*frame("Form1")), QStringList());
+    loading = "FormAdoChart";
+    folder.setConfig(folder.config().replace("Istoric.Diagrama2.", "Altceva."));
+    choose("DeschidGenerator");
+    EXPECT_EQ(op.told, QStringList(2, "Eroare in /config/config.ini"));
+    for (const char *form : {"Form1", "FormAdoChart"}) {
+        EXPECT_EQ(frame(form)->size(), program->window().innerSize() - QSize(4, 71)) << form;
+        EXPECT_EQ(faultsOf(*frame(form)), QStringList());
+    }
+}
+
+TEST_F(WindowsTest, AMinimisedWindowStaysSoBehindADialogAndAnArchive)
+{
+    startWithSamples();
+    choose("DeschidMdbCurent");
+    choose("DeschidDiag");
+    frame("Form1")->showMinimized();
+    choose("MeniuCalib");
+    closeDialogs();
+    choose("SalvareArh");
+    EXPECT_TRUE(frame("Form1")->isMinimized());
+    choose("DeschidDiag");
+    EXPECT_FALSE(frame("Form1")->isMinimized()) << "by its command";
 }
 
 namespace
@@ -277,7 +304,7 @@ protected:
     {
         QList<QWidget *> windows;
         for (QWidget *window : QApplication::topLevelWidgets())
-            if (window->isVisible() && window != &program->window())
+            if (window->isVisible())
                 windows += window;
         return windows;
     }
@@ -349,6 +376,14 @@ TEST_P(LookTest, EveryWindowIsSoundAfterWhatHappensToIt)
             expectSound(what + " and restored in a larger one");
         }
     }
+    frame("Form1")->showMaximized();
+    for (const char *command :
+         {"DeschidMdbCurent", "DeschidGenerator", "DeschidCentruControl", "DeschidDiag"}) {
+        choose(command);
+        expectSound(QString("%1 beside a maximised window").arg(command));
+    }
+    EXPECT_FALSE(frame("Form2")->isMaximized()) << "nobody has asked for it";
+    frame("Form1")->showNormal();
     choose("MeniuCalib");
     program->window().resize(GetParam().mainWindow - QSize(160, 60));
     settle();
@@ -398,6 +433,12 @@ TEST(WindowWalker, FindsEveryFault)
 
     QDialog window;
     window.resize(300, 200);
+    ChartGrid grid("Diagrama1", {"T1", "T2", "T3", "AL", "AL"}, 60);
+    (new ChartView(grid, &window))->setGeometry(0, 120, 290, 30);
+    (new QPushButton("a button's caption", &window))->setGeometry(10, 160, 40, 20);
+    auto *tabs = new QTabBar(&window);
+    tabs->addTab("a tab's caption");
+    tabs->setGeometry(60, 160, 50, 20);
     labelAt(window, {10, 10, 40, 20}, "shortened by its width");
     labelAt(window, {100, 10, 190, 20}, "below");
     labelAt(window, {110, 12, 170, 20}, "above");
@@ -408,6 +449,9 @@ TEST(WindowWalker, FindsEveryFault)
     const QString found = (framed + faultsOf(window)).join('\n');
     for (const char *fault :
          {"smaller than", "outside its area", "shortened caption", "outside its parent", "is empty",
-          "lies over", "shortened text", "cannot be read"})
+          "lies over", "QLabel  at 10,10 40x20 has a shortened text",
+          "QPushButton  at 10,160 40x20 has a shortened text",
+          "QTabBar  at 60,160 50x20 has a shortened text", "cannot be read", "too small a chart",
+          "legend is cut"})
         EXPECT_TRUE(found.contains(fault)) << fault << " is not in\n" << found.toStdString();
 }

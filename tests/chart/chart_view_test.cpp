@@ -220,6 +220,9 @@ TEST_F(ChartViewTest, PlotsOneAboveTheOtherShareTheirEdges)
     expectInLine("a short one");
     grid.setValueAxisMaximum(1e6);
     expectInLine("long numbers");
+    for (int i = 0; i < 5; ++i)
+        zoom({450, 120});
+    expectInLine("numbers of a zoomed axis");
     drag(legendCentre(), QPoint(300, 100));
     expectInLine("a legend over its plot");
 }

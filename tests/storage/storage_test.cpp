@@ -319,7 +319,8 @@ TEST_F(StorageTest, BrowserLooksAgainAtAFileThatWasBusy)
     EXPECT_EQ(newest(), "") << "the other cells of this look do not wait";
     ASSERT_EQ(failed.size(), 1);
     EXPECT_EQ(failed[0][0], 3356);
-    QCoreApplication::processEvents();
+    QSignalSpy changed(&model, &RecordsetModel::dataChanged);
+    ASSERT_TRUE(changed.wait()) << "what shows the records is told";
     EXPECT_EQ(newest(), "2");
     EXPECT_EQ(model.index(0, 8).data(), "07.03.2026");
     EXPECT_EQ(model.index(0, 9).data(), "09:05:00");
