@@ -81,16 +81,14 @@ void copyTable(Session &source, const Catalog::Entry &entry, Session &target, Da
     target.commit();
 }
 
-void copyTables(Session &source, const std::shared_ptr<FileSystem> &files,
-                const std::filesystem::path &path, DateTime now)
+void copyTables(Session &source, const std::shared_ptr<FileSystem> &files, Draft &draft,
+                DateTime now)
 {
     const Pager::ReadScope scope(source.pager());
     refuseDamaged(source.pager());
     source.catalog().refuseOtherObjects();
-    makeNewDatabase(path, now, files);
-    OpenOptions options;
-    options.durability = Durability::Unsynced; // synced once, as a whole
-    Session target(files, path, options);
+    writeNewDatabase(draft, now, files);
+    Session target(files, draft.path(), {}, Pager::Use::Draft);
     for (const Catalog::Entry &entry : source.catalog().tables()) {
         if (!entry.isSystem)
             copyTable(source, entry, target, now);
@@ -104,12 +102,10 @@ void compactDatabase(const std::filesystem::path &path, DateTime now,
 {
     Session source(files, path, {});
     source.lockForReplacing();
-    std::unique_ptr<LockFile>
-        lock; // outlives the source: nobody opens the file before it is replaced
     Draft draft(*files, source.pager().path(), ".compact");
-    copyTables(source, files, draft.path(), now);
-    lock = source.pager().closeKeepingLock();
-    draft.putInPlace();
+    copyTables(source, files, draft, now);
+    source.pager().releaseName();
+    draft.replaceTarget(); // while the source still keeps other openers out
 }
 
 } // namespace jet

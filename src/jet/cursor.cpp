@@ -56,7 +56,7 @@ void Cursor::arrive(bool found, Place otherwise)
 
 bool Cursor::first()
 {
-    return m_session->read([&] {
+    return m_session->readOnce([&] {
         beginPass(true);
         arrive(m_walk->first(store()), Place::After);
         return hasCurrent();
@@ -65,7 +65,7 @@ bool Cursor::first()
 
 bool Cursor::last()
 {
-    return m_session->read([&] {
+    return m_session->readOnce([&] {
         beginPass(false);
         arrive(m_walk->last(store()), Place::Before);
         return hasCurrent();
@@ -76,7 +76,15 @@ bool Cursor::next()
 {
     if (m_place == Place::Before)
         return first();
-    return m_place == Place::On && step(true);
+    return m_place == Place::On && (stepWithinPage() || step(true));
+}
+
+/// Forward without a look into the file, as long as nothing has changed; false when that does not
+/// lead to the next record.
+bool Cursor::stepWithinPage()
+{
+    return m_forward && m_moved.empty() && !m_movedTo && m_store && m_session->isUnchanged() &&
+           m_structure == m_session->structure() && m_walk->nextWithinPage(*m_store);
 }
 
 bool Cursor::previous()
@@ -88,7 +96,7 @@ bool Cursor::previous()
 
 bool Cursor::step(bool forward)
 {
-    return m_session->read([&] {
+    return m_session->readOnce([&] {
         const TableStore &table = store();
         if (forward != m_forward) {
             const RowPointer row = current();
@@ -108,7 +116,7 @@ bool Cursor::step(bool forward)
 
 bool Cursor::seek(std::span<const Value> key)
 {
-    return m_session->read([&] {
+    return m_session->readOnce([&] {
         const bool found = m_walk->seek(store(), key);
         beginPass(true);
         arrive(found, Place::After);

@@ -75,6 +75,7 @@ private:
     RowPointer current() const;
     StoredRow storedRow(const TableStore &table) const;
     bool step(bool forward);
+    bool stepWithinPage();
     void beginPass(bool forward);
     void arrive(bool found, Place otherwise);
 

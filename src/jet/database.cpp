@@ -38,9 +38,9 @@ Database Database::open(const std::filesystem::path &path, const OpenOptions &op
 }
 
 Database Database::create(const std::filesystem::path &path, DateTime now,
-                          const OpenOptions &options)
+                          const OpenOptions &options, const std::vector<TableDesign> &tables)
 {
-    makeNewDatabase(path, now, makeSystemFiles());
+    makeNewDatabase(path, now, makeSystemFiles(), tables);
     return open(path, options);
 }
 
@@ -80,7 +80,7 @@ Table Database::createTable(const TableDesign &design, DateTime now)
         catalog.add(design.name, page, now);
         m_session->structureChanged();
     });
-    return table(design.name);
+    return {m_session, design.name}; // no look at the file: the table is stored by now
 }
 
 void Database::dropTable(const Text &name)

@@ -33,11 +33,12 @@ public:
     static Database open(const std::filesystem::path &path, const OpenOptions &options,
                          std::shared_ptr<FileSystem> files);
 
-    /// Makes an empty database and opens it; `now` is noted as the date of its system tables. The
-    /// file appears complete or not at all. Throws Error(FileExists), Error(FileNotFound) when
-    /// there is no folder for it, Error(InUse).
+    /// Makes a database with empty tables, if any, and opens it; `now` is noted as the date of its
+    /// system tables. The file appears complete or not at all. Throws Error(FileExists),
+    /// Error(FileNotFound) when there is no folder for it, Error(InUse).
     static Database create(const std::filesystem::path &path, DateTime now,
-                           const OpenOptions &options = {});
+                           const OpenOptions &options = {},
+                           const std::vector<TableDesign> &tables = {});
 
     Database(Database &&) noexcept;
     Database &operator=(Database &&) noexcept;

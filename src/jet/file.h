@@ -18,11 +18,23 @@ namespace jet
 std::string displayName(const std::filesystem::path &path);
 
 [[noreturn]] void throwFileNotFound(const std::filesystem::path &path);
+[[noreturn]] void throwFileExists(const std::filesystem::path &path);
+
+/// What the openers of one database lock, on the open file itself: they meet in it whatever name
+/// led them there.
+enum class LockPart {
+    Opener, ///< shared by every opener; exclusive while tables are dropped or renamed
+    Writer, ///< exclusive during a write transaction; only its holder changes pages
+    Pages,  ///< shared while pages are read, exclusive while they are written
+    Turn,   ///< on the way to Pages: who waits to write keeps new readers behind it
+};
+enum class LockMode { Shared, Exclusive };
 
 /// An open file. Every failure throws Error: DiskFull when there is no room, else DiskError.
 class File
 {
 public:
+    /// Gives up every lock.
     virtual ~File() = default;
 
     /// Fills `bytes` from an offset; the result is less than asked for only at the file's end.
@@ -33,38 +45,38 @@ public:
     virtual void resize(std::uint64_t size) = 0;
     /// Returns when everything written so far would survive a loss of power.
     virtual void sync() = 0;
+
+    /// Takes a lock or changes the mode of one already held; false when another opener is in the
+    /// way (a lock held before is then still held). Locks belong to this object, not to the
+    /// process. A file opened for reading takes shared ones only.
+    virtual bool tryLock(LockPart part, LockMode mode) = 0;
+    virtual void unlock(LockPart part) = 0;
+    /// Tries until the time is over; false then.
+    bool lock(LockPart part, LockMode mode, std::chrono::milliseconds timeout);
+
+    /// True while a name leads to this very file.
+    virtual bool isNamed(const std::filesystem::path &path) = 0;
+    /// Lets another file take this one's name. Nothing may follow but the destruction; until then
+    /// the locks are kept, where the system lets.
+    virtual void releaseName() {}
 };
 
-/// What openers of one database agree on. The lock file stands beside the database as name.ldb;
-/// only locks on its bytes count, so one that a dead process left behind hinders nobody.
+/// The file beside a database, name.ldb, in which the database program locks a byte for each of its
+/// users. Openers share all those bytes, so that program and engine keep each other out; among
+/// themselves they agree by the locks on the database (LockPart).
+///
+/// It is made when missing and removed by the last one to leave. Anything else of that name is
+/// locked in the same way, but neither changed nor removed.
 class LockFile
 {
 public:
-    enum class Part {
-        Opener, ///< shared by every opener; exclusive while tables are dropped or renamed. These
-                ///< are the bytes that the database program itself locks, so it stays out meanwhile
-        Writer, ///< exclusive during a write transaction
-        Pages,  ///< shared while pages are read, exclusive while they are written
-        Turn,   ///< on the way to Pages: who waits to write keeps new readers behind it
-    };
-    enum class Mode { Shared, Exclusive };
-
-    /// Gives up every lock and removes the file when nobody else uses it.
     virtual ~LockFile() = default;
 
-    /// Takes a lock or changes the mode of one already held; false when another opener is in the
-    /// way (a lock held before is then still held; not on Windows when a program that
-    /// does not know these rules slips in between the two). Locks belong to this object, not to
-    /// the process.
-    virtual bool tryLock(Part part, Mode mode) = 0;
-    virtual void unlock(Part part) = 0;
-
-    /// A number that every writer changes, so that others know when what they have read is old.
-    virtual std::uint64_t stamp() = 0;
-    virtual void setStamp(std::uint64_t stamp) = 0;
-
-    /// Tries until the time is over; false then.
-    bool lock(Part part, Mode mode, std::chrono::milliseconds timeout);
+    /// False when another program, or another opener, is in the way.
+    virtual bool tryLock(LockMode mode) = 0;
+    bool lock(LockMode mode, std::chrono::milliseconds timeout);
+    /// False when it was removed by hand, so that newcomers would lock another one.
+    virtual bool isNamed() = 0;
 };
 
 class FileSystem
@@ -72,8 +84,10 @@ class FileSystem
 public:
     enum class Access {
         Read,
-        Write,  ///< the file must exist
-        Create, ///< made when missing
+        Write,         ///< the file must exist
+        Create,        ///< made when missing
+        CreateNew,     ///< must not exist: Error(FileExists)
+        CreatePrivate, ///< likewise; nobody else may read it until matchAccess()
     };
 
     virtual ~FileSystem() = default;
@@ -85,6 +99,8 @@ public:
     virtual void remove(const std::filesystem::path &path) = 0;
     /// Gives a file another name, replacing what had that name, in one step.
     virtual void replace(const std::filesystem::path &from, const std::filesystem::path &to) = 0;
+    /// Gives a file a name that must be free. Throws Error(FileExists).
+    virtual void place(const std::filesystem::path &from, const std::filesystem::path &to) = 0;
     /// The file that a name leads to, where names can be links.
     virtual std::filesystem::path resolve(const std::filesystem::path &path) { return path; }
     /// Gives a file that was just made the owner and the rights of another, as far as the system
@@ -96,23 +112,13 @@ public:
     /// Returns when names made, removed or replaced in the folder would survive a loss of power, as
     /// far as the file system can be asked for that.
     virtual void syncFolder(const std::filesystem::path &folder) = 0;
-    /// Never null. With Access::Read on a folder where no file can be made the locks are dummies.
+    /// Null with Access::Read where no lock file can be made.
     virtual std::unique_ptr<LockFile> openLock(const std::filesystem::path &path,
                                                Access access) = 0;
 };
 
 /// Where the lock file of a database stands.
 std::filesystem::path lockPath(std::filesystem::path database);
-
-/// For readers in a folder where no lock file can stand, such as a read-only medium.
-class NoLockFile final : public LockFile
-{
-public:
-    bool tryLock(Part, Mode) override { return true; }
-    void unlock(Part) override {}
-    std::uint64_t stamp() override { return 0; }
-    void setStamp(std::uint64_t) override {}
-};
 
 /// The files of the system the program runs on.
 std::unique_ptr<FileSystem> makeSystemFiles();

@@ -43,14 +43,64 @@ private:
     int m_number;
 };
 
+int openFlags(FileSystem::Access access)
+{
+    switch (access) {
+    case FileSystem::Access::Read:
+        return O_RDONLY;
+    case FileSystem::Access::Write:
+        return O_RDWR;
+    case FileSystem::Access::Create:
+        return O_RDWR | O_CREAT;
+    case FileSystem::Access::CreateNew:
+    case FileSystem::Access::CreatePrivate:
+        return O_RDWR | O_CREAT | O_EXCL;
+    }
+    return O_RDONLY;
+}
+
+/// Closed, with the reason in errno, when that fails.
 Descriptor openDescriptor(const std::filesystem::path &path, FileSystem::Access access)
 {
-    int flags = O_CLOEXEC;
-    if (access == FileSystem::Access::Read)
-        flags |= O_RDONLY;
-    else
-        flags |= O_RDWR | (access == FileSystem::Access::Create ? O_CREAT : 0);
-    return Descriptor(::open(path.c_str(), flags, 0666));
+    const mode_t rights = access == FileSystem::Access::CreatePrivate ? 0600 : 0666;
+    // Not blocking: to open a pipe would wait for its other end.
+    return Descriptor(::open(path.c_str(), openFlags(access) | O_CLOEXEC | O_NONBLOCK, rights));
+}
+
+bool isRegularFile(int descriptor)
+{
+    struct stat status {
+    };
+    return ::fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode);
+}
+
+bool leadsTo(const std::filesystem::path &path, int descriptor)
+{
+    struct stat own {
+    };
+    struct stat named {
+    };
+    return ::fstat(descriptor, &own) == 0 && ::stat(path.c_str(), &named) == 0 &&
+           own.st_dev == named.st_dev && own.st_ino == named.st_ino;
+}
+
+[[noreturn]] void throwCannotOpen(const std::filesystem::path &path, int number)
+{
+    if (number == ENOENT || number == ENOTDIR)
+        throwFileNotFound(path);
+    if (number == EEXIST)
+        throwFileExists(path);
+    if (number == EACCES || number == EPERM || number == EROFS || number == EISDIR ||
+        number == ETXTBSY)
+        throw Error(ErrorCode::ReadOnly, "Cannot open file '" + displayName(path) +
+                                             "': " + std::system_category().message(number));
+    throwSystemError("Opening '" + displayName(path) + "' failed", number);
+}
+
+[[noreturn]] void throwNotAFile(const std::filesystem::path &path)
+{
+    throw Error(ErrorCode::ReadOnly,
+                "Cannot open file '" + displayName(path) + "': Not a regular file");
 }
 
 std::size_t readAt(int descriptor, std::uint64_t offset, MutableBytes bytes)
@@ -82,6 +132,32 @@ void writeAt(int descriptor, std::uint64_t offset, ByteView bytes)
             throwSystemError("Writing failed", errno);
         done += static_cast<std::size_t>(count);
     }
+}
+
+/// 0 or the system's error number. Locks of the open file, not of the process: two openers in one
+/// process must see each other, and closing one must not take away the other's.
+int requestLock(int descriptor, LockRange range, short type)
+{
+    struct flock lock {
+    };
+    lock.l_type = type;
+    lock.l_whence = SEEK_SET;
+    lock.l_start = static_cast<off_t>(range.start);
+    lock.l_len = static_cast<off_t>(range.length);
+    while (::fcntl(descriptor, F_OFD_SETLK, &lock) != 0) {
+        if (errno != EINTR)
+            return errno;
+    }
+    return 0;
+}
+
+bool tryLockRange(int descriptor, LockRange range, LockMode mode)
+{
+    const int failure =
+        requestLock(descriptor, range, mode == LockMode::Shared ? F_RDLCK : F_WRLCK);
+    if (failure != 0 && failure != EAGAIN && failure != EACCES)
+        throwSystemError("Locking failed", failure);
+    return failure == 0;
 }
 
 class PosixFile final : public File
@@ -116,6 +192,20 @@ public:
             throwSystemError("Writing to the disk failed", errno);
     }
 
+    bool tryLock(LockPart part, LockMode mode) override
+    {
+        return tryLockRange(m_descriptor.number(), lockRange(part), mode);
+    }
+    void unlock(LockPart part) override
+    {
+        requestLock(m_descriptor.number(), lockRange(part), F_UNLCK);
+    }
+
+    bool isNamed(const std::filesystem::path &path) override
+    {
+        return leadsTo(path, m_descriptor.number());
+    }
+
 private:
     Descriptor m_descriptor;
 };
@@ -123,85 +213,29 @@ private:
 class PosixLockFile final : public LockFile
 {
 public:
-    PosixLockFile(std::filesystem::path path, FileSystem::Access access, Descriptor descriptor)
-        : m_path(std::move(path)), m_access(access), m_descriptor(std::move(descriptor))
+    /// `isOurs` tells whether the file may be removed.
+    PosixLockFile(std::filesystem::path path, Descriptor descriptor, bool isOurs)
+        : m_path(std::move(path)), m_descriptor(std::move(descriptor)), m_isOurs(isOurs)
     {
     }
 
     ~PosixLockFile() override
     {
-        if (request(Part::Opener, F_WRLCK) == 0 && stillNamed())
+        if (m_isOurs && requestLock(m_descriptor.number(), kProgramUsers, F_WRLCK) == 0 &&
+            isNamed())
             ::unlink(m_path.c_str());
     }
 
-    bool tryLock(Part part, Mode mode) override
+    bool tryLock(LockMode mode) override
     {
-        while (lockOnce(part, mode)) {
-            if (part != Part::Opener || stillNamed())
-                return true;
-            // The last opener removed the file after this one had opened it.
-            Descriptor fresh = openDescriptor(m_path, m_access);
-            if (!fresh.isOpen())
-                throwSystemError("Opening '" + displayName(m_path) + "' failed", errno);
-            m_descriptor = std::move(fresh);
-        }
-        return false;
+        return tryLockRange(m_descriptor.number(), kProgramUsers, mode);
     }
-    void unlock(Part part) override { request(part, F_UNLCK); }
-
-    std::uint64_t stamp() override
-    {
-        std::array<std::uint8_t, 8> bytes{};
-        readAt(m_descriptor.number(), kStampOffset, bytes);
-        return readLittleEndian<std::uint64_t>(bytes, 0);
-    }
-    void setStamp(std::uint64_t stamp) override
-    {
-        std::array<std::uint8_t, 8> bytes{};
-        writeLittleEndian<8>(bytes, 0, stamp);
-        writeAt(m_descriptor.number(), kStampOffset, bytes);
-    }
+    bool isNamed() override { return leadsTo(m_path, m_descriptor.number()); }
 
 private:
-    bool lockOnce(Part part, Mode mode)
-    {
-        const int failure = request(part, mode == Mode::Shared ? F_RDLCK : F_WRLCK);
-        if (failure != 0 && failure != EAGAIN && failure != EACCES)
-            throwSystemError("Locking failed", failure);
-        return failure == 0;
-    }
-
-    /// 0 or the system's error number. Locks of the open file, not of the process: two openers in
-    /// one process must see each other, and closing one must not take away the other's.
-    int request(Part part, int type)
-    {
-        const LockRange range = lockRange(part);
-        struct flock lock {
-        };
-        lock.l_type = static_cast<short>(type);
-        lock.l_whence = SEEK_SET;
-        lock.l_start = static_cast<off_t>(range.start);
-        lock.l_len = static_cast<off_t>(range.length);
-        while (::fcntl(m_descriptor.number(), F_OFD_SETLK, &lock) != 0) {
-            if (errno != EINTR)
-                return errno;
-        }
-        return 0;
-    }
-
-    bool stillNamed() const
-    {
-        struct stat own {
-        };
-        struct stat named {
-        };
-        return ::fstat(m_descriptor.number(), &own) == 0 && ::stat(m_path.c_str(), &named) == 0 &&
-               own.st_dev == named.st_dev && own.st_ino == named.st_ino;
-    }
-
     std::filesystem::path m_path;
-    FileSystem::Access m_access;
     Descriptor m_descriptor;
+    bool m_isOurs;
 };
 
 class PosixFileSystem final : public FileSystem
@@ -212,10 +246,8 @@ public:
         Descriptor descriptor = openDescriptor(path, access);
         if (!descriptor.isOpen())
             throwCannotOpen(path, errno);
-        struct stat status {
-        };
-        if (::fstat(descriptor.number(), &status) != 0 || !S_ISREG(status.st_mode))
-            throwCannotOpen(path, EISDIR);
+        if (!isRegularFile(descriptor.number()))
+            throwNotAFile(path);
         return std::make_unique<PosixFile>(std::move(descriptor));
     }
 
@@ -236,6 +268,23 @@ public:
             throwSystemError("Replacing '" + displayName(to) + "' failed", errno);
     }
 
+    void place(const std::filesystem::path &from, const std::filesystem::path &to) override
+    {
+        int failure =
+            ::renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0
+                ? 0
+                : errno;
+        if (failure == EINVAL || failure == ENOSYS) { // not on this file system
+            failure = ::link(from.c_str(), to.c_str()) == 0 ? 0 : errno;
+            if (failure == 0)
+                ::unlink(from.c_str());
+        }
+        if (failure == EEXIST)
+            throwFileExists(to);
+        if (failure != 0)
+            throwSystemError("Naming '" + displayName(to) + "' failed", failure);
+    }
+
     std::filesystem::path resolve(const std::filesystem::path &path) override
     {
         std::error_code failure;
@@ -249,11 +298,19 @@ public:
     {
         struct stat wanted {
         };
-        if (::stat(model.c_str(), &wanted) != 0)
+        struct stat found {
+        };
+        if (::stat(model.c_str(), &wanted) != 0 || ::stat(file.c_str(), &found) != 0)
             return;
-        // Only root gives files away; for others the folder's group has to do.
-        [[maybe_unused]] const int owned = ::chown(file.c_str(), wanted.st_uid, wanted.st_gid);
-        ::chmod(file.c_str(), wanted.st_mode & 07777);
+        // Only root gives files away; for others the group has to do, which may be one of theirs.
+        const auto give = [&](uid_t owner) {
+            return ::chown(file.c_str(), owner, wanted.st_gid) == 0;
+        };
+        if ((found.st_uid != wanted.st_uid || found.st_gid != wanted.st_gid) &&
+            !give(wanted.st_uid))
+            give(static_cast<uid_t>(-1));
+        if (((found.st_mode ^ wanted.st_mode) & 07777) != 0)
+            ::chmod(file.c_str(), wanted.st_mode & 07777);
     }
 
     void syncFolder(const std::filesystem::path &folder) override
@@ -272,27 +329,26 @@ public:
 
     std::unique_ptr<LockFile> openLock(const std::filesystem::path &path, Access access) override
     {
-        Descriptor descriptor = openDescriptor(path, Access::Create);
-        if (descriptor.isOpen())
-            return std::make_unique<PosixLockFile>(path, Access::Create, std::move(descriptor));
-        if (access != Access::Read)
-            throwCannotOpen(path, errno);
-        descriptor = openDescriptor(path, Access::Read);
-        if (descriptor.isOpen())
-            return std::make_unique<PosixLockFile>(path, Access::Read, std::move(descriptor));
-        return std::make_unique<NoLockFile>();
-    }
-
-private:
-    [[noreturn]] static void throwCannotOpen(const std::filesystem::path &path, int number)
-    {
-        if (number == ENOENT || number == ENOTDIR)
-            throwFileNotFound(path);
-        if (number == EACCES || number == EPERM || number == EROFS || number == EISDIR ||
-            number == ETXTBSY)
-            throw Error(ErrorCode::ReadOnly, "Cannot open file '" + displayName(path) +
-                                                 "': " + std::system_category().message(number));
-        throwSystemError("Opening '" + displayName(path) + "' failed", number);
+        Descriptor descriptor = openDescriptor(path, Access::CreateNew);
+        if (descriptor.isOpen()) {
+            // On a full disk it stays empty, and is known by that.
+            [[maybe_unused]] const ssize_t marked =
+                ::pwrite(descriptor.number(), kLockMark.data(), kLockMark.size(), kLockMarkOffset);
+            return std::make_unique<PosixLockFile>(path, std::move(descriptor), true);
+        }
+        descriptor = openDescriptor(path, Access::Create); // the last user may remove it just now
+        if (!descriptor.isOpen() && access == Access::Read)
+            descriptor = openDescriptor(path, Access::Read);
+        if (!descriptor.isOpen()) {
+            if (access != Access::Read)
+                throwCannotOpen(path, errno);
+            return nullptr;
+        }
+        if (!isRegularFile(descriptor.number()))
+            throwNotAFile(path);
+        Bytes content(kLockFileSize + 1);
+        content.resize(readAt(descriptor.number(), 0, content));
+        return std::make_unique<PosixLockFile>(path, std::move(descriptor), isOurLockFile(content));
     }
 };
 

@@ -98,6 +98,29 @@ void checkFormat(PageBytes page)
 
 } // namespace
 
+ChangeCounter counterOf(PageBytes headerPage)
+{
+    return readLittleEndian<ChangeCounter>(headerPage, kChangeCounterOffset);
+}
+
+void countChange(MutablePageBytes page)
+{
+    std::uint32_t number = 0;
+    for (std::size_t i = 0; i < 4; ++i)
+        number |= std::uint32_t{page[kChangeCounterOffset + 2 * i]} << (8 * i);
+    ++number;
+    for (std::size_t i = 0; i < 4; ++i)
+        writeU16(page, kChangeCounterOffset + 2 * i,
+                 static_cast<std::uint16_t>(0x0100 | ((number >> (8 * i)) & 0xFF)));
+}
+
+bool isChangeCounter(ChangeCounter counter)
+{
+    constexpr ChangeCounter kHighBytes = 0xFF00FF00FF00FF00;
+    constexpr ChangeCounter kAtRest = 0x0100010001000100;
+    return (counter & kHighBytes) == kAtRest;
+}
+
 HeaderInfo readHeaderPage(PageBytes page)
 {
     checkFormat(page);

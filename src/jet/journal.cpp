@@ -1,5 +1,7 @@
 #include "jet/journal.h"
 
+#include "jet/header_page.h"
+
 #include <algorithm>
 #include <bit>
 #include <cstring>
@@ -9,13 +11,14 @@ namespace jet
 namespace
 {
 
-constexpr std::array<std::uint8_t, 8> kMagic{'J', 'E', 'T', 'J', 'R', 'N', '2', 0};
 constexpr std::size_t kHeaderSize = 24;
 constexpr std::size_t kWitnessSize = 16;
 constexpr std::size_t kSectors = kPageSize / kSectorSize;
 constexpr std::size_t kRecordHeaderSize = 8 + 8 * kSectors;
 constexpr std::size_t kRecordSize = kRecordHeaderSize + kPageSize;
 constexpr std::size_t kHashSize = 8;
+/// The file grows by this much at a time: a changed size costs the next sync a second write.
+constexpr std::uint64_t kGrowth = 65536;
 /// Neighbouring pages written by one call; more gains nothing.
 constexpr std::size_t kRunLength = 64;
 
@@ -60,7 +63,7 @@ std::uint64_t hashBytes(ByteView bytes, std::uint64_t seed)
 void Journal::write(File &file, PageNo pagesBefore, PageNo pagesAfter,
                     std::span<const PageWitness> witnesses, std::span<const PageChange> changes)
 {
-    Bytes bytes(kMagic.begin(), kMagic.end());
+    Bytes bytes(kStatementMark.begin(), kStatementMark.end());
     appendLittleEndian<4>(bytes, pagesBefore);
     appendLittleEndian<4>(bytes, pagesAfter);
     appendLittleEndian<4>(bytes, witnesses.size());
@@ -72,7 +75,7 @@ void Journal::write(File &file, PageNo pagesBefore, PageNo pagesAfter,
     }
 
     std::uint64_t hash = hashBytes(bytes);
-    std::uint64_t offset = 0;
+    std::uint64_t offset = kStatementOffset;
     for (std::size_t i = 0; i < changes.size(); ++i) {
         const std::size_t recordStart = bytes.size();
         appendRecord(bytes, changes[i]);
@@ -84,28 +87,39 @@ void Journal::write(File &file, PageNo pagesBefore, PageNo pagesAfter,
         }
     }
     appendLittleEndian<kHashSize>(bytes, hash);
+    if (const std::uint64_t end = offset + bytes.size(); end > file.size())
+        bytes.resize(bytes.size() + static_cast<std::size_t>(kGrowth - end % kGrowth));
     file.write(offset, bytes);
 }
 
 std::optional<Journal> Journal::read(File &file)
 {
+    if (auto journal = readAt(file, kStatementOffset, kStatementMark))
+        return journal;
+    return readAt(file, 0, kOldStatementMark);
+}
+
+std::optional<Journal> Journal::readAt(File &file, std::uint64_t start,
+                                       std::span<const std::uint8_t, 8> mark)
+{
     std::array<std::uint8_t, kHeaderSize> header{};
-    if (file.read(0, header) != header.size() ||
-        !std::equal(kMagic.begin(), kMagic.end(), header.begin()))
+    if (file.read(start, header) != header.size() ||
+        !std::equal(mark.begin(), mark.end(), header.begin()))
         return std::nullopt;
     Journal journal;
     journal.m_pagesBefore = readU32(header, 8);
     journal.m_pagesAfter = readU32(header, 12);
     const std::uint32_t witnesses = readU32(header, 16);
     const std::uint32_t records = readU32(header, 20);
-    const std::uint64_t recordsStart = kHeaderSize + std::uint64_t{witnesses} * kWitnessSize;
+    const std::uint64_t headSize = kHeaderSize + std::uint64_t{witnesses} * kWitnessSize;
+    const std::uint64_t recordsStart = start + headSize;
     const std::uint64_t end = recordsStart + std::uint64_t{records} * kRecordSize;
     // Also bounds the memory that a damaged count could ask for.
     if (file.size() < end + kHashSize)
         return std::nullopt;
 
-    Bytes head(static_cast<std::size_t>(recordsStart)); // at most the file's size
-    if (file.read(0, head) != head.size())
+    Bytes head(static_cast<std::size_t>(headSize)); // at most the file's size
+    if (file.read(start, head) != head.size())
         return std::nullopt;
     journal.readWitnesses(ByteView(head).subspan(kHeaderSize));
     std::uint64_t hash = hashBytes(head);
@@ -161,31 +175,53 @@ Journal::State Journal::stateOf(PageNo page, PageBytes found) const
     return state;
 }
 
-bool Journal::mustBeFinished(File &database) const
+JournalTraces Journal::tracesIn(File &database) const
 {
     // Other programs may leave a file that ends inside a page; no opener counts that part.
     const std::uint64_t pages = database.size() / kPageSize;
-    if (pages < m_pagesBefore || pages > m_pagesAfter)
-        return false;
+    JournalTraces traces;
+    traces.lengthFits = pages >= m_pagesBefore && pages <= m_pagesAfter;
+    traces.isBegun = pages != m_pagesBefore;
     PageBuffer found{};
     const auto load = [&](PageNo page) {
         return database.read(fileOffset(page), found) == found.size();
     };
-    const auto isAsItWas = [&](const PageWitness &witness) {
-        return load(witness.page) && hashBytes(found) == witness.hash;
-    };
-    if (!std::ranges::all_of(m_witnesses, isAsItWas))
-        return false;
-    bool begun = pages != m_pagesBefore;
+    for (const PageWitness &witness : m_witnesses) {
+        if (load(witness.page) && hashBytes(found) == witness.hash)
+            continue;
+        if (witness.page == kHeaderPage)
+            traces.headerIsForeign = true;
+        else
+            traces.reliedOnIsSame = false;
+    }
     for (const auto &[page, content] : m_pages) {
         if (page >= m_pagesBefore)
             continue;
         const State state = load(page) ? stateOf(page, found) : State::Foreign;
-        if (state == State::Foreign)
-            return false;
-        begun = begun || state == State::Begun;
+        traces.isBegun = traces.isBegun || state == State::Begun;
+        if (state != State::Foreign)
+            continue;
+        if (page == kHeaderPage)
+            compareHeader(found, traces);
+        else
+            traces.isTorn = true;
     }
-    return begun;
+    return traces;
+}
+
+/// Page 0 is neither the old nor the new one.
+void Journal::compareHeader(PageBytes found, JournalTraces &traces) const
+{
+    const ByteView sector = sectorOf(found, kChangeCounterOffset / kSectorSize);
+    const bool isOldCounter =
+        hashBytes(sector) ==
+        m_oldPages.at(kHeaderPage).sectorHashes[kChangeCounterOffset / kSectorSize];
+    const ChangeCounter counter = counterOf(found);
+    const bool isKnown = isOldCounter || counter == counterOf(*m_pages.at(kHeaderPage));
+    if (isKnown || !isChangeCounter(counter))
+        traces.headerIsTorn = true;
+    else
+        traces.headerIsForeign = true;
 }
 
 void writePages(File &database, std::span<const PageChange> changes)

@@ -2,65 +2,128 @@
 
 #include "jet/error.h"
 
+#include <algorithm>
+#include <string>
 #include <utility>
 
 namespace jet
 {
+namespace
+{
 
-JournalFile::JournalFile(FileSystem &files, std::filesystem::path database, Durability durability)
+/// What a long statement took of the disk is given back.
+constexpr std::uint64_t kLargestKept = 1 << 20;
+constexpr std::uint64_t kSizeWhenCut = 65536;
+
+} // namespace
+
+JournalFile::JournalFile(FileSystem &files, std::filesystem::path database,
+                         const OpenOptions &options)
     : m_files(files), m_database(std::move(database)), m_path(journalPath(m_database)),
-      m_durability(durability)
+      m_options(options)
 {
 }
 
-/// Null when there is none.
-std::unique_ptr<File> JournalFile::openForReading() const
+/// Opens the file that has the name now; false when there is none.
+bool JournalFile::find()
 {
+    if (m_file && m_file->isNamed(m_path))
+        return true;
+    m_file.reset();
     if (!m_files.exists(m_path))
-        return nullptr;
+        return false;
     try {
-        return m_files.open(m_path, FileSystem::Access::Read);
+        m_file = m_files.open(m_path, m_options.readOnly ? FileSystem::Access::Read
+                                                         : FileSystem::Access::Write);
+        if (!m_options.readOnly)
+            m_files.matchAccess(m_path, m_database); // which may have been given to others since
     } catch (const Error &error) {
         if (error.code() != ErrorCode::FileNotFound)
             throw;
-        return nullptr; // removed meanwhile
+        return false; // removed meanwhile
+    }
+    return true;
+}
+
+JournalMark JournalFile::markAt(std::uint64_t offset)
+{
+    JournalMark mark{};
+    m_file->read(offset, mark);
+    return mark;
+}
+
+bool JournalFile::hasStatement()
+{
+    return find() && (markAt(kStatementOffset) == kStatementMark || markAt(0) == kOldStatementMark);
+}
+
+std::optional<Journal> JournalFile::read()
+{
+    return find() ? Journal::read(*m_file) : std::nullopt;
+}
+
+void JournalFile::write(PageNo pagesBefore, PageNo pagesAfter,
+                        std::span<const PageWitness> witnesses, std::span<const PageChange> changes)
+{
+    if (!find())
+        make();
+    try {
+        Journal::write(*m_file, pagesBefore, pagesAfter, witnesses, changes);
+        if (m_options.durability == Durability::Synced) {
+            m_file->sync();
+            makeNameDurable();
+        }
+    } catch (const Error &) {
+        clear();
+        throw;
     }
 }
 
-bool JournalFile::isEmpty() const
+void JournalFile::make()
 {
-    const auto file = openForReading();
-    return !file || file->size() == 0;
+    m_file = m_files.open(m_path, FileSystem::Access::Create);
+    m_files.matchAccess(m_path, m_database);
 }
 
-std::optional<Journal> JournalFile::read() const
+/// Without its name on the disk the journal would be lost with the power. That the file is there
+/// does not show whether its maker came as far as that; the mark does.
+void JournalFile::makeNameDurable()
 {
-    const auto file = openForReading();
-    return file ? Journal::read(*file) : std::nullopt;
+    if (markAt(0) == kDurableNameMark)
+        return;
+    m_files.syncFolder(m_path.parent_path());
+    m_file->write(0, kDurableNameMark);
 }
 
-std::unique_ptr<File> JournalFile::open()
+void JournalFile::clear() noexcept
 {
-    const bool isNew = !m_files.exists(m_path);
-    auto file = m_files.open(m_path, FileSystem::Access::Create);
-    m_wasOpened = true;
-    if (isNew) {
-        m_files.matchAccess(m_path, m_database);
-        m_nameIsDurable = false;
+    try {
+        if (markAt(0) == kOldStatementMark) {
+            m_file->resize(0);
+            return;
+        }
+        m_file->write(kStatementOffset, JournalMark{});
+        if (m_file->size() > kLargestKept)
+            m_file->resize(kSizeWhenCut);
+    } catch (const Error &) {
+        return;
     }
-    // Without its name on the disk the journal would be lost with the power. A file that was found
-    // does not show whether its maker came as far as that.
-    if (!m_nameIsDurable && m_durability == Durability::Synced) {
-        m_files.syncFolder(m_path.parent_path());
-        m_nameIsDurable = true;
-    }
-    return file;
 }
 
-void JournalFile::removeWhenEmpty()
+std::filesystem::path JournalFile::keepAside()
 {
-    if (isEmpty())
-        m_files.remove(m_path);
+    m_file.reset();
+    for (int number = 1;; ++number) {
+        std::filesystem::path name = m_path;
+        name += number == 1 ? ".kept" : ".kept" + std::to_string(number);
+        try {
+            m_files.place(m_path, name);
+            return name;
+        } catch (const Error &error) {
+            if (error.code() != ErrorCode::FileExists)
+                throw;
+        }
+    }
 }
 
 } // namespace jet

@@ -10,32 +10,42 @@
 namespace jet
 {
 
-/// The file of a database's journal: where it stands, whether there is one, and its end.
+/// The file of a database's journal: where it stands, whether its name is on the disk, its end.
 class JournalFile
 {
 public:
     /// Keeps a reference to `files`.
-    JournalFile(FileSystem &files, std::filesystem::path database, Durability durability);
+    JournalFile(FileSystem &files, std::filesystem::path database, const OpenOptions &options);
 
-    /// True as well when there is no file.
-    bool isEmpty() const;
-    /// What is in it, without changing it; nothing when that is not a whole statement.
-    std::optional<Journal> read() const;
-    /// For writing; made when missing.
-    std::unique_ptr<File> open();
-    void removeWhenEmpty();
-    /// True when open() has been called, so that there may be a file to remove.
-    bool wasOpened() const { return m_wasOpened; }
+    /// True when there is a statement in it, which may not be whole.
+    bool hasStatement();
+    /// Nothing when there is no whole one.
+    std::optional<Journal> read();
+    /// Makes the file when it is missing. Afterwards the statement will be there whatever happens,
+    /// as far as the durability asks for that. On failure there is none.
+    void write(PageNo pagesBefore, PageNo pagesAfter, std::span<const PageWitness> witnesses,
+               std::span<const PageChange> changes);
+    /// Forgets the statement, once it is carried out or undone. A failure harms nothing, see
+    /// journal.h.
+    void clear() noexcept;
+    /// Gives a journal that is of no use here another name; returns that.
+    std::filesystem::path keepAside();
+    /// Closes the file.
+    void release() { m_file.reset(); }
+
+    const std::filesystem::path &path() const { return m_path; }
 
 private:
-    std::unique_ptr<File> openForReading() const;
+    JournalMark markAt(std::uint64_t offset);
+    bool find();
+    void make();
+    void makeNameDurable();
 
     FileSystem &m_files;
     std::filesystem::path m_database;
     std::filesystem::path m_path;
-    Durability m_durability;
-    bool m_wasOpened = false;
-    bool m_nameIsDurable = false;
+    OpenOptions m_options;
+    std::unique_ptr<File> m_file;
 };
 
 } // namespace jet

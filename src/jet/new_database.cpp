@@ -5,7 +5,9 @@
 #include "jet/header_page.h"
 #include "jet/index_page.h"
 #include "jet/pager.h"
+#include "jet/session.h"
 #include "jet/system_tables.h"
+#include "jet/table_builder.h"
 #include "jet/table_definition_codec.h"
 #include "jet/table_store.h"
 #include "jet/usage_map.h"
@@ -92,49 +94,41 @@ void addSystemRows(Pager &pager, DateTime now)
     pager.commit();
 }
 
-void refuseWhenThere(FileSystem &files, const std::filesystem::path &path)
+void addTables(Session &session, const std::vector<TableDesign> &tables, DateTime now)
 {
-    if (files.exists(path))
-        throw Error(ErrorCode::FileExists, "Database '" + displayName(path) + "' already exists.");
-}
-
-/// Keeps everybody else from the name, also those who want to make the same file.
-std::unique_ptr<LockFile> lockName(FileSystem &files, const std::filesystem::path &path)
-{
-    std::unique_ptr<LockFile> lock;
-    try {
-        lock = files.openLock(lockPath(path), FileSystem::Access::Write);
-    } catch (const Error &error) {
-        if (error.code() == ErrorCode::FileNotFound)
-            throwFileNotFound(path); // it is the folder that is missing
-        throw;
+    for (const TableDesign &design : tables) {
+        session.write([&] {
+            const PageNo page = buildTable(session.pager(), makeDefinition(design));
+            session.catalog().add(design.name, page, now);
+        });
     }
-    if (!lock->lock(LockFile::Part::Opener, LockFile::Mode::Exclusive, OpenOptions{}.lockTimeout))
-        throw Error(ErrorCode::InUse,
-                    "Could not use '" + displayName(path) + "': another program has it open.");
-    return lock;
 }
 
 } // namespace
 
-void makeNewDatabase(const std::filesystem::path &path, DateTime now,
-                     const std::shared_ptr<FileSystem> &files)
+void writeNewDatabase(Draft &draft, DateTime now, const std::shared_ptr<FileSystem> &files,
+                      const std::vector<TableDesign> &tables)
 {
-    refuseWhenThere(*files, path);
-    const auto lock = lockName(*files, path);
-    refuseWhenThere(*files, path); // somebody else may have made it meanwhile
-    Draft draft(*files, path, ".new");
+    PageNo number = 0;
+    for (const PageBuffer &page : makeFirstPages())
+        draft.file().write(fileOffset(number++), page);
     {
-        const auto file = files->open(draft.path(), FileSystem::Access::Create);
-        PageNo number = 0;
-        for (const PageBuffer &page : makeFirstPages())
-            file->write(fileOffset(number++), page);
-    }
-    {
-        Pager pager(files, draft.path(), {});
+        Pager pager(files, draft.path(), {}, Pager::Use::Draft, nullptr);
         addSystemRows(pager, now);
     }
-    draft.putInPlace();
+    Session session(files, draft.path(), {}, Pager::Use::Draft);
+    addTables(session, tables, now);
+}
+
+void makeNewDatabase(const std::filesystem::path &path, DateTime now,
+                     const std::shared_ptr<FileSystem> &files,
+                     const std::vector<TableDesign> &tables)
+{
+    if (files->exists(path))
+        throwFileExists(path);
+    Draft draft(*files, path, ".new");
+    writeNewDatabase(draft, now, files, tables);
+    draft.takeFreeName();
 }
 
 } // namespace jet

@@ -5,49 +5,69 @@
 
 namespace jet
 {
-
 Pager::Pager(std::shared_ptr<FileSystem> files, const std::filesystem::path &path,
-             OpenOptions options)
-    : m_files(std::move(files)), m_path(m_files->resolve(path)), m_options(options),
-      m_journal(*m_files, m_path, options.durability), m_cache(options.cachedPages)
+             const OpenOptions &options, Use use, SoundnessCheck isSound)
+    : m_files(std::move(files)), m_name(path), m_path(m_files->resolve(path)), m_options(options),
+      m_use(use), m_isSound(std::move(isSound)), m_journal(*m_files, m_path, options),
+      m_cache(options.cachedPages)
 {
-    if (!m_files->exists(m_path))
-        throwFileNotFound(m_path);
     const auto access = m_options.readOnly ? FileSystem::Access::Read : FileSystem::Access::Write;
-    openLock(access);
-    lock(Lock::Opener, LockFile::Mode::Shared, "the file is opened exclusively by another program");
-    // Not before: while the lock was waited for, another file may have taken this one's place.
-    m_file = m_files->open(m_path, access);
-    m_stamp = m_lock->stamp();
-    m_mustLook = true;
-    const ReadScope look(*this);
-    if (m_pageCount == 0)
-        throw Error(ErrorCode::NotADatabase,
-                    "Unrecognized database format '" + displayName(m_path) + "'.");
-}
-
-void Pager::openLock(FileSystem::Access access)
-{
-    const std::filesystem::path path = lockPath(m_path);
-    const bool isNew = !m_files->exists(path);
-    m_lock = m_files->openLock(path, access);
-    if (isNew)
-        m_files->matchAccess(path, m_path);
+    openFile(access);
+    openLockFile(access);
 }
 
 Pager::~Pager()
 {
     rollback();
-    if (!m_lock || !m_journal.wasOpened())
+}
+
+void Pager::openFile(FileSystem::Access access)
+{
+    do {
+        m_file = m_files->open(m_path, access);
+        lock(LockPart::Opener, LockMode::Shared,
+             "the file is opened exclusively by another program");
+        // While the lock was waited for, another file may have taken this one's place.
+    } while (!m_file->isNamed(m_path));
+}
+
+void Pager::openLockFile(FileSystem::Access access)
+{
+    const std::filesystem::path path = lockPath(m_path);
+    if (m_use == Use::Draft || m_file->isNamed(path)) // a database may be called name.ldb itself
         return;
-    // The next opener would only find an empty journal, so a failure here harms nothing.
-    try {
-        if (m_lock->tryLock(Lock::Writer, LockFile::Mode::Exclusive) &&
-            m_lock->tryLock(Lock::Pages, LockFile::Mode::Exclusive))
-            m_journal.removeWhenEmpty();
-    } catch (const Error &) {
+    do {
+        const bool isNew = !m_files->exists(path);
+        m_lockFile = m_files->openLock(path, access);
+        if (!m_lockFile)
+            return;
+        if (isNew)
+            m_files->matchAccess(path, m_path);
+        if (!m_lockFile->lock(LockMode::Shared, m_options.lockTimeout))
+            throw Error(ErrorCode::InUse,
+                        "Could not use '" + displayName(m_path) +
+                            "': the file is opened exclusively by another program.");
+        // The last user may have removed it after this one had opened it.
+    } while (!m_lockFile->isNamed());
+}
+
+/// Users remove lock files that look left over. The database program would then lock another one.
+void Pager::renewLockFile()
+{
+    if (m_lockFile && !m_lockFile->isNamed())
+        openLockFile(FileSystem::Access::Write);
+}
+
+/// What is written to a file that nobody can find any more is lost.
+void Pager::requireName()
+{
+    if (m_file->isNamed(m_name))
         return;
-    }
+    if (!m_files->exists(m_name))
+        throwFileNotFound(m_name);
+    throw Error(ErrorCode::DiskError, "'" + displayName(m_name) +
+                                          "' was replaced by another file while it was open. "
+                                          "The change was not stored.");
 }
 
 PageRef Pager::read(PageNo page)
@@ -64,6 +84,8 @@ std::shared_ptr<PageBuffer> Pager::load(PageNo page)
 {
     if (auto cached = m_cache.find(page))
         return cached;
+    if (m_isGlancing)
+        endGlance();
     if (page >= m_pageCount)
         throwDamaged("a reference leads to page " + std::to_string(page) +
                          " behind the end of the file",
@@ -112,9 +134,10 @@ void Pager::begin()
         throw Error(ErrorCode::InvalidArgument, "A transaction is already running.");
     lockWriter();
     try {
-        const ReadScope look(*this);
-        finishJournal(); // of a writer that died before it touched the file
+        renewLockFile();
+        lookAtFile(); // nobody else changes it now
     } catch (...) {
+        m_mustLook = true;
         unlockWriter();
         throw;
     }
@@ -131,13 +154,16 @@ void Pager::commit()
         return;
     }
     try {
-        lockPages(LockFile::Mode::Exclusive, "another program is reading it");
+        countChange(edit(kHeaderPage));
+        lockPages(LockMode::Exclusive, "another program is reading it");
+        requireName();
         applyChanges();
     } catch (...) {
         rollback();
         m_mustLook = true;
         throw;
     }
+    m_counter = counterOf(*m_changes.at(kHeaderPage).after);
     for (auto &[page, change] : m_changes)
         m_cache.keep(page, std::move(change.after));
     endTransaction();
@@ -153,10 +179,10 @@ std::vector<PageChange> Pager::sortedChanges() const
     return changes;
 }
 
-/// Other programs leave traces on the first two pages whatever they write.
+/// Other programs leave traces on page 1, and on page 0, which always changes, whatever they write.
 std::vector<PageWitness> Pager::witnesses()
 {
-    m_reliedOn.insert({kHeaderPage, kGlobalMapPage});
+    m_reliedOn.insert(kGlobalMapPage);
     std::vector<PageWitness> result;
     for (const PageNo page : m_reliedOn) {
         if (!m_changes.contains(page))
@@ -168,25 +194,20 @@ std::vector<PageWitness> Pager::witnesses()
 void Pager::applyChanges()
 {
     const std::vector<PageChange> changes = sortedChanges();
-    const std::vector<PageWitness> reliedOn = witnesses();
-    const auto journal = m_journal.open();
-    try {
-        Journal::write(*journal, m_pageCountBefore, m_pageCount, reliedOn, changes);
-        syncIfWanted(*journal);
-        m_lock->setStamp(++m_stamp);
-    } catch (const Error &) {
-        journal->resize(0);
-        throw;
+    if (m_use == Use::Draft) {
+        writePages(*m_file, changes);
+        return;
     }
-    writeOrUndo(*journal, changes);
-    emptyJournal(*journal);
+    m_journal.write(m_pageCountBefore, m_pageCount, witnesses(), changes);
+    writeOrUndo(changes);
+    m_journal.clear();
 }
 
-void Pager::writeOrUndo(File &journal, const std::vector<PageChange> &changes)
+void Pager::writeOrUndo(const std::vector<PageChange> &changes)
 {
     try {
         writePages(*m_file, changes);
-        syncIfWanted(*m_file);
+        syncIfWanted();
     } catch (const Error &failure) {
         try {
             undoChanges();
@@ -195,18 +216,8 @@ void Pager::writeOrUndo(File &journal, const std::vector<PageChange> &changes)
                                             " The change is kept beside the file and is finished "
                                             "as soon as the disk can be written again.");
         }
-        journal.resize(0);
+        m_journal.clear();
         throw;
-    }
-}
-
-/// The statement is stored by now; a journal that cannot be emptied only repeats it.
-void Pager::emptyJournal(File &journal)
-{
-    try {
-        journal.resize(0);
-    } catch (const Error &) {
-        m_mustLook = true;
     }
 }
 
@@ -220,7 +231,7 @@ void Pager::undoChanges()
     std::ranges::sort(changes, {}, &PageChange::page);
     writePages(*m_file, changes);
     m_file->resize(fileOffset(m_pageCountBefore));
-    syncIfWanted(*m_file);
+    syncIfWanted();
 }
 
 void Pager::rollback()
@@ -245,20 +256,20 @@ void Pager::endTransaction()
 void Pager::releasePages()
 {
     if (m_readDepth > 0)
-        weaken(Lock::Pages);
+        weaken(LockPart::Pages);
     else
-        m_lock->unlock(Lock::Pages);
+        m_file->unlock(LockPart::Pages);
 }
 
 void Pager::beginRead()
 {
-    if (m_readDepth == 0 && !m_inTransaction) {
-        lockPages(LockFile::Mode::Shared, "another program is writing to it");
+    if (!isReading()) {
+        lockPages(LockMode::Shared, "another program is writing to it");
         try {
-            noticeOthers();
+            lookAtFile();
         } catch (...) {
             m_mustLook = true; // what was to be seen has not been seen yet
-            m_lock->unlock(Lock::Pages);
+            m_file->unlock(LockPart::Pages);
             throw;
         }
     }
@@ -267,46 +278,70 @@ void Pager::beginRead()
 
 void Pager::endRead()
 {
-    if (--m_readDepth == 0 && !m_inTransaction)
-        m_lock->unlock(Lock::Pages);
+    if (--m_readDepth == 0 && !m_inTransaction && !m_isGlancing)
+        m_file->unlock(LockPart::Pages);
+    if (m_readDepth == 0)
+        m_isGlancing = false;
 }
 
-void Pager::lock(Lock part, LockFile::Mode mode, const char *who)
+bool Pager::isUnchanged()
 {
-    if (!m_lock->lock(part, mode, m_options.lockTimeout))
+    return isReading() || (!m_mustLook && storedCounter() == m_counter);
+}
+
+void Pager::beginGlance()
+{
+    m_isGlancing = m_isGlancing || !isReading();
+    ++m_readDepth;
+}
+
+/// A page can be trusted under the lock only.
+void Pager::endGlance()
+{
+    lockPages(LockMode::Shared, "another program is writing to it");
+    m_isGlancing = false;
+    if (storedCounter() != m_counter)
+        throw Overtaken();
+}
+
+void Pager::lock(LockPart part, LockMode mode, const char *who)
+{
+    if (m_use == Use::Draft)
+        return;
+    if (!m_file->lock(part, mode, m_options.lockTimeout))
         throw Error(ErrorCode::InUse,
                     "Could not use '" + displayName(m_path) + "': " + std::string(who) + ".");
 }
 
 /// Readers that come one after the other would otherwise keep a writer waiting for ever.
-void Pager::lockPages(LockFile::Mode mode, const char *who)
+void Pager::lockPages(LockMode mode, const char *who)
 {
-    lock(Lock::Turn, mode, who);
+    lock(LockPart::Turn, mode, who);
     try {
-        lock(Lock::Pages, mode, who);
+        lock(LockPart::Pages, mode, who);
     } catch (...) {
-        m_lock->unlock(Lock::Turn);
+        m_file->unlock(LockPart::Turn);
         throw;
     }
-    m_lock->unlock(Lock::Turn);
+    m_file->unlock(LockPart::Turn);
 }
 
 void Pager::lockWriter()
 {
-    lock(Lock::Writer, LockFile::Mode::Exclusive, "another program is writing to it");
+    lock(LockPart::Writer, LockMode::Exclusive, "another program is writing to it");
     m_holdsWriter = true;
 }
 
 void Pager::unlockWriter()
 {
-    m_lock->unlock(Lock::Writer);
+    m_file->unlock(LockPart::Writer);
     m_holdsWriter = false;
 }
 
-void Pager::syncIfWanted(File &file)
+void Pager::syncIfWanted()
 {
     if (m_options.durability == Durability::Synced)
-        file.sync();
+        m_file->sync();
 }
 
 void Pager::forgetPages()
@@ -327,28 +362,34 @@ void Pager::refreshPageCount()
 
 void Pager::lockOpeners()
 {
-    if (!m_lock->lock(Lock::Opener, LockFile::Mode::Exclusive, m_options.lockTimeout))
-        throw Error(ErrorCode::TableLocked, "Could not lock a table of '" + displayName(m_path) +
-                                                "': another program has the database open.");
-}
-
-std::unique_ptr<LockFile> Pager::closeKeepingLock()
-{
-    m_file.reset();
-    return std::move(m_lock);
+    if (m_file->lock(LockPart::Opener, LockMode::Exclusive, m_options.lockTimeout)) {
+        if (!m_lockFile || m_lockFile->lock(LockMode::Exclusive, m_options.lockTimeout))
+            return;
+        weaken(LockPart::Opener);
+    }
+    throw Error(ErrorCode::TableLocked, "Could not lock a table of '" + displayName(m_path) +
+                                            "': another program has the database open.");
 }
 
 void Pager::unlockOpeners()
 {
-    weaken(Lock::Opener);
+    weaken(LockPart::Opener);
+}
+
+void Pager::releaseName()
+{
+    m_journal.release();
+    m_file->releaseName();
 }
 
 /// Called while an object is destroyed. A lock that cannot be weakened stays the stronger one:
 /// others wait longer, nothing is lost.
-void Pager::weaken(Lock part) noexcept
+void Pager::weaken(LockPart part) noexcept
 {
     try {
-        m_lock->tryLock(part, LockFile::Mode::Shared);
+        m_file->tryLock(part, LockMode::Shared);
+        if (part == LockPart::Opener && m_lockFile)
+            m_lockFile->tryLock(LockMode::Shared);
     } catch (const Error &) {
         return;
     }

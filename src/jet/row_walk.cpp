@@ -21,17 +21,21 @@ public:
     }
     bool next(const TableStore &table) override
     {
-        // Rows of the same page need no look into the map, as long as nothing has changed.
-        if (isCurrent(table)) {
-            for (std::size_t slot = m_row.row + std::size_t{1}; slot < slotCount(*m_page); ++slot) {
-                m_slot = slotAt(*m_page, m_row.page, slot);
-                if (!m_slot.isRow())
-                    continue;
-                m_row.row = static_cast<std::uint8_t>(slot);
-                return true;
-            }
+        return nextWithinPage(table) || settle(table, table.rows().next(behind(m_row)));
+    }
+    bool nextWithinPage(const TableStore &table) override
+    {
+        if (!isCurrent(table))
+            return false;
+        for (std::size_t slot = m_row.row + std::size_t{1}; slot < slotCount(*m_page); ++slot) {
+            const Slot found = slotAt(*m_page, m_row.page, slot);
+            if (!found.isRow())
+                continue;
+            m_slot = found;
+            m_row.row = static_cast<std::uint8_t>(slot);
+            return true;
         }
-        return settle(table, table.rows().next(behind(m_row)));
+        return false;
     }
     bool previous(const TableStore &table) override
     {

@@ -19,6 +19,8 @@ public:
     virtual bool first(const TableStore &table) = 0;
     virtual bool last(const TableStore &table) = 0;
     virtual bool next(const TableStore &table) = 0;
+    /// The same where it needs no look into the file; false, and nothing moved, where it does.
+    virtual bool nextWithinPage(const TableStore &) { return false; }
     virtual bool previous(const TableStore &table) = 0;
     virtual RowPointer row() const = 0;
     /// The bytes of the current row. Throws Error(RecordDeleted).

@@ -1,13 +1,26 @@
 #include "jet/session.h"
 
 #include "jet/header_page.h"
+#include "jet/verify.h"
+
+#include <algorithm>
 
 namespace jet
 {
 
+namespace
+{
+
+bool isSound(Pager &pager)
+{
+    return std::ranges::all_of(verify(pager), &Finding::isLostSpace);
+}
+
+} // namespace
+
 Session::Session(std::shared_ptr<FileSystem> files, const std::filesystem::path &path,
-                 const OpenOptions &options)
-    : m_pager(std::move(files), path, options)
+                 const OpenOptions &options, Pager::Use use)
+    : m_pager(std::move(files), path, options, use, isSound)
 {
     const Pager::ReadScope scope(m_pager);
     readHeaderPage(*m_pager.read(kHeaderPage));

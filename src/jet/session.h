@@ -17,17 +17,34 @@ class Session
 {
 public:
     Session(std::shared_ptr<FileSystem> files, const std::filesystem::path &path,
-            const OpenOptions &options);
+            const OpenOptions &options, Pager::Use use = Pager::Use::Shared);
 
     Pager &pager() { return m_pager; }
 
-    /// Runs a function that reads while nobody else writes.
+    /// Runs a function that reads while nobody else writes. It may be run a second time, so it must
+    /// change nothing that a second run would miss.
     template <typename Function>
     auto read(Function &&function)
+    {
+        if (isUnchanged()) {
+            try {
+                const Pager::Glance glance(m_pager);
+                return function();
+            } catch (const Pager::Overtaken &) {
+                // once more, under the lock
+            }
+        }
+        return readOnce(std::forward<Function>(function));
+    }
+    /// The same for a function that changes what it works on.
+    template <typename Function>
+    auto readOnce(Function &&function)
     {
         const Pager::ReadScope scope(m_pager);
         return std::forward<Function>(function)();
     }
+    /// True while everything known of the database still holds.
+    bool isUnchanged() { return m_pager.isUnchanged(); }
 
     /// Runs a statement: all of it or, when it throws, nothing. Inside a transaction a failure
     /// after the first change breaks the transaction, which can then only be rolled back.

@@ -1,5 +1,5 @@
 #include "storage/storage_file.h"
-#include "jet/database.h"
+#include "jet/new_database.h"
 #include "storage/tabel.h"
 
 std::filesystem::path nativePath(const QString &path)
@@ -9,14 +9,6 @@ std::filesystem::path nativePath(const QString &path)
 
 void createStorageFile(const QString &path, const QDateTime &now)
 {
-    const QString unfinished = path + QStringLiteral(".new");
-    std::filesystem::remove(nativePath(unfinished));
-    if (std::filesystem::exists(nativePath(path)))
-        throw jet::Error(jet::ErrorCode::FileExists, "Database already exists.");
-    {
-        jet::Database database =
-            jet::Database::create(nativePath(unfinished), tabel::momentValue(now));
-        database.createTable(tabel::design(), tabel::momentValue(now));
-    }
-    std::filesystem::rename(nativePath(unfinished), nativePath(path));
+    jet::makeNewDatabase(nativePath(path), tabel::momentValue(now), jet::makeSystemFiles(),
+                         {tabel::design()});
 }

@@ -249,7 +249,7 @@ TEST_F(HistoryDiagramsTest, FailuresAreNumberedAndLeaveClearedCharts)
     const auto lock = jet::makeSystemFiles()->openLock(
         std::filesystem::path(archivePath()).replace_extension(".ldb"),
         jet::FileSystem::Access::Create);
-    ASSERT_TRUE(lock->tryLock(jet::LockFile::Part::Opener, jet::LockFile::Mode::Exclusive));
+    ASSERT_TRUE(lock->tryLock(jet::LockMode::Exclusive));
     EXPECT_EQ(failure(), static_cast<int>(ErrorCode::InUse));
     expectCleared();
 }

@@ -19,6 +19,9 @@ namespace
 {
 
 constexpr const char *kFile = "folder/autoclava1.mdb";
+constexpr const char *kJournal = "folder/autoclava1.mdb.jrn";
+/// A program that is stopped knows nothing of sectors.
+constexpr std::size_t kOffTheGrid = 700;
 
 struct Scenario {
     const char *name;
@@ -255,7 +258,9 @@ protected:
     void expectOneOrTheOtherWithoutPower(MemoryDisk &disk, bool mustBeAfter,
                                          const std::string &what)
     {
-        disk.losePower(++m_seed);
+        ++m_seed;
+        disk.losePower(m_seed,
+                       m_seed % 2 == 0 ? MemoryDisk::Sectors::Whole : MemoryDisk::Sectors::Garbled);
         expectOneOrTheOther(openOn(disk), mustBeAfter, what + ", power lost");
     }
 
@@ -274,11 +279,13 @@ protected:
 
 TEST_P(Crash, StoppedOrTornWriteLeavesAllOrNothing)
 {
-    tryEveryFault(m_start, MemoryDisk::Fault::Stop, runStatement,
-                  [&](MemoryDisk &disk, bool done, const std::string &what) {
-                      disk.endProgram();
-                      expectOneOrTheOther(openOn(disk), done, what);
-                  });
+    tryEveryFault(
+        m_start, MemoryDisk::Fault::Stop, runStatement,
+        [&](MemoryDisk &disk, bool done, const std::string &what) {
+            disk.endProgram();
+            expectOneOrTheOther(openOn(disk), done, what);
+        },
+        kOffTheGrid);
 }
 
 TEST_P(Crash, LostPowerLeavesAllOrNothing)
@@ -338,6 +345,54 @@ TEST_P(CrashAgain, PowerLostAfterAKilledProgramLeavesAllOrNothing)
     tryEveryFault(m_start, MemoryDisk::Fault::Stop, runStatement, goOn, kPageSize);
 }
 
+// Whoever makes the journal may die before its name is on the disk; the next one must not rely on
+// it.
+TEST_P(CrashAgain, JournalOfADeadMakerGuardsTheNextStatement)
+{
+    for (long at = 1;; ++at) {
+        MemoryDisk disk = m_start;
+        Database survivor = openOn(disk);
+        survivor.table(u"Tabel").appendRow(sampleRow(1000));
+        MemoryFileSystem(disk).remove(kJournal); // by hand
+        disk.setFault(MemoryDisk::Fault::Stop, at, 0);
+        errorOf([&] { openOn(disk).table(u"Tabel").appendRow(sampleRow(1001)); });
+        if (!disk.fired)
+            return;
+        disk.setFault(MemoryDisk::Fault::None, 0, 0);
+        const std::uint32_t before = survivor.table(u"Tabel").recordCount();
+        for (long next = 1;; ++next) {
+            MemoryDisk later = disk;
+            Database other = openOn(later);
+            later.setFault(MemoryDisk::Fault::Stop, next, 0);
+            const bool done = !errorOf([&] { other.table(u"Tabel").appendRow(sampleRow(1002)); });
+            const bool fired = later.fired;
+            later.losePower(++m_seed);
+            const Database database = openOn(later);
+            const std::uint32_t rows = database.table(u"Tabel").recordCount();
+            EXPECT_TRUE(rows == before + 1 || (!done && rows == before)) << at << ", " << next;
+            EXPECT_EQ(findings(database), "") << at << ", " << next;
+            if (!fired)
+                break;
+        }
+    }
+}
+
+TEST(JournalThatCannotBeEmptied, LetsTheStatementSucceed)
+{
+    MemoryDisk disk = emptyDisk();
+    MemoryDisk undisturbed = disk;
+    constexpr long kNever = 1'000'000;
+    Database first = openOn(undisturbed);
+    undisturbed.setFault(MemoryDisk::Fault::Stop, kNever, 0);
+    first.createTable(tabelDesign(), kSomeDay);
+    Database second = openOn(disk);
+    disk.setFault(MemoryDisk::Fault::Stop, undisturbed.operations, 0);
+    EXPECT_FALSE(errorOf([&] { second.createTable(tabelDesign(), kSomeDay); }));
+    EXPECT_TRUE(disk.fired);
+    disk.endProgram();
+    EXPECT_EQ(openOn(disk).tables(), std::vector<Text>{u"Tabel"});
+}
+
 std::string nameOf(const testing::TestParamInfo<Scenario> &scenario)
 {
     std::string name = scenario.param.name;
@@ -392,10 +447,10 @@ TEST_F(WholeFile, CreatedDatabaseIsThereWholeOrNotAtAll)
 {
     MemoryDisk disk;
     // Of a database that had this name once: nothing of it may come back in the new one.
-    disk.files["folder/autoclava1.mdb.jrn"].content = Bytes(4096, 7);
+    disk.files[kJournal].content = Bytes(4096, 7);
     expectOldOrNew(disk, [](MemoryDisk &target) {
         makeNewDatabase(kFile, kSomeDay, filesOf(target));
-        EXPECT_FALSE(target.files.contains("folder/autoclava1.mdb.jrn"));
+        EXPECT_FALSE(target.files.contains(kJournal));
     });
 }
 

@@ -25,6 +25,10 @@ public:
     {
         m_files->replace(from, to);
     }
+    void place(const std::filesystem::path &from, const std::filesystem::path &to) override
+    {
+        m_files->place(from, to);
+    }
     void syncFolder(const std::filesystem::path &folder) override { m_files->syncFolder(folder); }
     std::unique_ptr<LockFile> openLock(const std::filesystem::path &path, Access access) override
     {
@@ -35,31 +39,47 @@ private:
     std::unique_ptr<FileSystem> m_files = makeSystemFiles();
 };
 
-/// Takes one write; the program has ended then.
-class TornFile final : public File
+/// An open file that differs from the system's in what a test makes of it.
+class SystemFileBut : public File
 {
 public:
-    explicit TornFile(std::unique_ptr<File> file) : m_file(std::move(file)) {}
+    explicit SystemFileBut(std::unique_ptr<File> file) : m_file(std::move(file)) {}
 
     std::size_t read(std::uint64_t offset, MutableBytes bytes) override
     {
         return m_file->read(offset, bytes);
     }
+    void write(std::uint64_t offset, ByteView bytes) override { m_file->write(offset, bytes); }
+    std::uint64_t size() override { return m_file->size(); }
+    void resize(std::uint64_t size) override { m_file->resize(size); }
+    void sync() override { m_file->sync(); }
+    bool tryLock(LockPart part, LockMode mode) override { return m_file->tryLock(part, mode); }
+    void unlock(LockPart part) override { m_file->unlock(part); }
+    bool isNamed(const std::filesystem::path &path) override { return m_file->isNamed(path); }
+
+private:
+    std::unique_ptr<File> m_file;
+};
+
+/// Takes two writes, page 0 and what follows; the program has ended then.
+class TornFile final : public SystemFileBut
+{
+public:
+    using SystemFileBut::SystemFileBut;
+
     void write(std::uint64_t offset, ByteView bytes) override
     {
-        if (std::exchange(m_isTorn, true))
+        if (++m_writes > 2)
             end();
-        m_file->write(offset, bytes);
+        SystemFileBut::write(offset, bytes);
     }
-    std::uint64_t size() override { return m_file->size(); }
     void resize(std::uint64_t) override { end(); }
     void sync() override { end(); }
 
 private:
     [[noreturn]] static void end() { throw Error(ErrorCode::DiskError, "The program has ended."); }
 
-    std::unique_ptr<File> m_file;
-    bool m_isTorn = false;
+    int m_writes = 0;
 };
 
 class FilesOfAStoppedProgram final : public SystemFilesBut

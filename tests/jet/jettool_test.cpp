@@ -130,6 +130,43 @@ TEST_F(Jettool, NamesThePageAndTheReasonOfDamageAndNotesLostSpace)
     EXPECT_TRUE(output.ends_with("exit 1\n")) << output;
 }
 
+TEST_F(Jettool, NamesMayBeOfAnyForm)
+{
+    for (const char *name : {"plain", "autoclava1.new", "autoclava1.ldb"}) {
+        const std::string path = (m_folder / name).string();
+        EXPECT_EQ(run({"create", path}), "exit 0\n");
+        EXPECT_EQ(run({"compact", path}), "exit 0\n");
+        EXPECT_EQ(run({"check", path}), "exit 0\n");
+        EXPECT_TRUE(std::filesystem::exists(path));
+    }
+#ifndef _WIN32
+    std::filesystem::create_symlink(m_folder / "nowhere.mdb", m_path);
+    EXPECT_TRUE(run({"create", m_path.string()}).starts_with("jettool: 3204 "));
+    EXPECT_TRUE(std::filesystem::is_symlink(m_path));
+    const std::string pipe = (m_folder / "pipe.mdb").string();
+    ASSERT_EQ(jet::run({"mkfifo", pipe}).status, 0);
+    const Outcome outcome = jet::run({"timeout", "20", JETTOOL, "tables", pipe});
+    EXPECT_TRUE(outcome.output.starts_with("jettool: 3051 ")) << outcome.output;
+    EXPECT_EQ(outcome.status, 1);
+#endif
+}
+
+#ifndef _WIN32
+TEST_F(Jettool, CompactionByAMemberOfTheGroupKeepsTheGroup)
+{
+    const std::string folder = m_path.parent_path().string();
+    if (jet::run({"chown", "0:54321", folder}).status != 0)
+        GTEST_SKIP() << "only root can act for two users";
+    makeTabel(m_path, 5);
+    ASSERT_EQ(jet::run({"chown", "-R", "0:54321", folder}).status, 0);
+    ASSERT_EQ(jet::run({"chmod", "-R", "g=rwX,o=", folder}).status, 0);
+    const Outcome compacted = jet::run({"setpriv", "--reuid=54322", "--regid=54322",
+                                        "--groups=54321", JETTOOL, "compact", m_path.string()});
+    EXPECT_EQ(compacted.status, 0) << compacted.output;
+    EXPECT_EQ(jet::run({"stat", "-c", "%U:%g %a", m_path.string()}).output, "UNKNOWN:54321 660\n");
+}
+#endif
+
 TEST_F(Jettool, SaysWhatIsWrong)
 {
     std::ofstream(m_path) << "no database at all";

@@ -97,11 +97,21 @@ struct MemoryDisk {
         }
     }
 
+    /// Whether a sector that is written while the power goes may come out as anything.
+    enum class Sectors { Whole, Garbled };
+
     /// The power has gone: of everything not synced, any sector may have been written or not.
-    void losePower(std::uint32_t seed)
+    void losePower(std::uint32_t seed, Sectors sectors = Sectors::Whole)
     {
         std::mt19937 random(seed);
         const auto chance = [&] { return random() % 2 == 0; };
+        const auto garble = [&](Bytes &content, std::uint64_t offset) {
+            const std::uint64_t start = offset - offset % 512;
+            const std::uint64_t end = std::min<std::uint64_t>(content.size(), start + 512);
+            const bool zeros = chance();
+            for (std::uint64_t at = start; at < end; ++at)
+                content[at] = static_cast<std::uint8_t>(zeros ? 0 : random());
+        };
         fault = Fault::None;
         for (auto &[name, entry] : removed) {
             if (chance())
@@ -135,6 +145,8 @@ struct MemoryDisk {
                               {change.offset + at,
                                Bytes(start, start + static_cast<std::ptrdiff_t>(length)),
                                std::nullopt});
+                    if (sectors == Sectors::Garbled && random() % 4 == 0)
+                        garble(entry.durable, change.offset + at);
                     at += length;
                 }
             }
@@ -186,6 +198,13 @@ public:
             },
             [] {});
     }
+    // Only one opener at a time, so the locks never have anybody to keep out.
+    bool tryLock(LockPart, LockMode) override { return true; }
+    void unlock(LockPart) override {}
+    bool isNamed(const std::filesystem::path &path) override
+    {
+        return path == m_name && m_disk.files.contains(m_name);
+    }
 
 private:
     MemoryDisk::Entry &entry() { return m_disk.files[m_name]; }
@@ -199,19 +218,6 @@ private:
     std::string m_name;
 };
 
-/// Only one opener at a time, so the locks never have anybody to keep out.
-class FreeLock final : public LockFile
-{
-public:
-    bool tryLock(Part, Mode) override { return true; }
-    void unlock(Part) override {}
-    std::uint64_t stamp() override { return m_stamp; }
-    void setStamp(std::uint64_t stamp) override { m_stamp = stamp; }
-
-private:
-    std::uint64_t m_stamp = 0;
-};
-
 class MemoryFileSystem final : public FileSystem
 {
 public:
@@ -220,9 +226,11 @@ public:
     std::unique_ptr<File> open(const std::filesystem::path &path, Access access) override
     {
         if (!exists(path)) {
-            if (access != Access::Create)
+            if (access == Access::Read || access == Access::Write)
                 throw Error(ErrorCode::FileNotFound, "Could not find file.");
             m_disk.operation([&] { m_disk.files[path.string()].nameIsDurable = false; }, [] {});
+        } else if (access == Access::CreateNew || access == Access::CreatePrivate) {
+            throw Error(ErrorCode::FileExists, "The name is taken.");
         }
         return std::make_unique<MemoryFile>(m_disk, path.string());
     }
@@ -252,6 +260,12 @@ public:
             },
             [] {});
     }
+    void place(const std::filesystem::path &from, const std::filesystem::path &to) override
+    {
+        if (exists(to))
+            throw Error(ErrorCode::FileExists, "The name is taken.");
+        replace(from, to);
+    }
     void syncFolder(const std::filesystem::path &) override
     {
         m_disk.operation(
@@ -265,7 +279,7 @@ public:
     }
     std::unique_ptr<LockFile> openLock(const std::filesystem::path &, Access) override
     {
-        return std::make_unique<FreeLock>();
+        return nullptr;
     }
 
 private:

@@ -1,5 +1,6 @@
 #include "jet/compact.h"
 #include "jet/journal.h"
+#include "jet/new_database.h"
 #include "jet/session.h"
 
 #include "tests/jet/interrupted_append.h"
@@ -83,12 +84,101 @@ TEST_F(Sharing, TablesOfADatabaseInUseAreNotDropped)
     EXPECT_EQ(errorOf([&] { owner.table(u"Tabel"); }), ErrorCode::NoSuchTable);
 }
 
-TEST_F(Sharing, LockFileOfADeadProgramHindersNobody)
+TEST_F(Sharing, LockFileIsRemovedWhenItIsOursAndOtherwiseLeftAlone)
 {
-    std::ofstream(m_folder / "autoclava1.ldb") << "left over";
-    open().table(u"Tabel").appendRow(sampleRow(21));
-    EXPECT_FALSE(exists("autoclava1.ldb"));
-    EXPECT_FALSE(exists("autoclava1.mdb.jrn"));
+    const auto lockFile = m_folder / "autoclava1.ldb";
+    Bytes ofAnEarlierVersion(16328);
+    ofAnEarlierVersion[16320] = 3;
+    Bytes ofTheDatabaseProgram(64);
+    ofTheDatabaseProgram[0] = 'P';
+    const std::pair<Bytes, bool> cases[] = {
+        {{}, true},
+        {ofAnEarlierVersion, true},
+        {ofTheDatabaseProgram, false},
+        {hex("6E 6F 74 65"), false},
+        {bytesOf(m_path), false},
+    };
+    std::int32_t id = 20;
+    for (const auto &[content, isOurs] : cases) {
+        writeFile(lockFile, content);
+        open().table(u"Tabel").appendRow(sampleRow(++id));
+        EXPECT_EQ(exists("autoclava1.ldb"), !isOurs) << id;
+        EXPECT_TRUE(isOurs || bytesOf(lockFile) == content) << id;
+    }
+    // A database of that name is never its own lock.
+    std::filesystem::rename(m_path, lockFile);
+    EXPECT_EQ(Database::open(lockFile).table(u"Tabel").recordCount(), 25U);
+    EXPECT_EQ(Database::open(lockFile, unsynced()).table(u"Tabel").recordCount(), 25U);
+}
+
+TEST_F(Sharing, WritersMeetInTheFileWhateverItsNames)
+{
+    const auto link = m_folder / "alt nume.mdb";
+    std::filesystem::create_hard_link(m_path, link);
+    Database first = open();
+    std::filesystem::remove(m_folder / "autoclava1.ldb"); // as users do with those left over
+    Database second = Database::open(link, unsynced());
+    Database third = open();
+    std::int32_t id = 20;
+    for (int round = 0; round < 60; ++round) {
+        for (Database *writer : {&first, &second, &third})
+            writer->table(u"Tabel").appendRow(sampleRow(++id));
+    }
+    Transaction transaction(second);
+    EXPECT_EQ(errorOf([&] { first.table(u"Tabel").appendRow(sampleRow(id + 1)); }),
+              ErrorCode::InUse);
+    transaction.rollback();
+    for (const Database *reader : {&first, &second, &third})
+        EXPECT_EQ(idsOf(reader->table(u"Tabel").byIndex(u"IndexPrimar")).size(), 200U);
+    EXPECT_EQ(findings(first), "");
+}
+
+#ifndef _WIN32 // where an open file keeps its name
+TEST_F(Sharing, NothingIsStoredInAFileThatHasLostItsName)
+{
+    Database database = open();
+    const auto append = [&] { database.table(u"Tabel").appendRow(sampleRow(21)); };
+    std::filesystem::rename(m_path, m_folder / "x.mdb");
+    EXPECT_EQ(errorOf(append), ErrorCode::FileNotFound);
+    std::filesystem::copy(m_folder / "x.mdb", m_path);
+    EXPECT_EQ(errorOf(append), ErrorCode::DiskError);
+    EXPECT_EQ(open().table(u"Tabel").recordCount(), 20U);
+    std::filesystem::rename(m_folder / "x.mdb", m_path);
+    append();
+    EXPECT_EQ(open().table(u"Tabel").recordCount(), 21U);
+}
+#endif
+
+/// A reader who may make nothing in the folder.
+class FilesWithoutLockFile final : public SystemFilesBut
+{
+public:
+    std::unique_ptr<LockFile> openLock(const std::filesystem::path &, Access) override
+    {
+        return nullptr;
+    }
+};
+
+TEST_F(Sharing, ReaderWithoutALockFileSeesEveryChangeWhole)
+{
+    const auto reader =
+        Database::open(m_path, {.readOnly = true}, std::make_shared<FilesWithoutLockFile>());
+    const Table seen = reader.table(u"Tabel");
+    Cursor cursor = seen.records();
+    ASSERT_TRUE(cursor.next());
+    Database writer = open();
+    for (const std::int32_t last : {200, 450, 460}) {
+        Table table = writer.table(u"Tabel");
+        const auto first = static_cast<std::int32_t>(table.recordCount()) + 1;
+        inTransaction(writer, [&] { appendSamples(table, first, last); });
+        EXPECT_EQ(seen.recordCount(), static_cast<std::uint32_t>(last));
+        EXPECT_EQ(idsOf(seen.byIndex(u"IndexPrimar")).size(), static_cast<std::size_t>(last));
+        EXPECT_EQ(findings(reader), "");
+    }
+    std::size_t rest = 1;
+    while (cursor.next())
+        ++rest;
+    EXPECT_EQ(rest, 460U) << "a walk begun before";
 }
 
 TEST_F(Sharing, KilledWriterLosesNothingItReported)
@@ -107,38 +197,13 @@ TEST_F(Sharing, KilledWriterLosesNothingItReported)
     }
 }
 
-TEST_F(Sharing, LeftOverJournalIsDroppedWhenAnotherProgramHasChangedTheFile)
-{
-    const Bytes before = bytesOf(m_path);
-    interruptAppend(m_path, 21, 21);
-    const Bytes torn = bytesOf(m_path);
-    const auto changed = std::ranges::mismatch(before, torn).in1 - before.begin();
-    const auto files = makeSystemFiles();
-    const auto log = files->open(m_folder / "autoclava1.mdb.jrn", FileSystem::Access::Read);
-    const auto isUsedOn = [&](const Bytes &foreign) {
-        writeFile(m_path, foreign);
-        return Journal::read(*log)->mustBeFinished(*files->open(m_path, FileSystem::Access::Read));
-    };
-    const auto usedAfterChange = [&](std::ptrdiff_t offset) {
-        Bytes foreign = torn;
-        foreign[static_cast<std::size_t>(offset)] ^= 0x55;
-        return isUsedOn(foreign);
-    };
-    Bytes longer = torn;
-    longer.resize(torn.size() + kPageSize);
-    EXPECT_FALSE(isUsedOn(longer)) << "a page that the statement did not add";
-    EXPECT_TRUE(usedAfterChange(6 * 4096)) << "a page that the statement has nothing to do with";
-    EXPECT_FALSE(usedAfterChange(0xE00)) << "a user's commit counter";
-    EXPECT_FALSE(usedAfterChange(4096 + 100)) << "a page that the statement only relied on";
-    EXPECT_FALSE(usedAfterChange(changed)) << "a page that the statement has changed";
-}
-
 class LeftOverJournal : public Sharing
 {
 protected:
     LeftOverJournal() { interruptAppend(m_path, 21, 90); }
 
     const Bytes m_before = bytesOf(m_path);
+    const std::filesystem::path m_journal = journalPath(m_path);
 };
 
 TEST_F(LeftOverJournal, IsFinishedOnOpenAndOnlySeenByAReader)
@@ -152,15 +217,92 @@ TEST_F(LeftOverJournal, IsFinishedOnOpenAndOnlySeenByAReader)
     EXPECT_EQ(std::filesystem::file_size(m_path), size) << "a reader changes nothing";
     EXPECT_EQ(open().table(u"Tabel").recordCount(), 90U);
     EXPECT_EQ(mdbCount(m_path, "Tabel"), "90\n");
-    EXPECT_FALSE(exists("autoclava1.mdb.jrn"));
 }
 
-TEST_F(LeftOverJournal, IsDroppedWhenNothingOfItReachedTheFile)
+TEST_F(LeftOverJournal, IsFinishedOrDroppedByWhatIsInTheFile)
 {
-    writeFile(m_path, m_before);
-    EXPECT_EQ(open(true).table(u"Tabel").recordCount(), 20U);
-    EXPECT_EQ(open().table(u"Tabel").recordCount(), 20U);
-    EXPECT_FALSE(exists("autoclava1.mdb.jrn"));
+    const Bytes torn = bytesOf(m_path);
+    const Bytes journal = bytesOf(m_journal);
+    const auto changed =
+        std::mismatch(m_before.begin() + kPageSize, m_before.end(), torn.begin() + kPageSize)
+            .first -
+        m_before.begin();
+    const auto with = [](Bytes bytes, std::ptrdiff_t offset, std::uint8_t value,
+                         std::ptrdiff_t length = 1) {
+        std::fill_n(bytes.begin() + offset, length, value);
+        return bytes;
+    };
+    const Bytes restored = [&] {
+        const auto backup = m_folder / "backup.mdb";
+        makeTabel(backup, 70);
+        return bytesOf(backup);
+    }();
+    const std::ptrdiff_t sector = changed - changed % 512;
+    struct Case {
+        const char *what;
+        Bytes file;
+        std::uint32_t rows;
+    };
+    const Case cases[] = {
+        {"as it was left", torn, 90},
+        {"nothing has reached the file", m_before, 20},
+        {"a changed sector came out as zeros", with(torn, sector, 0, 512), 90},
+        {"a part of a sector was written", with(torn, changed, m_before[std::size_t(changed)]), 90},
+        {"page 0 came out as zeros", with(torn, 0, 0, 4096), 90},
+        {"its counter only, and nothing else was written", with(m_before, 0xE00, 0, 512), 90},
+        {"another program has opened the half", with(torn, 0xE00, 7), 90},
+        {"another program has opened the whole", with(m_before, 0xE00, 7), 20},
+        {"another file stands in its place", restored, 70},
+    };
+    for (const auto &[what, file, rows] : cases) {
+        writeFile(m_path, file);
+        writeFile(m_journal, journal);
+        for (const bool readOnly : {true, false}) {
+            const Database database = open(readOnly);
+            EXPECT_EQ(idsOf(database.table(u"Tabel").records()).size(), rows) << what;
+            EXPECT_EQ(findings(database), "") << what;
+        }
+        std::filesystem::remove(m_journal); // of no use any more
+        EXPECT_EQ(open().table(u"Tabel").recordCount(), rows) << what;
+    }
+}
+
+TEST_F(LeftOverJournal, IsKeptWhenItFitsTheFileNeitherWay)
+{
+    Bytes longer = bytesOf(m_path);
+    longer.resize(longer.size() + 64 * kPageSize); // by another program, on half of a statement
+    std::fill_n(longer.begin() + kPageSize, kPageSize, std::uint8_t{0});
+    writeFile(m_path, longer);
+    const Bytes journal = bytesOf(m_journal);
+    EXPECT_EQ(errorOf([&] { open(true); }), ErrorCode::Damaged);
+    EXPECT_EQ(bytesOf(m_journal), journal) << "a reader changes nothing";
+    const auto kept = m_folder / "autoclava1.mdb.jrn.kept";
+    try {
+        open();
+        FAIL() << "a damaged file was opened";
+    } catch (const Error &error) {
+        EXPECT_EQ(error.code(), ErrorCode::Damaged);
+        EXPECT_NE(std::string(error.what()).find(displayName(kept)), std::string::npos)
+            << error.what();
+    }
+    EXPECT_EQ(bytesOf(kept), journal);
+    EXPECT_FALSE(errorOf([&] { open(); })) << "what is left can be looked at";
+}
+
+TEST_F(LeftOverJournal, OfAnEarlierVersionIsFinished)
+{
+    Bytes journal = bytesOf(m_journal);
+    journal.erase(journal.begin(), journal.begin() + kStatementOffset);
+    std::ranges::copy(kOldStatementMark, journal.begin());
+    const std::size_t end =
+        24 + 16 * std::size_t{readU32(journal, 16)} + (72 + kPageSize) * readU32(journal, 20);
+    journal.resize(end);
+    appendLittleEndian<8>(journal, hashBytes(journal));
+    writeFile(m_journal, journal);
+    EXPECT_EQ(open(true).table(u"Tabel").recordCount(), 90U);
+    EXPECT_EQ(open().table(u"Tabel").recordCount(), 90U);
+    open().table(u"Tabel").appendRow(sampleRow(91));
+    EXPECT_EQ(open().table(u"Tabel").recordCount(), 91U);
 }
 
 TEST_F(Sharing, OpenerThatSurvivesAStoppedWriterFinishesItsStatement)
@@ -190,23 +332,61 @@ TEST_F(Sharing, FilesBesideTheDatabaseHaveItsRights)
 class CompactingFiles final : public SystemFilesBut
 {
 public:
-    std::unique_ptr<LockFile> openLock(const std::filesystem::path &path, Access access) override
+    std::unique_ptr<File> open(const std::filesystem::path &path, Access access) override
     {
-        auto lock = SystemFilesBut::openLock(path, access);
-        compactDatabase(std::filesystem::path(path).replace_extension(".mdb"), kSomeDay);
-        return lock;
+        auto file = SystemFilesBut::open(path, access);
+        if (!std::exchange(m_isCompacted, true))
+            compactDatabase(path, kSomeDay);
+        return file;
     }
+
+private:
+    bool m_isCompacted = false;
 };
 
-/// The journal goes between a look for it and its opening.
-class VanishingJournal final : public SystemFilesBut
+/// Notes what others may do with a draft.
+class FilesOfACurious final : public SystemFilesBut
+{
+public:
+    std::unique_ptr<File> open(const std::filesystem::path &path, Access access) override
+    {
+        auto file = SystemFilesBut::open(path, access);
+        if (path.extension() == ".compact")
+            draftRights |= std::filesystem::status(path).permissions();
+        return file;
+    }
+
+    std::filesystem::perms draftRights{};
+};
+
+TEST_F(Sharing, DraftIsNotReadByThoseWhoMayNotReadTheDatabase)
+{
+    using std::filesystem::perms;
+    std::filesystem::permissions(m_path, perms::owner_read | perms::owner_write);
+    const auto files = std::make_shared<FilesOfACurious>();
+    compactDatabase(m_path, kSomeDay, files);
+    EXPECT_EQ(files->draftRights, std::filesystem::status(m_path).permissions());
+}
+
+/// Another program makes a file after it was looked for.
+class FilesOfAnother final : public SystemFilesBut
 {
 public:
     bool exists(const std::filesystem::path &path) override
     {
-        return path.extension() == ".jrn" || SystemFilesBut::exists(path);
+        return path.extension() != ".mdb" && SystemFilesBut::exists(path);
     }
 };
+
+TEST_F(Sharing, NewDatabaseNeverTakesTheNameOfAnother)
+{
+    const Bytes before = bytesOf(m_path);
+    EXPECT_EQ(
+        errorOf([&] { makeNewDatabase(m_path, kSomeDay, std::make_shared<FilesOfAnother>()); }),
+        ErrorCode::FileExists);
+    EXPECT_EQ(bytesOf(m_path), before);
+    EXPECT_FALSE(exists("autoclava1.mdb.new"));
+}
 
 TEST_F(Sharing, OpenerThatWaitedForACompactionWritesToTheNewFile)
 {
@@ -217,20 +397,13 @@ TEST_F(Sharing, OpenerThatWaitedForACompactionWritesToTheNewFile)
     EXPECT_EQ(open().table(u"Tabel").recordCount(), 21U);
 }
 
-TEST_F(Sharing, JournalRemovedByTheLastWriterDisturbsNoReader)
-{
-    const auto reader =
-        Database::open(m_path, {.readOnly = true}, std::make_shared<VanishingJournal>());
-    EXPECT_EQ(reader.table(u"Tabel").recordCount(), 20U);
-}
-
 TEST_F(Sharing, ReadersGoBehindAWriterThatWaits)
 {
     const Database reader = open(true);
-    const auto waiting = makeSystemFiles()->openLock(lockPath(m_path), FileSystem::Access::Write);
-    ASSERT_TRUE(waiting->tryLock(LockFile::Part::Turn, LockFile::Mode::Exclusive));
-    EXPECT_EQ(errorOf([&] { reader.table(u"Tabel"); }), ErrorCode::InUse);
-    waiting->unlock(LockFile::Part::Turn);
+    const auto waiting = makeSystemFiles()->open(m_path, FileSystem::Access::Write);
+    ASSERT_TRUE(waiting->tryLock(LockPart::Turn, LockMode::Exclusive));
+    EXPECT_EQ(errorOf([&] { idsOf(reader.table(u"Tabel").records()); }), ErrorCode::InUse);
+    waiting->unlock(LockPart::Turn);
     EXPECT_EQ(reader.table(u"Tabel").recordCount(), 20U);
 }
 
@@ -243,7 +416,6 @@ TEST_F(LeftOverJournal, BelongsToTheFileWhateverNameOpensIt)
     std::filesystem::create_symlink(m_path, m_folder / "link.mdb", failure);
     const auto name = failure ? m_path : m_folder / "link.mdb"; // some systems have no links
     EXPECT_EQ(Database::open(name).table(u"Tabel").recordCount(), 90U);
-    EXPECT_FALSE(exists("autoclava1.mdb.jrn"));
 }
 
 TEST_F(Sharing, CompactionKeepsWhatItDoesNotUnderstandAndRefusesDamage)

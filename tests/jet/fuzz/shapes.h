@@ -3,6 +3,7 @@
 #include "tests/jet/file_image.h"
 #include "tests/jet/sample_database.h"
 
+#include "jet/session.h"
 #include "jet/text_codec.h"
 #include "jet/usage_map.h"
 
@@ -120,7 +121,8 @@ inline Bytes foreignShape(const std::filesystem::path &path)
     image.writeCompressedLeaf(root, image.indexPage(root).entries());
     writeFile(path, image.bytes());
 
-    Pager pager(makeSystemFiles(), path, unsynced());
+    Session session(makeSystemFiles(), path, unsynced());
+    Pager &pager = session.pager();
     pager.begin();
     UsageMap pages(pager, table.ownedPages);
     pages.insert(600); // lies behind what the map's row can hold
