@@ -72,6 +72,8 @@ class LockFile
 public:
     virtual ~LockFile() = default;
 
+    /// True when it was made for this opener.
+    virtual bool isNew() const = 0;
     /// False when another program, or another opener, is in the way.
     virtual bool tryLock(LockMode mode) = 0;
     bool lock(LockMode mode, std::chrono::milliseconds timeout);

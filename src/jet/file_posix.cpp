@@ -213,19 +213,21 @@ private:
 class PosixLockFile final : public LockFile
 {
 public:
-    /// `isOurs` tells whether the file may be removed.
-    PosixLockFile(std::filesystem::path path, Descriptor descriptor, bool isOurs)
-        : m_path(std::move(path)), m_descriptor(std::move(descriptor)), m_isOurs(isOurs)
+    enum class Origin { New, Ours, Foreign };
+
+    PosixLockFile(std::filesystem::path path, Descriptor descriptor, Origin origin)
+        : m_path(std::move(path)), m_descriptor(std::move(descriptor)), m_origin(origin)
     {
     }
 
     ~PosixLockFile() override
     {
-        if (m_isOurs && requestLock(m_descriptor.number(), kProgramUsers, F_WRLCK) == 0 &&
-            isNamed())
+        if (m_origin != Origin::Foreign &&
+            requestLock(m_descriptor.number(), kProgramUsers, F_WRLCK) == 0 && isNamed())
             ::unlink(m_path.c_str());
     }
 
+    bool isNew() const override { return m_origin == Origin::New; }
     bool tryLock(LockMode mode) override
     {
         return tryLockRange(m_descriptor.number(), kProgramUsers, mode);
@@ -235,7 +237,7 @@ public:
 private:
     std::filesystem::path m_path;
     Descriptor m_descriptor;
-    bool m_isOurs;
+    Origin m_origin;
 };
 
 class PosixFileSystem final : public FileSystem
@@ -334,7 +336,8 @@ public:
             // On a full disk it stays empty, and is known by that.
             [[maybe_unused]] const ssize_t marked =
                 ::pwrite(descriptor.number(), kLockMark.data(), kLockMark.size(), kLockMarkOffset);
-            return std::make_unique<PosixLockFile>(path, std::move(descriptor), true);
+            return std::make_unique<PosixLockFile>(path, std::move(descriptor),
+                                                   PosixLockFile::Origin::New);
         }
         descriptor = openDescriptor(path, Access::Create); // the last user may remove it just now
         if (!descriptor.isOpen() && access == Access::Read)
@@ -348,7 +351,9 @@ public:
             throwNotAFile(path);
         Bytes content(kLockFileSize + 1);
         content.resize(readAt(descriptor.number(), 0, content));
-        return std::make_unique<PosixLockFile>(path, std::move(descriptor), isOurLockFile(content));
+        return std::make_unique<PosixLockFile>(
+            path, std::move(descriptor),
+            isOurLockFile(content) ? PosixLockFile::Origin::Ours : PosixLockFile::Origin::Foreign);
     }
 };
 

@@ -60,8 +60,9 @@ std::uint64_t hashBytes(ByteView bytes, std::uint64_t seed)
     return hash ^ (hash >> 32);
 }
 
-void Journal::write(File &file, PageNo pagesBefore, PageNo pagesAfter,
-                    std::span<const PageWitness> witnesses, std::span<const PageChange> changes)
+std::uint64_t Journal::write(File &file, PageNo pagesBefore, PageNo pagesAfter,
+                             std::span<const PageWitness> witnesses,
+                             std::span<const PageChange> changes)
 {
     Bytes bytes(kStatementMark.begin(), kStatementMark.end());
     appendLittleEndian<4>(bytes, pagesBefore);
@@ -87,9 +88,11 @@ void Journal::write(File &file, PageNo pagesBefore, PageNo pagesAfter,
         }
     }
     appendLittleEndian<kHashSize>(bytes, hash);
-    if (const std::uint64_t end = offset + bytes.size(); end > file.size())
+    const std::uint64_t end = offset + bytes.size();
+    if (end > file.size())
         bytes.resize(bytes.size() + static_cast<std::size_t>(kGrowth - end % kGrowth));
     file.write(offset, bytes);
+    return end;
 }
 
 std::optional<Journal> Journal::read(File &file)

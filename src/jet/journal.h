@@ -70,9 +70,10 @@ struct JournalTraces {
 class Journal
 {
 public:
-    /// Replaces the statement. `changes` are sorted by page.
-    static void write(File &file, PageNo pagesBefore, PageNo pagesAfter,
-                      std::span<const PageWitness> witnesses, std::span<const PageChange> changes);
+    /// Replaces the statement; returns where it ends. `changes` are sorted by page.
+    static std::uint64_t write(File &file, PageNo pagesBefore, PageNo pagesAfter,
+                               std::span<const PageWitness> witnesses,
+                               std::span<const PageChange> changes);
 
     /// The statement in a journal, or nothing when none was written whole.
     static std::optional<Journal> read(File &file);

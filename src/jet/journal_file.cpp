@@ -37,6 +37,8 @@ bool JournalFile::find()
                                                          : FileSystem::Access::Write);
         if (!m_options.readOnly)
             m_files.matchAccess(m_path, m_database); // which may have been given to others since
+        m_mark = {};
+        m_file->read(0, m_mark);
     } catch (const Error &error) {
         if (error.code() != ErrorCode::FileNotFound)
             throw;
@@ -45,16 +47,13 @@ bool JournalFile::find()
     return true;
 }
 
-JournalMark JournalFile::markAt(std::uint64_t offset)
-{
-    JournalMark mark{};
-    m_file->read(offset, mark);
-    return mark;
-}
-
 bool JournalFile::hasStatement()
 {
-    return find() && (markAt(kStatementOffset) == kStatementMark || markAt(0) == kOldStatementMark);
+    if (!find())
+        return false;
+    JournalMark mark{};
+    m_file->read(kStatementOffset, mark);
+    return mark == kStatementMark || m_mark == kOldStatementMark;
 }
 
 std::optional<Journal> JournalFile::read()
@@ -68,7 +67,7 @@ void JournalFile::write(PageNo pagesBefore, PageNo pagesAfter,
     if (!find())
         make();
     try {
-        Journal::write(*m_file, pagesBefore, pagesAfter, witnesses, changes);
+        m_end = Journal::write(*m_file, pagesBefore, pagesAfter, witnesses, changes);
         if (m_options.durability == Durability::Synced) {
             m_file->sync();
             makeNameDurable();
@@ -83,27 +82,30 @@ void JournalFile::make()
 {
     m_file = m_files.open(m_path, FileSystem::Access::Create);
     m_files.matchAccess(m_path, m_database);
+    m_mark = {};
 }
 
 /// Without its name on the disk the journal would be lost with the power. That the file is there
 /// does not show whether its maker came as far as that; the mark does.
 void JournalFile::makeNameDurable()
 {
-    if (markAt(0) == kDurableNameMark)
+    if (m_mark == kDurableNameMark)
         return;
     m_files.syncFolder(m_path.parent_path());
     m_file->write(0, kDurableNameMark);
+    m_mark = kDurableNameMark;
 }
 
 void JournalFile::clear() noexcept
 {
     try {
-        if (markAt(0) == kOldStatementMark) {
+        if (m_mark == kOldStatementMark) {
             m_file->resize(0);
+            m_mark = {};
             return;
         }
         m_file->write(kStatementOffset, JournalMark{});
-        if (m_file->size() > kLargestKept)
+        if (std::exchange(m_end, 0) > kLargestKept)
             m_file->resize(kSizeWhenCut);
     } catch (const Error &) {
         return;

@@ -36,7 +36,6 @@ public:
     const std::filesystem::path &path() const { return m_path; }
 
 private:
-    JournalMark markAt(std::uint64_t offset);
     bool find();
     void make();
     void makeNameDurable();
@@ -46,6 +45,8 @@ private:
     std::filesystem::path m_path;
     OpenOptions m_options;
     std::unique_ptr<File> m_file;
+    JournalMark m_mark{};    ///< at the start of m_file
+    std::uint64_t m_end = 0; ///< of the statement written last
 };
 
 } // namespace jet

@@ -34,14 +34,13 @@ void Pager::openFile(FileSystem::Access access)
 void Pager::openLockFile(FileSystem::Access access)
 {
     const std::filesystem::path path = lockPath(m_path);
-    if (m_use == Use::Draft || m_file->isNamed(path)) // a database may be called name.ldb itself
+    if (m_use == Use::Draft || path == m_path) // a database may be called name.ldb itself
         return;
     do {
-        const bool isNew = !m_files->exists(path);
         m_lockFile = m_files->openLock(path, access);
         if (!m_lockFile)
             return;
-        if (isNew)
+        if (m_lockFile->isNew())
             m_files->matchAccess(path, m_path);
         if (!m_lockFile->lock(LockMode::Shared, m_options.lockTimeout))
             throw Error(ErrorCode::InUse,

@@ -43,6 +43,8 @@ TEST(Damage, NeitherCrashesNorHangs)
             input.push_back(static_cast<std::uint8_t>(random() % 3 == 0 ? 0xFF : random()));
         }
         EXPECT_NO_THROW(exerciseDamaged(shapes(), input)) << "run " << run;
+        input.front() = static_cast<std::uint8_t>(128 + shape);
+        EXPECT_NO_THROW(exerciseDamaged(shapes(), input)) << "run " << run << " with a journal";
     }
 }
 

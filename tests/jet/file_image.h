@@ -2,6 +2,7 @@
 
 #include "jet/data_page.h"
 #include "jet/index_page.h"
+#include "jet/journal.h"
 #include "jet/row_codec.h"
 #include "jet/table_definition_codec.h"
 
@@ -29,6 +30,25 @@ inline void writeFile(const std::filesystem::path &path, const Bytes &bytes)
     std::ofstream file(path, std::ios::binary);
     for (const std::uint8_t byte : bytes)
         file.put(static_cast<char>(byte));
+}
+
+/// Gives a changed statement of a journal the hash that belongs to it, when there is room for that.
+inline void hashJournal(Bytes &journal, std::uint64_t start)
+{
+    constexpr std::uint64_t kHeader = 24;
+    constexpr std::uint64_t kRecord = 72 + kPageSize;
+    if (journal.size() < start + kHeader)
+        return;
+    const std::uint64_t records =
+        start + kHeader + 16 * std::uint64_t{readU32(journal, start + 16)};
+    const std::uint64_t end = records + kRecord * readU32(journal, start + 20);
+    if (end + 8 > journal.size())
+        return;
+    const ByteView bytes(journal);
+    std::uint64_t hash = hashBytes(bytes.subspan(start, records - start));
+    for (std::uint64_t at = records; at < end; at += kRecord)
+        hash = hashBytes(bytes.subspan(at, kRecord), hash);
+    writeLittleEndian<8>(journal, end, hash);
 }
 
 /// The pages of a file whose first user table is the one that is changed.

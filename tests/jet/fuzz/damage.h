@@ -13,6 +13,7 @@ namespace jet
 {
 
 inline constexpr const char *kDamagedFile = "folder/damaged.mdb";
+inline constexpr const char *kDamagedJournal = "folder/damaged.mdb.jrn";
 
 inline MemoryDisk diskWith(const Bytes &content)
 {
@@ -88,14 +89,53 @@ inline void exercise(MemoryDisk &disk)
     });
 }
 
-/// What the fuzzer runs and the tests repeat: the number of a shape, then patches.
+/// A file as a stopped program leaves it, with part of an append in it and all of it in the
+/// journal.
+inline MemoryDisk interruptedDisk(const Bytes &content, long writes)
+{
+    MemoryDisk disk = diskWith(content);
+    ignoringErrors([&] {
+        Database database =
+            Database::open(kDamagedFile, unsynced(), std::make_unique<MemoryFileSystem>(disk));
+        Table table = database.table(database.tables().front());
+        const Row row = rowsOf(table.records()).back();
+        Transaction transaction(database);
+        table.deleteAll();
+        for (int i = 0; i < 40; ++i)
+            ignoringErrors([&] { table.appendRow(row); });
+        disk.setFault(MemoryDisk::Fault::Stop, writes, 700);
+        transaction.commit();
+    });
+    disk.endProgram();
+    return disk;
+}
+
+/// What the fuzzer runs and the tests repeat: the number of a shape, from 128 on with a statement
+/// left in its journal, then patches, which reach from the end of the file on into the journal.
 inline void exerciseDamaged(const std::vector<Bytes> &shapes, ByteView input)
 {
     if (input.empty())
         return;
-    Bytes content = shapes[input.front() % shapes.size()];
-    damage(content, input.subspan(1));
-    MemoryDisk disk = diskWith(content);
+    const std::size_t number = input.front() % 128 % shapes.size();
+    if (input.front() < 128) {
+        Bytes content = shapes[number];
+        damage(content, input.subspan(1));
+        MemoryDisk disk = diskWith(content);
+        exercise(disk);
+        return;
+    }
+    static std::map<std::size_t, MemoryDisk> interrupted; // for millions of runs
+    const auto found = interrupted.try_emplace(number, interruptedDisk(shapes[number], 5)).first;
+    MemoryDisk disk = found->second;
+    Bytes &content = disk.files[kDamagedFile].content;
+    Bytes &journal = disk.files[kDamagedJournal].content;
+    const std::size_t size = content.size();
+    Bytes both = content;
+    appendBytes(both, journal);
+    damage(both, input.subspan(1));
+    std::copy_n(both.begin(), size, content.begin());
+    std::copy(both.begin() + static_cast<std::ptrdiff_t>(size), both.end(), journal.begin());
+    hashJournal(journal, kStatementOffset);
     exercise(disk);
 }
 
