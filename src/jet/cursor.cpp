@@ -4,6 +4,8 @@
 #include "jet/row_walk.h"
 #include "jet/session.h"
 
+#include <utility>
+
 namespace jet
 {
 
@@ -52,6 +54,7 @@ void Cursor::arrive(bool found, Place otherwise)
 {
     m_movedTo.reset();
     m_place = found ? Place::On : otherwise;
+    m_arrival = m_session->pager().version();
 }
 
 bool Cursor::first()
@@ -83,8 +86,11 @@ bool Cursor::next()
 /// lead to the next record.
 bool Cursor::stepWithinPage()
 {
-    return m_forward && m_moved.empty() && !m_movedTo && m_store && m_session->isUnchanged() &&
-           m_structure == m_session->structure() && m_walk->nextWithinPage(*m_store);
+    if (!m_forward || !m_moved.empty() || m_movedTo || !m_store || !m_session->isUnchanged() ||
+        m_structure != m_session->structure() || !m_walk->nextWithinPage(*m_store))
+        return false;
+    arrive(true, Place::After);
+    return true;
 }
 
 bool Cursor::previous()
@@ -154,7 +160,9 @@ Row Cursor::row() const
 
 void Cursor::read(Row &row) const
 {
-    m_session->read([&] {
+    const bool hasJustArrived =
+        std::exchange(m_arrival, 0) == m_session->pager().version() || m_session->isUnchanged();
+    m_session->readWhen(hasJustArrived, [&] {
         const TableStore &table = store();
         const PageNo page = current().page;
         table.decode(storedRow(table), page, row);

@@ -57,7 +57,8 @@ public:
     Value value(std::size_t column) const;
     Value value(std::u16string_view column) const;
     Row row() const;
-    /// Reads into a row that is used again, which is faster for many.
+    /// Reads into a row that is used again, which is faster for many. Once after each move it gives
+    /// the record as it was found then; later, and the others always, as it is now.
     void read(Row &row) const;
 
     /// Changes the assigned columns of the current record; throws as Table::append() does.
@@ -90,6 +91,8 @@ private:
     std::optional<RowPointer> m_movedTo;
     mutable std::shared_ptr<TableStore> m_store;
     mutable std::uint64_t m_structure = 0;
+    /// Version of the pages that the last move found unchanged, until the record was read.
+    mutable std::uint64_t m_arrival = 0;
 };
 
 } // namespace jet

@@ -49,6 +49,9 @@ std::string messageOf(DWORD number)
     case ERROR_SHARING_VIOLATION:
     case ERROR_LOCK_VIOLATION:
         throwInUse(path);
+    case ERROR_FILE_EXISTS:
+    case ERROR_ALREADY_EXISTS:
+        throwFileExists(path);
     case ERROR_ACCESS_DENIED:
     case ERROR_WRITE_PROTECT:
         throw Error(ErrorCode::ReadOnly, "Cannot open file " + name + ": " + messageOf(number));
@@ -84,20 +87,45 @@ private:
     HANDLE m_handle;
 };
 
+DWORD creationFor(FileSystem::Access access)
+{
+    switch (access) {
+    case FileSystem::Access::Create:
+        return OPEN_ALWAYS;
+    case FileSystem::Access::CreateNew:
+    case FileSystem::Access::CreatePrivate: // the folder's rights hold for everything in it
+        return CREATE_NEW;
+    default:
+        return OPEN_EXISTING;
+    }
+}
+
 /// On failure GetLastError() says why.
 Handle openHandle(const std::filesystem::path &path, FileSystem::Access access)
 {
     const DWORD rights =
         access == FileSystem::Access::Read ? GENERIC_READ : GENERIC_READ | GENERIC_WRITE;
-    const DWORD creation = access == FileSystem::Access::Create ? OPEN_ALWAYS : OPEN_EXISTING;
     Handle handle(INVALID_HANDLE_VALUE);
     const DWORD number = untilGranted([&] {
         handle = Handle(CreateFileW(path.c_str(), rights, FILE_SHARE_READ | FILE_SHARE_WRITE,
-                                    nullptr, creation, FILE_ATTRIBUTE_NORMAL, nullptr));
+                                    nullptr, creationFor(access), FILE_ATTRIBUTE_NORMAL, nullptr));
         return handle.isOpen();
     });
     SetLastError(number);
     return handle;
+}
+
+bool leadsTo(const std::filesystem::path &path, HANDLE handle)
+{
+    constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+    const Handle other(CreateFileW(path.c_str(), 0, kShareAll, nullptr, OPEN_EXISTING,
+                                   FILE_ATTRIBUTE_NORMAL, nullptr));
+    BY_HANDLE_FILE_INFORMATION own{};
+    BY_HANDLE_FILE_INFORMATION named{};
+    return other.isOpen() && GetFileInformationByHandle(handle, &own) &&
+           GetFileInformationByHandle(other.get(), &named) &&
+           own.dwVolumeSerialNumber == named.dwVolumeSerialNumber &&
+           own.nFileIndexHigh == named.nFileIndexHigh && own.nFileIndexLow == named.nFileIndexLow;
 }
 
 OVERLAPPED at(std::uint64_t offset)
@@ -140,10 +168,112 @@ void writeAt(HANDLE handle, std::uint64_t offset, ByteView bytes)
     }
 }
 
+/// Shared and exclusive locks on ranges of an open file.
+class RangeLocks
+{
+public:
+    explicit RangeLocks(const Handle &handle) : m_handle(handle) {}
+
+    bool tryLock(LockRange range, LockMode mode)
+    {
+        const auto held = m_held.find(range.start);
+        if (held != m_held.end() && held->second.mode == mode)
+            return true;
+        const bool done = mode == LockMode::Shared ? takeShared(range)
+                                                   : takeExclusive(range, held != m_held.end());
+        if (done)
+            m_held[range.start] = {range, mode};
+        return done;
+    }
+    void unlock(LockRange range)
+    {
+        if (m_held.erase(range.start) != 0)
+            release(range);
+    }
+    /// CloseHandle() releases locks lazily.
+    void unlockAll()
+    {
+        for (const auto &[start, held] : m_held)
+            release(held.range);
+        m_held.clear();
+    }
+
+private:
+    struct Held {
+        LockRange range;
+        LockMode mode;
+    };
+
+    /// Held while an exclusive lock is taken; behind all other ranges.
+    static constexpr LockRange kGate{0x1'0000'0100, 1};
+
+    /// Opens the taken gate again, whatever happens to the lock.
+    class GateKeeper
+    {
+    public:
+        explicit GateKeeper(RangeLocks &locks) : m_locks(locks) {}
+        ~GateKeeper() { m_locks.release(kGate); }
+        GateKeeper(const GateKeeper &) = delete;
+        GateKeeper &operator=(const GateKeeper &) = delete;
+
+    private:
+        RangeLocks &m_locks;
+    };
+
+    bool takeShared(LockRange range)
+    {
+        // A handle may lay a shared lock over its exclusive one; releasing takes that one first.
+        const bool wasExclusive = m_held.contains(range.start);
+        if (!request(range, LockMode::Shared))
+            return false;
+        if (wasExclusive)
+            release(range);
+        return true;
+    }
+
+    /// A shared lock does not become an exclusive one, it has to be given up first. Nobody takes an
+    /// exclusive lock without the gate, so the shared one can always be had back, unless another
+    /// program, which knows no gate, has come between.
+    bool takeExclusive(LockRange range, bool isShared)
+    {
+        if (!request(kGate, LockMode::Exclusive))
+            return false;
+        const GateKeeper keeper(*this);
+        if (isShared)
+            unlock(range);
+        if (request(range, LockMode::Exclusive))
+            return true;
+        if (isShared && request(range, LockMode::Shared))
+            m_held[range.start] = {range, LockMode::Shared};
+        return false;
+    }
+
+    bool request(LockRange range, LockMode mode)
+    {
+        OVERLAPPED place = at(range.start);
+        const DWORD flags =
+            LOCKFILE_FAIL_IMMEDIATELY | (mode == LockMode::Exclusive ? LOCKFILE_EXCLUSIVE_LOCK : 0);
+        if (LockFileEx(m_handle.get(), flags, 0, range.length, 0, &place))
+            return true;
+        if (GetLastError() != ERROR_LOCK_VIOLATION && GetLastError() != ERROR_IO_PENDING)
+            throwSystemError("Locking failed", GetLastError());
+        return false;
+    }
+    void release(LockRange range)
+    {
+        OVERLAPPED place = at(range.start);
+        UnlockFileEx(m_handle.get(), 0, range.length, 0, &place);
+    }
+
+    const Handle &m_handle;
+    std::map<std::uint64_t, Held> m_held;
+};
+
 class WindowsFile final : public File
 {
 public:
     explicit WindowsFile(Handle handle) : m_handle(std::move(handle)) {}
+    ~WindowsFile() override { releaseName(); }
 
     std::size_t read(std::uint64_t offset, MutableBytes bytes) override
     {
@@ -174,122 +304,55 @@ public:
             throwSystemError("Writing to the disk failed", GetLastError());
     }
 
+    bool tryLock(LockPart part, LockMode mode) override
+    {
+        return m_locks.tryLock(lockRange(part), mode);
+    }
+    void unlock(LockPart part) override { m_locks.unlock(lockRange(part)); }
+
+    bool isNamed(const std::filesystem::path &path) override
+    {
+        return leadsTo(path, m_handle.get());
+    }
+    /// An open file can neither be removed nor replaced.
+    void releaseName() override
+    {
+        m_locks.unlockAll();
+        m_handle.close();
+    }
+
 private:
     Handle m_handle;
+    RangeLocks m_locks{m_handle};
 };
-
-/// Held while an exclusive lock is taken; behind the ranges that all systems have.
-constexpr LockRange kGate{0x7FF00002, 1};
 
 class WindowsLockFile final : public LockFile
 {
 public:
-    WindowsLockFile(std::filesystem::path path, Handle handle)
-        : m_path(std::move(path)), m_handle(std::move(handle))
+    enum class Origin { New, Ours, Foreign };
+
+    WindowsLockFile(std::filesystem::path path, Handle handle, Origin origin)
+        : m_path(std::move(path)), m_handle(std::move(handle)), m_origin(origin)
     {
     }
 
     ~WindowsLockFile() override
     {
-        // Left to the closing, locks go when the system finds the time.
-        for (const auto &[part, mode] : m_held)
-            release(lockRange(part));
+        m_locks.unlockAll();
         m_handle.close();
-        DeleteFileW(m_path.c_str()); // fails, as it should, while anybody else has the file open
+        if (m_origin != Origin::Foreign)
+            DeleteFileW(m_path.c_str()); // fails, as it should, while anybody else has it open
     }
 
-    bool tryLock(Part part, Mode mode) override
-    {
-        const auto held = m_held.find(part);
-        if (held != m_held.end() && held->second == mode)
-            return true;
-        const bool done =
-            mode == Mode::Shared ? takeShared(part) : takeExclusive(part, held != m_held.end());
-        if (done)
-            m_held[part] = mode;
-        return done;
-    }
-    void unlock(Part part) override
-    {
-        if (m_held.erase(part) != 0)
-            release(lockRange(part));
-    }
-
-    std::uint64_t stamp() override
-    {
-        std::array<std::uint8_t, 8> bytes{};
-        readAt(m_handle.get(), kStampOffset, bytes);
-        return readLittleEndian<std::uint64_t>(bytes, 0);
-    }
-    void setStamp(std::uint64_t stamp) override
-    {
-        std::array<std::uint8_t, 8> bytes{};
-        writeLittleEndian<8>(bytes, 0, stamp);
-        writeAt(m_handle.get(), kStampOffset, bytes);
-    }
+    bool isNew() const override { return m_origin == Origin::New; }
+    bool tryLock(LockMode mode) override { return m_locks.tryLock(kProgramUsers, mode); }
+    bool isNamed() override { return leadsTo(m_path, m_handle.get()); }
 
 private:
-    /// Opens the taken gate again, whatever happens to the lock.
-    class GateKeeper
-    {
-    public:
-        explicit GateKeeper(WindowsLockFile &file) : m_file(file) {}
-        ~GateKeeper() { m_file.release(kGate); }
-        GateKeeper(const GateKeeper &) = delete;
-        GateKeeper &operator=(const GateKeeper &) = delete;
-
-    private:
-        WindowsLockFile &m_file;
-    };
-
-    bool takeShared(Part part)
-    {
-        // A handle may lay a shared lock over its exclusive one; releasing takes that one first.
-        const bool wasExclusive = m_held.contains(part);
-        if (!request(lockRange(part), Mode::Shared))
-            return false;
-        if (wasExclusive)
-            release(lockRange(part));
-        return true;
-    }
-
-    /// A shared lock does not become an exclusive one, it has to be given up first. Nobody takes an
-    /// exclusive lock without the gate, so the shared one can always be had back, unless another
-    /// program, which knows no gate, has come between.
-    bool takeExclusive(Part part, bool isShared)
-    {
-        if (!request(kGate, Mode::Exclusive))
-            return false;
-        const GateKeeper keeper(*this);
-        if (isShared)
-            unlock(part);
-        if (request(lockRange(part), Mode::Exclusive))
-            return true;
-        if (isShared && request(lockRange(part), Mode::Shared))
-            m_held[part] = Mode::Shared;
-        return false;
-    }
-
-    bool request(LockRange range, Mode mode)
-    {
-        OVERLAPPED place = at(range.start);
-        const DWORD flags =
-            LOCKFILE_FAIL_IMMEDIATELY | (mode == Mode::Exclusive ? LOCKFILE_EXCLUSIVE_LOCK : 0);
-        if (LockFileEx(m_handle.get(), flags, 0, range.length, 0, &place))
-            return true;
-        if (GetLastError() != ERROR_LOCK_VIOLATION && GetLastError() != ERROR_IO_PENDING)
-            throwSystemError("Locking failed", GetLastError());
-        return false;
-    }
-    void release(LockRange range)
-    {
-        OVERLAPPED place = at(range.start);
-        UnlockFileEx(m_handle.get(), 0, range.length, 0, &place);
-    }
-
     std::filesystem::path m_path;
     Handle m_handle;
-    std::map<Part, Mode> m_held;
+    Origin m_origin;
+    RangeLocks m_locks{m_handle};
 };
 
 class WindowsFileSystem final : public FileSystem
@@ -331,6 +394,16 @@ public:
             throwSystemError("Replacing '" + displayName(to) + "' failed", number);
     }
 
+    void place(const std::filesystem::path &from, const std::filesystem::path &to) override
+    {
+        const DWORD number = untilGranted(
+            [&] { return MoveFileExW(from.c_str(), to.c_str(), MOVEFILE_WRITE_THROUGH) != FALSE; });
+        if (number == ERROR_ALREADY_EXISTS || number == ERROR_FILE_EXISTS)
+            throwFileExists(to);
+        if (number != ERROR_SUCCESS)
+            throwSystemError("Naming '" + displayName(to) + "' failed", number);
+    }
+
     void syncFolder(const std::filesystem::path &) override
     {
         // There is no such call. A new file's name reaches the disk with its first sync, a replaced
@@ -339,15 +412,35 @@ public:
 
     std::unique_ptr<LockFile> openLock(const std::filesystem::path &path, Access access) override
     {
-        Handle handle = openHandle(path, Access::Create);
+        Handle handle = openHandle(path, Access::CreateNew);
+        if (handle.isOpen()) {
+            markLock(handle.get());
+            return std::make_unique<WindowsLockFile>(path, std::move(handle),
+                                                     WindowsLockFile::Origin::New);
+        }
+        handle = openHandle(path, Access::Create); // the last user may remove it just now
         if (!handle.isOpen() && access == Access::Read && GetLastError() == ERROR_ACCESS_DENIED)
             handle = openHandle(path, Access::Read);
-        if (handle.isOpen())
-            return std::make_unique<WindowsLockFile>(path, std::move(handle));
         // A file still refused to a reader is there: others may hold locks in it.
-        if (access != Access::Read || isRefusal(GetLastError()))
+        if (!handle.isOpen() && (access != Access::Read || isRefusal(GetLastError())))
             throwCannotOpen(path, GetLastError());
-        return std::make_unique<NoLockFile>();
+        if (!handle.isOpen())
+            return nullptr;
+        Bytes content(kLockFileSize + 1);
+        content.resize(readAt(handle.get(), 0, content));
+        return std::make_unique<WindowsLockFile>(path, std::move(handle),
+                                                 isOurLockFile(content)
+                                                     ? WindowsLockFile::Origin::Ours
+                                                     : WindowsLockFile::Origin::Foreign);
+    }
+
+private:
+    /// On a full disk it stays empty, and is known by that.
+    static void markLock(HANDLE handle)
+    {
+        OVERLAPPED place = at(kLockMarkOffset);
+        DWORD count = 0;
+        WriteFile(handle, kLockMark.data(), static_cast<DWORD>(kLockMark.size()), &count, &place);
     }
 };
 

@@ -26,7 +26,13 @@ public:
     template <typename Function>
     auto read(Function &&function)
     {
-        if (isUnchanged()) {
+        return readWhen(isUnchanged(), std::forward<Function>(function));
+    }
+    /// The same, as of the moment at which pages in memory were found unchanged.
+    template <typename Function>
+    auto readWhen(bool wasUnchanged, Function &&function)
+    {
+        if (wasUnchanged) {
             try {
                 const Pager::Glance glance(m_pager);
                 return function();
