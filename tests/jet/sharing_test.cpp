@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <fstream>
+#include <functional>
 
 // Several openers of one file, in this process and others.
 
@@ -148,6 +149,58 @@ TEST_F(Sharing, NothingIsStoredInAFileThatHasLostItsName)
     EXPECT_EQ(open().table(u"Tabel").recordCount(), 21U);
 }
 #endif
+
+/// Something happens right after a look at the change counter.
+class OvertakenFile final : public SystemFileBut
+{
+public:
+    OvertakenFile(std::unique_ptr<File> file, std::function<void()> &event)
+        : SystemFileBut(std::move(file)), m_event(event)
+    {
+    }
+
+    std::size_t read(std::uint64_t offset, MutableBytes bytes) override
+    {
+        const std::size_t length = SystemFileBut::read(offset, bytes);
+        if (offset == kChangeCounterOffset && m_event)
+            std::exchange(m_event, nullptr)();
+        return length;
+    }
+
+private:
+    std::function<void()> &m_event;
+};
+
+class OvertakenFiles final : public SystemFilesBut
+{
+public:
+    std::unique_ptr<File> open(const std::filesystem::path &path, Access access) override
+    {
+        return std::make_unique<OvertakenFile>(SystemFilesBut::open(path, access), event);
+    }
+
+    std::function<void()> event;
+};
+
+TEST_F(Sharing, ReadingOvertakenByAWriterStartsAgain)
+{
+    const auto files = std::make_shared<OvertakenFiles>();
+    const auto reader = Database::open(m_path, {.readOnly = true, .cachedPages = 2}, files);
+    const Table seen = reader.table(u"Tabel");
+    Database writer = open();
+    for (const std::uint32_t rows : {500U, 900U}) {
+        seen.recordCount();
+        files->event = [&] {
+            Table table = writer.table(u"Tabel");
+            const auto first = static_cast<std::int32_t>(table.recordCount()) + 1;
+            inTransaction(writer,
+                          [&] { appendSamples(table, first, static_cast<std::int32_t>(rows)); });
+        };
+        EXPECT_EQ(findings(reader), "") << "pages of two states would not fit together";
+        EXPECT_FALSE(files->event);
+        EXPECT_EQ(idsOf(seen.byIndex(u"IndexPrimar")).size(), rows);
+    }
+}
 
 /// A reader who may make nothing in the folder.
 class FilesWithoutLockFile final : public SystemFilesBut
