@@ -58,7 +58,12 @@ inline std::optional<std::size_t> lastBit(ByteView bits, std::size_t before)
         if (masked != 0)
             return byte * 8 + highest(masked);
     }
-    while (byte >= 8 && readLittleEndian<std::uint64_t>(bits, byte - 8) == 0)
+    const auto word = [&](std::size_t at) { return readLittleEndian<std::uint64_t>(bits, at); };
+    // The bitmap of a page that fills up ends with many zeros.
+    while (byte >= 32 &&
+           (word(byte - 8) | word(byte - 16) | word(byte - 24) | word(byte - 32)) == 0)
+        byte -= 32;
+    while (byte >= 8 && word(byte - 8) == 0)
         byte -= 8;
     while (byte-- > 0) {
         if (bits[byte] != 0)

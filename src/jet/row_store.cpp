@@ -56,17 +56,32 @@ StoredRow RowStore::readOwned(RowPointer row) const
     return read(row);
 }
 
+/// Nothing when the row does not fit the page.
+std::optional<RowPointer> RowStore::insertInto(PageNo number, ByteView bytes)
+{
+    page(number);
+    const auto slot = insertRow(m_pager.edit(number), bytes);
+    if (!slot)
+        return std::nullopt;
+    m_filling = number;
+    return RowPointer{number, *slot};
+}
+
 RowPointer RowStore::insert(ByteView bytes)
 {
+    if (m_filling != 0) {
+        if (const auto row = insertInto(m_filling, bytes))
+            return *row;
+        m_filling = 0;
+    }
     UsageMap owned(m_pager, m_owned);
     if (!m_free.isNone()) {
         UsageMap free(m_pager, m_free);
         while (const auto candidate = free.next(0)) {
             // A page the table does not own would be lost, or belong to somebody else.
             if (owned.contains(*candidate)) {
-                page(*candidate);
-                if (const auto slot = insertRow(m_pager.edit(*candidate), bytes))
-                    return {*candidate, *slot};
+                if (const auto row = insertInto(*candidate, bytes))
+                    return *row;
             }
             free.erase(*candidate);
         }
@@ -80,6 +95,7 @@ RowPointer RowStore::insert(ByteView bytes)
     owned.insert(fresh);
     if (!m_free.isNone())
         UsageMap(m_pager, m_free).insert(fresh);
+    m_filling = fresh;
     return {fresh, *slot};
 }
 
@@ -123,6 +139,7 @@ void RowStore::erase(RowPointer row)
 /// Makes the space of deleted rows usable again.
 void RowStore::noticeFreed(PageNo number)
 {
+    m_filling = 0; // the lowest page with room comes first
     const PageRef content = page(number);
     if (!isEmptyOfRows(*content, number)) {
         if (!m_free.isNone())
@@ -137,6 +154,7 @@ void RowStore::noticeFreed(PageNo number)
 
 std::vector<PageNo> RowStore::clear()
 {
+    m_filling = 0;
     UsageMap owned(m_pager, m_owned);
     std::vector<PageNo> unused = owned.pages();
     for (const PageNo number : unused)

@@ -60,6 +60,7 @@ public:
     std::size_t capacity() const;
 
 private:
+    std::optional<RowPointer> insertInto(PageNo page, ByteView bytes);
     void dropImage(RowPointer row);
     void noticeFreed(PageNo page);
 
@@ -67,6 +68,8 @@ private:
     std::uint32_t m_owner;
     RowPointer m_owned;
     RowPointer m_free;
+    PageNo m_filling =
+        0; ///< the page that took the last row, while the maps have not changed since
 };
 
 } // namespace jet

@@ -7,13 +7,10 @@
 namespace jet
 {
 
-Bytes indexEntry(const Bytes &key, RowPointer row)
+Bytes indexEntry(Bytes key, RowPointer row)
 {
-    Bytes entry;
-    entry.reserve(key.size() + kRowIdSize);
-    appendBytes(entry, key);
-    appendRowId(entry, row);
-    return entry;
+    appendRowId(key, row);
+    return key;
 }
 
 IndexTree TableStore::tree(std::size_t realIndex) const
@@ -102,13 +99,13 @@ IndexTree::Path TableStore::checkKey(std::size_t realIndex, const IndexKey &key)
 
 /// `count`: the key counts as another one when the index does not hold it yet. `path`: from
 /// checkKey(), when nothing has changed in the index since.
-void TableStore::addEntry(std::size_t realIndex, const IndexKey &key, RowPointer row, bool count,
+void TableStore::addEntry(std::size_t realIndex, IndexKey key, RowPointer row, bool count,
                           const IndexTree::Path &path)
 {
     IndexTree index = tree(realIndex);
     const bool isNew =
         count && (m_definition.realIndexes[realIndex].isUnique() || !index.hasKey(key.bytes));
-    const Bytes entry = indexEntry(key.bytes, row);
+    const Bytes entry = indexEntry(std::move(key.bytes), row);
     if (path.empty())
         index.insert(entry);
     else

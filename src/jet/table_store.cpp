@@ -244,7 +244,7 @@ RowPointer TableStore::insert(Row values)
         if (m_definition.columns[column].isAutonumber() && isNull(values[column]))
             values[column] = nextAutonumber(column);
     }
-    const Keys keys = keysOf(values);
+    Keys keys = keysOf(values);
     IndexTree::Path path;
     for (std::size_t index = 0; index < keys.size(); ++index) {
         if (keys[index])
@@ -258,7 +258,7 @@ RowPointer TableStore::insert(Row values)
     const RowPointer row = m_rows.insert(bytes);
     for (std::size_t index = 0; index < keys.size(); ++index) {
         if (keys[index])
-            addEntry(index, *keys[index], row, true, path);
+            addEntry(index, std::move(*keys[index]), row, true, path);
     }
     addToCount(kRowCountOffset, 1);
     noteAutonumber(values);

@@ -95,7 +95,7 @@ private:
     Bytes store(const Row &values);
     Bytes longValueData(std::size_t column, const Value &value) const;
     Bytes storeChanged(RowPointer row, const Row &values, const std::vector<bool> &changed);
-    void addEntry(std::size_t realIndex, const IndexKey &key, RowPointer row, bool count,
+    void addEntry(std::size_t realIndex, IndexKey key, RowPointer row, bool count,
                   const IndexTree::Path &path = {});
     void removeEntry(std::size_t realIndex, const IndexKey &key, RowPointer row);
     void addToCount(std::size_t offset, std::int64_t difference);
@@ -112,7 +112,7 @@ private:
 };
 
 /// Bytes of an index entry: the key, then the row id.
-Bytes indexEntry(const Bytes &key, RowPointer row);
+Bytes indexEntry(Bytes key, RowPointer row);
 
 /// True when two names of objects or columns are the same to the database program: upper and lower
 /// case of ASCII letters and of the letters the General order knows are equal.
