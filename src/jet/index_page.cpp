@@ -1,6 +1,7 @@
 #include "jet/index_page.h"
 
 #include "jet/bitmap.h"
+#include "jet/entry_ends.h"
 
 #include <algorithm>
 #include <cstring>
@@ -17,8 +18,6 @@ constexpr std::size_t kNextOffset = 16;
 constexpr std::size_t kTailOffset = 20;
 constexpr std::size_t kPrefixOffset = 24;
 constexpr std::size_t kLevelOffset = 26;
-constexpr std::size_t kBitmapOffset = 27;
-constexpr std::size_t kBitmapSize = kEntryArea - kBitmapOffset;
 
 std::strong_ordering compareBytes(ByteView left, ByteView right)
 {
@@ -31,8 +30,8 @@ std::strong_ordering compareBytes(ByteView left, ByteView right)
 
 void markEnd(MutablePageBytes page, std::size_t end)
 {
-    page[kBitmapOffset + end / 8] =
-        static_cast<std::uint8_t>(page[kBitmapOffset + end / 8] | 1U << (end % 8));
+    page[kEndsOffset + end / 8] =
+        static_cast<std::uint8_t>(page[kEndsOffset + end / 8] | 1U << (end % 8));
 }
 
 void setFree(MutablePageBytes page, std::size_t used)
@@ -55,72 +54,9 @@ std::size_t append(MutablePageBytes page, std::size_t used, ByteView bytes)
     return used + bytes.size();
 }
 
-/// The bitmap of where entries end, taken out of its page to move a part of it.
-class EndBits
-{
-public:
-    explicit EndBits(PageBytes page)
-    {
-        for (std::size_t i = 0; i < kWholeWords; ++i)
-            m_words[i] = readLittleEndian<std::uint64_t>(page, offsetOf(i));
-        m_words[kWholeWords] =
-            readLittleEndian<std::uint64_t, kLastWord>(page, offsetOf(kWholeWords));
-    }
-    void store(MutablePageBytes page) const
-    {
-        for (std::size_t i = 0; i < kWholeWords; ++i)
-            writeLittleEndian<8>(page, offsetOf(i), m_words[i]);
-        writeLittleEndian<kLastWord>(page, offsetOf(kWholeWords), m_words[kWholeWords]);
-    }
-
-    void set(std::size_t bit) { m_words[bit / 64] |= std::uint64_t{1} << bit % 64; }
-    /// Takes bits out; those behind them move down.
-    void remove(std::size_t at, std::size_t count)
-    {
-        const Words old = m_words;
-        const auto word = [&](std::size_t i) { return i < old.size() ? old[i] : 0; };
-        for (std::size_t i = at / 64; i < m_words.size(); ++i) {
-            const std::size_t from = i + count / 64;
-            const std::uint64_t carried = count % 64 == 0 ? 0 : word(from + 1) << (64 - count % 64);
-            const std::uint64_t kept = below(at, i);
-            m_words[i] = (old[i] & kept) | ((word(from) >> count % 64 | carried) & ~kept);
-        }
-    }
-    /// Puts zeros in; the bits from there on move up.
-    void insert(std::size_t at, std::size_t count)
-    {
-        const Words old = m_words;
-        const auto movedWord = [&](std::size_t i) {
-            return i < old.size() ? old[i] & ~below(at, i) : 0;
-        };
-        for (std::size_t i = at / 64; i < m_words.size(); ++i) {
-            const std::size_t from = i - count / 64; // before the first word: outside as well
-            const std::uint64_t carried =
-                count % 64 == 0 ? 0 : movedWord(from - 1) >> (64 - count % 64);
-            m_words[i] = (old[i] & below(at, i)) | movedWord(from) << count % 64 | carried;
-        }
-    }
-
-private:
-    static constexpr std::size_t kWholeWords = kBitmapSize / 8;
-    static constexpr std::size_t kLastWord = kBitmapSize % 8;
-    using Words = std::array<std::uint64_t, kWholeWords + 1>;
-
-    static std::size_t offsetOf(std::size_t word) { return kBitmapOffset + 8 * word; }
-    /// The bits of a word that stand before a place.
-    static std::uint64_t below(std::size_t place, std::size_t word)
-    {
-        if (place <= 64 * word)
-            return 0;
-        return place >= 64 * word + 64 ? ~std::uint64_t{0} : (std::uint64_t{1} << place % 64) - 1;
-    }
-
-    Words m_words;
-};
-
 ByteView bitmapOf(PageBytes page)
 {
-    return page.subspan(kBitmapOffset, kBitmapSize);
+    return page.subspan(kEndsOffset, kEndsSize);
 }
 
 } // namespace
@@ -174,10 +110,10 @@ void IndexPage::checkEntry(std::size_t start, std::size_t end, bool isFirst) con
 
 void IndexPage::findEnds() const
 {
-    const std::uint8_t *bitmap = m_page->data() + kBitmapOffset;
+    const std::uint8_t *bitmap = m_page->data() + kEndsOffset;
     std::size_t found = 0;
     std::size_t last = 0;
-    for (std::size_t byte = 0; byte < kBitmapSize; ++byte) {
+    for (std::size_t byte = 0; byte < kEndsSize; ++byte) {
         for (unsigned bits = bitmap[byte]; bits != 0; bits &= bits - 1) {
             const std::size_t end = 8 * byte + static_cast<std::size_t>(std::countr_zero(bits));
             checkEntry(last, end, found == 0);
@@ -408,7 +344,7 @@ bool insertEntry(MutablePageBytes page, const IndexPage &view, std::size_t index
     std::uint8_t *area = page.data() + kEntryArea;
     std::memmove(area + start + stored->size(), area + start, used - start);
     std::ranges::copy(*stored, area + start);
-    EndBits ends(page);
+    EntryEnds ends(page);
     ends.insert(start + 1, stored->size());
     ends.set(start + stored->size());
     ends.store(page);
@@ -430,7 +366,7 @@ void eraseEntry(MutablePageBytes page, const IndexPage &view, std::size_t index)
     const std::size_t removed = end - start;
     std::memmove(area + start, area + end, used - end);
     std::memset(area + used - removed, 0, removed);
-    EndBits ends(page);
+    EntryEnds ends(page);
     ends.remove(start + 1, removed);
     ends.store(page);
     setFree(page, used - removed);

@@ -34,6 +34,7 @@ SimulatedStation::SimulatedStation(const QDateTime &start)
     QObject::connect(&store, &MeasurementStore::recordStored, &cycle, [this] { ++stored; });
 
     m_answer = time.createTimer(QStringLiteral("recorder"), [this] {
+        line.written.clear(); // a month of commands would hide what the station keeps
         const char *first = ++m_exchanges % 100 == 0 ? "138" : "121.5";
         line.arrive(replyWith({first, "121", "122", "120.5", "121", "119"}));
     });
