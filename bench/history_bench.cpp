@@ -11,12 +11,12 @@
 #include "bench/report.h"
 #include "chart/chart_view.h"
 #include "diagrams/form_ado_chart.h"
-#include "diagrams/history_archive.h"
 #include "diagrams/history_diagrams.h"
 #include "diagrams/live_diagrams.h"
 #include "jet/database.h"
 #include "platform/clock.h"
 #include "platform/operator.h"
+#include "storage/archived_day.h"
 #include "storage/tabel.h"
 
 #include <QApplication>

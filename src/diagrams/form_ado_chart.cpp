@@ -1,6 +1,5 @@
 #include "diagrams/form_ado_chart.h"
 #include "app/settings/station.h"
-#include "app/settings/storage_names.h"
 #include "chart/chart_grid.h"
 #include "chart/chart_view.h"
 #include "chart/plot_style.h"
@@ -12,6 +11,7 @@
 #include "platform/operator.h"
 #include "platform/twips.h"
 #include "platform/window_frame.h"
+#include "storage/storage_names.h"
 
 #include <QCloseEvent>
 #include <QFrame>

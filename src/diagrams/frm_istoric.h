@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/settings/defaults_dialog.h"
+#include "app/defaults_dialog.h"
 #include "diagrams/history_limits.h"
 
 class QGroupBox;

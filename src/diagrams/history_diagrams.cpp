@@ -2,13 +2,13 @@
 #include "app/settings/chart_settings.h"
 #include "app/settings/station.h"
 #include "chart/chart_grid.h"
-#include "diagrams/history_archive.h"
 #include "diagrams/history_layout.h"
 #include "diagrams/history_limits.h"
 #include "diagrams/live_diagrams.h"
 #include "diagrams/point_text.h"
 #include "jet/error.h"
 #include "platform/runtime_error.h"
+#include "storage/archived_day.h"
 
 #include <algorithm>
 

@@ -3,10 +3,10 @@
 #include "app/settings/number_entry.h"
 #include "app/settings/schedule.h"
 #include "app/settings/settings.h"
-#include "app/settings/storage_names.h"
 #include "app/settings/texts.h"
 #include "dialogs/texts.h"
 #include "platform/numeric_text.h"
+#include "storage/storage_names.h"
 
 #include <algorithm>
 #include <cmath>

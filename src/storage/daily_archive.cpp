@@ -1,11 +1,11 @@
 // The daily archive of the measurement store.
 
 #include "app/settings/station.h"
-#include "app/settings/storage_names.h"
 #include "platform/durable_file.h"
 #include "platform/file_date.h"
 #include "platform/operator.h"
 #include "storage/measurement_store.h"
+#include "storage/storage_names.h"
 #include "storage/tabel.h"
 #include "storage/texts.h"
 

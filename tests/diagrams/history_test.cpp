@@ -1,10 +1,10 @@
 #include "app/settings/chart_settings.h"
-#include "app/settings/storage_names.h"
 #include "diagrams/history_date.h"
 #include "diagrams/history_layout.h"
 #include "jet/file.h"
 #include "platform/file_date.h"
 #include "platform/runtime_error.h"
+#include "storage/storage_names.h"
 #include "tests/diagrams/history_rig.h"
 
 #include <QFile>

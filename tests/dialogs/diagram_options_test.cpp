@@ -1,5 +1,5 @@
-#include "app/settings/storage_names.h"
 #include "dialogs/diagram_options.h"
+#include "storage/storage_names.h"
 #include "tests/dialogs/dialog_rig.h"
 
 namespace

@@ -5,7 +5,7 @@
 // The station's folder is newly laid and is written to; PRINTED_PAGE is the PDF document that
 // printing the diagrams makes. `large` takes the windows as they are where the system has large
 // letters. `take` beside this file does it all.
-#include "app/station_application.h"
+#include "program/station_application.h"
 #include "tools/screenshots/photographer.h"
 #include "tools/screenshots/posed_station.h"
 

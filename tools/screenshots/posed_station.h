@@ -1,9 +1,9 @@
 #pragma once
 
-#include "app/program.h"
 #include "platform/operator.h"
 #include "platform/printers.h"
 #include "platform/shell.h"
+#include "program/program.h"
 
 /// A clock that stands still until it is set.
 class StoppedClock final : public Clock

@@ -3,13 +3,13 @@
 
 #include "acquisition/form2.h"
 #include "app/main_menu.h"
-#include "app/program.h"
-#include "app/station_application.h"
 #include "jet/database.h"
 #include "jet/value_conversion.h"
 #include "platform/operator.h"
 #include "platform/qt_printers.h"
 #include "platform/shell.h"
+#include "program/program.h"
+#include "program/station_application.h"
 #include "storage/storage_file.h"
 #include "storage/tabel.h"
 

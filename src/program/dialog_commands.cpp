@@ -1,4 +1,4 @@
-#include "app/dialog_commands.h"
+#include "program/dialog_commands.h"
 #include "acquisition/form_calibrare.h"
 #include "acquisition/form_eroare.h"
 #include "app/mdiform1.h"

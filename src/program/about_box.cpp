@@ -1,7 +1,7 @@
-#include "app/about_box.h"
-#include "app/about_texts.h"
+#include "program/about_box.h"
 #include "platform/operator.h"
 #include "platform/system_information.h"
+#include "program/texts.h"
 
 #include <QDialogButtonBox>
 #include <QGroupBox>

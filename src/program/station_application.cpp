@@ -1,4 +1,4 @@
-#include "app/station_application.h"
+#include "program/station_application.h"
 #include "app/texts.h"
 #include "jet/error.h"
 #include "platform/message_box_operator.h"

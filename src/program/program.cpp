@@ -1,6 +1,5 @@
-#include "app/program.h"
+#include "program/program.h"
 #include "acquisition/form2.h"
-#include "app/about_box.h"
 #include "app/texts.h"
 #include "diagrams/diagram_printing.h"
 #include "diagrams/form1.h"
@@ -14,6 +13,7 @@
 #include "platform/system_information.h"
 #include "platform/system_serial_line.h"
 #include "platform/twips.h"
+#include "program/about_box.h"
 #include "storage/form_mdb.h"
 
 #include <QMdiSubWindow>

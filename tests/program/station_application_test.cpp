@@ -1,5 +1,5 @@
-#include "app/station_application.h"
 #include "platform/runtime_error.h"
+#include "program/station_application.h"
 #include "tests/support/windows_main.h"
 
 #include <QTimer>

@@ -1,4 +1,4 @@
-#include "app/about_box.h"
+#include "program/about_box.h"
 #include "tests/support/controls.h"
 #include "tests/support/fake_operator.h"
 

@@ -1,10 +1,10 @@
-#include "app/program.h"
-#include "app/station_application.h"
 #include "app/texts.h"
 #include "platform/clock.h"
 #include "platform/desktop_shell.h"
 #include "platform/message_box_operator.h"
 #include "platform/qt_printers.h"
+#include "program/program.h"
+#include "program/station_application.h"
 
 int main(int argc, char **argv)
 {

@@ -1,4 +1,4 @@
-#include "app/settings/storage_names.h"
+#include "storage/storage_names.h"
 
 #include <algorithm>
 

@@ -1,4 +1,4 @@
-#include "tests/app/window_walker.h"
+#include "tests/program/window_walker.h"
 #include "chart/chart_view.h"
 
 #include <QAbstractButton>

@@ -1,6 +1,6 @@
 #include "acquisition/form2.h"
 #include "chart/chart_grid.h"
-#include "tests/app/program_rig.h"
+#include "tests/program/program_rig.h"
 #include "tests/support/runtime_errors.h"
 
 #include <QDialog>

@@ -1,4 +1,4 @@
-#include "diagrams/history_archive.h"
+#include "storage/archived_day.h"
 #include "jet/database.h"
 #include "jet/value_conversion.h"
 #include "platform/clock.h"

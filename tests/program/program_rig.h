@@ -1,9 +1,9 @@
 #pragma once
 
 #include "app/main_menu.h"
-#include "app/program.h"
 #include "jet/database.h"
 #include "platform/printers.h"
+#include "program/program.h"
 #include "storage/storage_file.h"
 #include "storage/tabel.h"
 #include "tests/support/controls.h"

@@ -3,7 +3,6 @@
 #include "acquisition/exchange.h"
 #include "acquisition/monitoring_cycle.h"
 #include "acquisition/ports.h"
-#include "app/dialog_commands.h"
 #include "app/mdiform1.h"
 #include "app/settings/settings.h"
 #include "app/settings/station.h"
@@ -11,6 +10,7 @@
 #include "diagrams/live_diagrams.h"
 #include "platform/scheduler.h"
 #include "platform/window_frame.h"
+#include "program/dialog_commands.h"
 #include "storage/measurement_store.h"
 
 #include <QPointer>

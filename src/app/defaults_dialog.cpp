@@ -1,4 +1,4 @@
-#include "app/settings/defaults_dialog.h"
+#include "app/defaults_dialog.h"
 #include "app/settings/texts.h"
 #include "platform/dialog_buttons.h"
 

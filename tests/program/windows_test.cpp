@@ -3,8 +3,8 @@
 #include "chart/chart_grid.h"
 #include "chart/chart_view.h"
 #include "platform/message_box_operator.h"
-#include "tests/app/program_rig.h"
-#include "tests/app/window_walker.h"
+#include "tests/program/program_rig.h"
+#include "tests/program/window_walker.h"
 
 #include <QApplication>
 #include <QDialog>
