@@ -6,7 +6,7 @@
 #include "platform/date_text.h"
 #include "platform/operator.h"
 #include "platform/printers.h"
-#include "platform/runtime_error.h"
+#include "storage/failure.h"
 
 namespace
 {
@@ -87,9 +87,6 @@ void chooseAndPrint(const DiagramPrinting &with)
 
 void printDiagrams(const DiagramPrinting &with)
 {
-    try {
-        chooseAndPrint(with);
-    } catch (const RuntimeError &error) {
-        with.op.tell(numberedError(error.number(), error.description()), Operator::Icon::Critical);
-    }
+    if (const auto failure = attempt([&] { chooseAndPrint(with); }))
+        with.op.tell(failure->text(), Operator::Icon::Critical);
 }

@@ -6,9 +6,9 @@
 #include "diagrams/history_limits.h"
 #include "diagrams/live_diagrams.h"
 #include "diagrams/point_text.h"
-#include "jet/error.h"
 #include "platform/runtime_error.h"
 #include "storage/archived_day.h"
+#include "storage/failure.h"
 
 #include <algorithm>
 
@@ -74,15 +74,11 @@ void HistoryDiagrams::clear()
 QString HistoryDiagrams::genereaza_diagrame(const QStringList &fisiere)
 {
     clear();
-    try {
+    const std::optional<Failure> failure = attempt([&] {
         for (const QString &file : fisiere)
             draw(m_station.archiveFolder() + file);
-    } catch (const jet::Error &error) {
-        return numberedError(error.number(), QString::fromUtf8(error.what()));
-    } catch (const RuntimeError &error) {
-        return numberedError(error.number(), error.description());
-    }
-    return {};
+    });
+    return failure ? failure->text() : QString();
 }
 
 void HistoryDiagrams::draw(const QString &path)

@@ -6,6 +6,7 @@
 #include "platform/operator.h"
 #include "platform/runtime_error.h"
 #include "platform/shell.h"
+#include "storage/failure.h"
 
 #include <QBuffer>
 #include <QDir>
@@ -43,13 +44,13 @@ QString imagePath(const Station &station, const Diagrama &record, const Clock &c
 
 void saveDiagramImages(const ImageExport &with)
 {
-    try {
+    const std::optional<Failure> failure = attempt([&] {
         for (const Diagrama &record : with.station.Diagrame)
             replaceFile(imagePath(with.station, record, with.clock), bitmap(with.capture(record)));
-    } catch (const RuntimeError &error) {
-        // A picture that cannot be saved is no reason to end the monitoring of a load.
-        with.op.tell(numberedError(error.number(), error.description()));
-        return;
-    }
-    openFolder(with);
+    });
+    // A picture that cannot be saved is no reason to end the monitoring of a load.
+    if (failure)
+        with.op.tell(failure->text());
+    else
+        openFolder(with);
 }

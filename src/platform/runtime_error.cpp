@@ -51,8 +51,3 @@ QString runtimeErrorReport(int number, const QString &description)
 {
     return QStringLiteral("Run-time error '%1':\n\n%2").arg(number).arg(description);
 }
-
-QString numberedError(int number, const QString &description)
-{
-    return QStringLiteral("%1 %2").arg(number).arg(description);
-}

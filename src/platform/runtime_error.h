@@ -40,7 +40,3 @@ private:
 
 /// "Run-time error 'N':", an empty line and the description: the text of the runtime error report.
 QString runtimeErrorReport(int number, const QString &description);
-
-/// Number, one blank, description: how unexpected failures of databases, files and printers are
-/// told.
-QString numberedError(int number, const QString &description);

@@ -237,9 +237,7 @@ void Program::showBrowser()
         // Queued: behind the box the archive may close the window that has failed.
         connect(
             m_formMdb, &FormMdb::failed, this,
-            [this](int number, const QString &description) {
-                m_environment.op.tell(numberedError(number, description));
-            },
+            [this](const QString &failure) { m_environment.op.tell(failure); },
             Qt::QueuedConnection);
         connect(m_formMdb, &FormMdb::closed, this, [this] {
             m_browserPlace.save(*m_formMdb);

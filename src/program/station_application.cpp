@@ -1,8 +1,8 @@
 #include "program/station_application.h"
 #include "app/texts.h"
-#include "jet/error.h"
 #include "platform/message_box_operator.h"
 #include "platform/runtime_error.h"
+#include "storage/failure.h"
 
 #include <QIcon>
 #include <cstdio>
@@ -17,11 +17,8 @@ constexpr int kInternalError = 51;
 QString reportOfCurrentException()
 {
     try {
-        throw;
-    } catch (const RuntimeError &error) {
-        return runtimeErrorReport(error.number(), error.description());
-    } catch (const jet::Error &error) {
-        return runtimeErrorReport(error.number(), QString::fromUtf8(error.what()));
+        const Failure failure = currentFailure();
+        return runtimeErrorReport(failure.number, failure.description);
     } catch (const std::bad_alloc &) {
         return runtimeErrorReport(7, QStringLiteral("Out of memory"));
     } catch (const std::exception &error) {

@@ -4,6 +4,7 @@
 #include "platform/durable_file.h"
 #include "platform/file_date.h"
 #include "platform/operator.h"
+#include "storage/failure.h"
 #include "storage/measurement_store.h"
 #include "storage/storage_names.h"
 #include "storage/tabel.h"
@@ -21,7 +22,7 @@ void MeasurementStore::arhiveaza_baza_date(const QString &nume)
         if (failure->number == static_cast<int>(jet::ErrorCode::NoCurrentRecord))
             m_operator.tell(texts::storage::storageEmpty(nume), Operator::Icon::Exclamation);
         else
-            tellFailure(*failure);
+            m_operator.tell(failure->text());
         return;
     }
     if (browserWasOpen)

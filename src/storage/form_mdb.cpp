@@ -1,6 +1,6 @@
 #include "storage/form_mdb.h"
 #include "app/settings/station.h"
-#include "jet/error.h"
+#include "storage/failure.h"
 #include "storage/recordset_model.h"
 #include "storage/texts.h"
 
@@ -72,10 +72,10 @@ void FormMdb::aranjare()
 
 void FormMdb::sortare()
 {
-    try {
-        m_data->open(m_station.storagePath(m_station.NumeFisier[0]));
-    } catch (const jet::Error &error) {
-        emit failed(error.number(), QString::fromUtf8(error.what()));
+    const auto failure =
+        attempt([this] { m_data->open(m_station.storagePath(m_station.NumeFisier[0])); });
+    if (failure) {
+        emit failed(failure->text());
         return;
     }
     fitColumns();

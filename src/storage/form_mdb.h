@@ -30,9 +30,9 @@ public:
     void sortare();
 
 signals:
-    /// The file could not be read: number and description. To be connected queued: whoever tells
-    /// the operator must not do so within the call.
-    void failed(int number, const QString &description);
+    /// The file could not be read: the failure's text. To be connected queued: whoever tells the
+    /// operator must not do so within the call.
+    void failed(const QString &failure);
     void closed(); ///< unloaded, the file let go; destruction follows
 
 protected:

@@ -2,7 +2,7 @@
 #include "app/settings/station.h"
 #include "platform/clock.h"
 #include "platform/operator.h"
-#include "platform/runtime_error.h"
+#include "storage/failure.h"
 #include "storage/storage_file.h"
 #include "storage/tabel.h"
 #include "storage/table_repair.h"
@@ -57,24 +57,6 @@ jet::Database MeasurementStore::openStorage(const QString &nume) const
     return jet::Database::open(nativePath(m_station.storagePath(nume)), m_options);
 }
 
-std::optional<MeasurementStore::Failure>
-MeasurementStore::attempt(const std::function<void()> &action)
-{
-    try {
-        action();
-    } catch (const jet::Error &error) {
-        return Failure{error.number(), QString::fromUtf8(error.what())};
-    } catch (const RuntimeError &error) {
-        return Failure{error.number(), error.description()};
-    }
-    return std::nullopt;
-}
-
-void MeasurementStore::tellFailure(const Failure &failure)
-{
-    m_operator.tell(numberedError(failure.number, failure.description));
-}
-
 void MeasurementStore::adauga_inregistrare(const QString &nume)
 {
     if (!isStorageFile(nume)) {
@@ -90,7 +72,7 @@ void MeasurementStore::adauga_inregistrare(const QString &nume)
     else if (failure->number == static_cast<int>(jet::ErrorCode::DuplicateKey))
         repara_baza_date(nume);
     else
-        tellFailure(*failure);
+        m_operator.tell(failure->text());
 }
 
 int MeasurementStore::appendRecord(const QString &nume)
@@ -108,18 +90,16 @@ int MeasurementStore::appendRecord(const QString &nume)
     return id;
 }
 
-void MeasurementStore::retryWhileLocked(const QString &nume, const std::function<void()> &step,
-                                        std::optional<Failure> &failure)
+void MeasurementStore::retryWhileLocked(const QString &nume, const std::function<void()> &step)
 {
-    constexpr int kLocked = static_cast<int>(jet::ErrorCode::TableLocked);
-    while (!failure) {
-        const std::optional<Failure> result = attempt(step);
-        if (!result)
-            return;
-        if (result->number == kLocked)
-            m_operator.tell(texts::storage::lockedByOther(nume), Operator::Icon::Critical);
-        else
-            failure = result;
+    for (;;) {
+        try {
+            return step();
+        } catch (const jet::Error &error) {
+            if (error.code() != jet::ErrorCode::TableLocked)
+                throw;
+        }
+        m_operator.tell(texts::storage::lockedByOther(nume), Operator::Icon::Critical);
     }
 }
 
@@ -128,21 +108,14 @@ void MeasurementStore::repara_baza_date(const QString &nume)
     // Before anything else: the station's own browser would lock the file against the repair.
     if (m_station.FormMdbDeschis)
         emit browserMustClose();
-    std::optional<Failure> failure;
-    retryWhileLocked(
-        nume, [this] { sterge_tabel_temporar(); }, failure);
-    retryWhileLocked(
-        nume,
-        [&] {
+    const std::optional<Failure> failure = attempt([&] {
+        retryWhileLocked(nume, [this] { sterge_tabel_temporar(); });
+        retryWhileLocked(nume, [&] {
             jet::Database database = openStorage(nume);
             rebuildTabel(database, tabel::momentValue(m_clock.now()));
-        },
-        failure);
-    if (failure) {
-        tellFailure(*failure);
-        return;
-    }
-    m_operator.tell(texts::storage::repaired(nume));
+        });
+    });
+    m_operator.tell(failure ? failure->text() : texts::storage::repaired(nume));
 }
 
 void MeasurementStore::sterge_tabel_temporar()

@@ -4,7 +4,6 @@
 
 #include <QObject>
 #include <functional>
-#include <optional>
 
 class Clock;
 class Operator;
@@ -59,19 +58,12 @@ signals:
     void browserMayReopen();
 
 private:
-    struct Failure {
-        int number;
-        QString description;
-    };
-
-    void tellFailure(const Failure &failure);
-    static std::optional<Failure> attempt(const std::function<void()> &action);
     /// Whether there is such a file in the storage folder; a name with a path in it is none.
     bool isStorageFile(const QString &nume) const;
     jet::Database openStorage(const QString &nume) const;
     int appendRecord(const QString &nume);
-    void retryWhileLocked(const QString &nume, const std::function<void()> &step,
-                          std::optional<Failure> &failure);
+    /// Runs `step`, asking the operator to close other programs for as long as one locks the file.
+    void retryWhileLocked(const QString &nume, const std::function<void()> &step);
     void archiveAndEmpty(const QString &nume, const QString &archive) const;
 
     Station &m_station;

@@ -3,6 +3,7 @@
 #include "jet/value_conversion.h"
 #include "platform/date_text.h"
 #include "platform/numeric_text.h"
+#include "storage/failure.h"
 #include "storage/measurement_store.h"
 #include "storage/storage_file.h"
 #include "storage/tabel.h"
@@ -141,7 +142,7 @@ void RecordsetModel::fail(const jet::Error &error) const
     if (error.code() == jet::ErrorCode::InUse)
         m_retry->start();
     if (!std::exchange(m_told, true))
-        emit failed(error.number(), QString::fromUtf8(error.what()));
+        emit failed(currentFailure().text());
 }
 
 /// The grid asks for its rows anew; those that a busy file kept empty fill.

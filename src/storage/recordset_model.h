@@ -35,8 +35,8 @@ public:
     QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
 
 signals:
-    /// The file could no longer be read: number and description.
-    void failed(int number, const QString &description) const;
+    /// The file could no longer be read: the failure's text.
+    void failed(const QString &failure) const;
 
 private slots:
     void lookAgain();

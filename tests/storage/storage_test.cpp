@@ -311,14 +311,14 @@ TEST_F(StorageTest, BrowserLooksAgainAtAFileThatWasBusy)
     QSignalSpy failed(&model, &RecordsetModel::failed);
     model.open(storage());
     const auto newest = [&] { return model.index(0, 0).data().toString(); };
-    const auto other = jet::makeSystemFiles()->openLock(jet::lockPath(nativePath(storage())),
-                                                        jet::FileSystem::Access::Write);
-    ASSERT_TRUE(other->tryLock(jet::LockFile::Part::Pages, jet::LockFile::Mode::Exclusive));
+    const auto other =
+        jet::makeSystemFiles()->open(nativePath(storage()), jet::FileSystem::Access::Write);
+    ASSERT_TRUE(other->tryLock(jet::LockPart::Pages, jet::LockMode::Exclusive));
     EXPECT_EQ(newest(), "");
-    other->unlock(jet::LockFile::Part::Pages);
+    other->unlock(jet::LockPart::Pages);
     EXPECT_EQ(newest(), "") << "the other cells of this look do not wait";
     ASSERT_EQ(failed.size(), 1);
-    EXPECT_EQ(failed[0][0], 3356);
+    EXPECT_TRUE(failed[0][0].toString().startsWith("3356 "));
     QSignalSpy changed(&model, &RecordsetModel::dataChanged);
     ASSERT_TRUE(changed.wait()) << "what shows the records is told";
     EXPECT_EQ(newest(), "2");
