@@ -2,7 +2,6 @@
 #include "platform/runtime_error.h"
 
 #include <algorithm>
-#include <utility>
 
 ChartGrid::ChartGrid(const QString &tag, const QStringList &columnLabels, int rowCount,
                      QObject *parent)
@@ -12,16 +11,11 @@ ChartGrid::ChartGrid(const QString &tag, const QStringList &columnLabels, int ro
         m_columns.push_back({label, std::vector<double>(static_cast<std::size_t>(rowCount), 0.0)});
 }
 
-const ChartGrid::Column &ChartGrid::columnAt(int column) const
+std::size_t ChartGrid::indexOf(int column) const
 {
     if (column < 1 || column > columnCount())
         throw RuntimeError(RuntimeError::SubscriptOutOfRange);
-    return m_columns[static_cast<std::size_t>(column - 1)];
-}
-
-ChartGrid::Column &ChartGrid::columnAt(int column)
-{
-    return const_cast<Column &>(std::as_const(*this).columnAt(column));
+    return static_cast<std::size_t>(column - 1);
 }
 
 void ChartGrid::setRowCount(int rowCount)
@@ -43,25 +37,25 @@ void ChartGrid::setRow(int row)
 
 void ChartGrid::setColumn(int column)
 {
-    columnAt(column);
+    indexOf(column);
     m_column = column;
 }
 
-const double &ChartGrid::cell() const
+std::size_t ChartGrid::rowIndex() const
 {
     if (m_row > m_rowCount) // rows were dropped
         throw RuntimeError(RuntimeError::SubscriptOutOfRange);
-    return columnAt(m_column).values[static_cast<std::size_t>(m_row - 1)];
+    return static_cast<std::size_t>(m_row - 1);
 }
 
 double ChartGrid::data() const
 {
-    return cell();
+    return columnAt(m_column).values[rowIndex()];
 }
 
 void ChartGrid::setData(double value)
 {
-    const_cast<double &>(cell()) = value;
+    columnAt(m_column).values[rowIndex()] = value;
     emit dataChanged(m_column, m_row);
 }
 

@@ -6,8 +6,9 @@
 #include <vector>
 
 /// The data that a chart shows: rowCount() x columnCount() numbers, their labels, the limits of the
-/// value axis and the backdrop. Rows and columns count from 1. It knows no widget: every rule about
-/// diagrams works on a grid, a ChartView draws it.
+/// value axis and the backdrop. Rows and columns count from 1; the last two columns are the alarm
+/// limits, those before them sensors. It knows no widget: every rule about diagrams works on a
+/// grid, a ChartView draws it.
 ///
 /// A current row and column select the cell or the column that data(), setData(), columnLabel() and
 /// setColumnLabel() mean. Selecting outside the grid throws RuntimeError 9, and so does data() once
@@ -18,12 +19,17 @@ class ChartGrid : public QObject
 public:
     enum class Backdrop { Transparent, White };
 
-    /// `tag` names the diagram; rows are labelled "R1", "R2", ...; all data start at 0.
+    /// `tag` names the diagram; rows are labelled "R1", "R2", ...; all data start at 0. The labels
+    /// are those of the sensors, then the two of the alarm limits.
     ChartGrid(const QString &tag, const QStringList &columnLabels, int rowCount,
               QObject *parent = nullptr);
 
     QString tag() const { return m_tag; }
     int columnCount() const { return static_cast<int>(m_columns.size()); }
+    int sensorColumns() const { return columnCount() - kAlarmColumns; }
+    int lowerAlarmColumn() const { return columnCount() - 1; }
+    int upperAlarmColumn() const { return columnCount(); }
+    bool isAlarmColumn(int column) const { return column > sensorColumns(); }
     int rowCount() const { return m_rowCount; }
     /// Adds rows of zeros at the end or drops rows there. Throws RuntimeError 5 below 0.
     void setRowCount(int rowCount);
@@ -71,9 +77,13 @@ private:
         std::vector<double> values;
     };
 
-    const Column &columnAt(int column) const;
-    Column &columnAt(int column);
-    const double &cell() const;
+    static constexpr int kAlarmColumns = 2;
+
+    std::size_t indexOf(int column) const;
+    const Column &columnAt(int column) const { return m_columns[indexOf(column)]; }
+    Column &columnAt(int column) { return m_columns[indexOf(column)]; }
+    /// Index of the current row in its column.
+    std::size_t rowIndex() const;
 
     QString m_tag;
     std::vector<Column> m_columns;

@@ -195,7 +195,7 @@ void ChartView::copyLayout()
         QCPGraph &graph = *m_plot->graph(series);
         graph.setName(
             metrics.elidedText(m_grid.columnLabelOf(series + 1), Qt::ElideRight, scale.legendText));
-        graph.setPen(seriesPen(series, m_grid.columnCount(), dense));
+        graph.setPen(columnPen(m_grid, series + 1, dense));
         graph.setAntialiased(graph.pen().style() == Qt::SolidLine);
     }
     m_plot->xAxis->setTickLabels(m_grid.rowLabelsShown());

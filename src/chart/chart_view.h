@@ -10,7 +10,7 @@ class MovableLegend;
 class QCustomPlot;
 class ValueTicker;
 
-/// Draws a ChartGrid: a line per series, the last two as alarm limits, the legend at the right, row
+/// Draws a ChartGrid: a line per column, the legend at the right, row
 /// labels below, the value axis with the grid's limits. Many changes of the grid become one
 /// repaint.
 ///

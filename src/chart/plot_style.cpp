@@ -8,7 +8,6 @@
 namespace
 {
 
-constexpr int kAlarmSeries = 2;
 constexpr QRgb kVermilion = 0xFFD55E00;
 constexpr std::array<QRgb, 6> kReadingColours{
     0xFF0072B2, // blue
@@ -59,14 +58,14 @@ bool isMultiple(double number, double step)
 
 } // namespace
 
-QPen seriesPen(int series, int seriesCount, bool dense)
+QPen columnPen(const ChartGrid &grid, int column, bool dense)
 {
-    if (series >= seriesCount - kAlarmSeries) {
+    if (grid.isAlarmColumn(column)) {
         QPen pen(QColor::fromRgb(kVermilion), 1);
         pen.setDashPattern({6, 4});
         return pen;
     }
-    QPen pen(QColor::fromRgb(kReadingColours[std::size_t(series) % kReadingColours.size()]),
+    QPen pen(QColor::fromRgb(kReadingColours[std::size_t(column - 1) % kReadingColours.size()]),
              dense ? 1.0 : 2.0);
     pen.setCapStyle(Qt::RoundCap);
     return pen;

@@ -2,12 +2,14 @@
 
 #include <qcustomplot.h>
 
+class ChartGrid;
+
 /// How charts look: colours, line widths, fonts and ticks that suit a chart's size.
 
-/// Pen of one series. Readings take the colours of Okabe and Ito, which operators with any colour
-/// vision tell apart; the last two series of a chart are alarm limits: thin, dashed, vermilion.
-/// `dense`: more points than the chart has pixels, where a wide line would only blur.
-QPen seriesPen(int series, int seriesCount, bool dense);
+/// Pen of one column's line. Readings take the colours of Okabe and Ito, which operators with any
+/// colour vision tell apart; alarm limits are thin, dashed and vermilion. `dense`: more points than
+/// the chart has pixels, where a wide line would only blur.
+QPen columnPen(const ChartGrid &grid, int column, bool dense);
 
 /// Sizes that follow from a chart's height and width, from its number of series, which the legend
 /// lists, and from the system's letters, all in pixels.

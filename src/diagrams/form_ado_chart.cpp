@@ -34,9 +34,9 @@ constexpr QSize kWaitMargins(60, 30);
 QString keyText(const ChartGrid &grid)
 {
     QStringList names;
-    for (int column = 1; column <= grid.columnCount() - 2; ++column)
+    for (int column = 1; column <= grid.sensorColumns(); ++column)
         names += QStringLiteral("<span style=\"color:%1\"><b>\u2501\u2501</b></span> %2")
-                     .arg(seriesPen(column - 1, grid.columnCount(), false).color().name(),
+                     .arg(columnPen(grid, column, false).color().name(),
                           grid.columnLabelOf(column).toHtmlEscaped());
     return names.join(QStringLiteral("&nbsp;&nbsp; "));
 }

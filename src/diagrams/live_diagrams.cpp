@@ -14,17 +14,10 @@
 namespace
 {
 
-constexpr int kAlarmSeries = 2;
-
 std::unique_ptr<ChartGrid> stationChart(const QString &tag, QStringList labels)
 {
     labels << texts::diagrams::alarmSeries() << texts::diagrams::alarmSeries();
     return std::make_unique<ChartGrid>(tag, labels, kStationRows);
-}
-
-int sensorSeries(const ChartGrid &chart)
-{
-    return chart.columnCount() - kAlarmSeries;
 }
 
 /// The counters of both tables have 8 bits.
@@ -58,7 +51,7 @@ void initializare_diagrama(ChartGrid &chart, const Station &station, std::size_t
 {
     if (diagram >= station.Diagrame.size())
         throw RuntimeError(RuntimeError::SubscriptOutOfRange);
-    for (int column = 1; column <= sensorSeries(chart); ++column)
+    for (int column = 1; column <= chart.sensorColumns(); ++column)
         chart.fillColumn(column, station.Diagrame[diagram].limita_minima);
     chart.setRowLabelsShown(true);
     chart.setBackdrop(ChartGrid::Backdrop::Transparent);
@@ -141,7 +134,7 @@ std::vector<Sensor> LiveDiagrams::incarca_lista_senzori(std::vector<Diagrama> &d
     std::vector<Sensor> sensors;
     for (std::size_t d = 0; d < diagrams.size(); ++d) {
         const Diagrama &record = diagrams[d];
-        for (int column = 1; column <= sensorSeries(*record.chart); ++column) {
+        for (int column = 1; column <= record.chart->sensorColumns(); ++column) {
             if (column > record.Nume.size())
                 throw RuntimeError(RuntimeError::SubscriptOutOfRange);
             const QString key = record.name + QStringLiteral(".Senzor%1").arg(column);
@@ -179,7 +172,7 @@ void LiveDiagrams::adauga_punct(Diagrama &record, const std::vector<Sensor> &sen
     if (row < record.timeStamps.size())
         record.timeStamps[row] = now.addMSecs(-now.time().msec());
 
-    for (int column = 1; column <= sensorSeries(chart); ++column) {
+    for (int column = 1; column <= chart.sensorColumns(); ++column) {
         chart.setColumn(column);
         const auto sensor = std::find_if(
             sensors.begin(), sensors.end(),

@@ -11,9 +11,8 @@ void scrie_limite_grafic(const Diagrama &record)
 
 void deseneaza_alarme(const Diagrama &record)
 {
-    const int columns = record.chart->columnCount();
-    record.chart->fillColumn(columns - 1, record.alarma_minim);
-    record.chart->fillColumn(columns, record.alarma_maxim);
+    record.chart->fillColumn(record.chart->lowerAlarmColumn(), record.alarma_minim);
+    record.chart->fillColumn(record.chart->upperAlarmColumn(), record.alarma_maxim);
 }
 
 void aplica_tab(const Diagrama &record, const QString &tab)

@@ -7,7 +7,7 @@
 /// Value axis: maximum first, then minimum.
 void scrie_limite_grafic(const Diagrama &record);
 
-/// Fills the last two series with the lower and the upper alarm limit: two horizontal lines.
+/// Draws the lower and the upper alarm limit: two horizontal lines.
 void deseneaza_alarme(const Diagrama &record);
 
 /// Pushes the settings of one options tab to the chart; any caption but the graph limits' and the
