@@ -3,6 +3,7 @@
 
 static constexpr qsizetype kFirstField = 39;
 static constexpr qsizetype kSlotSize = 27;
+static_assert(trm10c::kReplySize == 22 + qsizetype(trm10c::kChannels) * kSlotSize + 2);
 static constexpr qsizetype kFieldSize = 10;
 
 QByteArrayList trm10c::readCommands()

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "app/settings/channels.h"
+
 #include <QByteArray>
 #include <QByteArrayList>
 #include <array>
@@ -13,7 +15,7 @@
 namespace trm10c
 {
 inline constexpr qsizetype kReplySize = 186;
-inline constexpr std::size_t kChannels = 6;
+inline constexpr std::size_t kChannels = channels::kCount;
 
 using Values = std::array<double, kChannels>; // degrees Celsius, channels 01 to 06
 

@@ -90,7 +90,7 @@ void HistoryDiagrams::draw(const QString &path)
     auto readings = day.sensors.begin();
     for (Diagrama &history : m_station.Istoric) {
         history.chart->setRowCount(static_cast<int>(m_moments.size()));
-        for (int column = 1; column <= kSensorsPerDiagram; ++column)
+        for (int column = 1; column <= channels::kPerDiagram; ++column)
             history.chart->setColumnData(column, std::move(*readings++));
         drawAlarms(history);
     }
@@ -109,7 +109,7 @@ void HistoryDiagrams::drawAlarms(Diagrama &history) const
     deseneaza_alarme(history);
 }
 
-std::array<double, 2> HistoryDiagrams::chartWidths() const
+std::array<double, channels::kDiagrams> HistoryDiagrams::chartWidths() const
 {
     if (m_charts[0]->rowCount() <= kRowsOfWindowWidth)
         return {};

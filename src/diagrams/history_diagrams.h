@@ -1,5 +1,7 @@
 #pragma once
 
+#include "app/settings/channels.h"
+
 #include <QString>
 #include <QStringList>
 #include <array>
@@ -40,7 +42,7 @@ public:
 
     /// Width of each chart for the rows it has, in twips; zeros when the first one has so few that
     /// both take the window's width.
-    std::array<double, 2> chartWidths() const;
+    std::array<double, channels::kDiagrams> chartWidths() const;
 
     /// What a picked point says: series label, value, and the moment of the sample.
     QString pointText(std::size_t chart, int series, int point) const;
@@ -52,6 +54,6 @@ private:
 
     Station &m_station;
     Settings &m_settings;
-    std::array<std::unique_ptr<ChartGrid>, 2> m_charts;
+    std::array<std::unique_ptr<ChartGrid>, channels::kDiagrams> m_charts;
     std::vector<double> m_moments; ///< one per row of both charts, days since 1899-12-30
 };

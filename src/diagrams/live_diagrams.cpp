@@ -1,5 +1,6 @@
 #include "diagrams/live_diagrams.h"
 #include "app/settings/chart_settings.h"
+#include "app/settings/keys.h"
 #include "app/settings/schedule.h"
 #include "app/settings/settings.h"
 #include "chart/chart_grid.h"
@@ -14,10 +15,13 @@
 namespace
 {
 
-std::unique_ptr<ChartGrid> stationChart(const QString &tag, QStringList labels)
+std::unique_ptr<ChartGrid> stationChart(int diagram)
 {
+    QStringList labels;
+    for (int channel = 1; channel <= channels::kPerDiagram; ++channel)
+        labels += texts::diagrams::designedSeries(channels::channelOf(diagram, channel));
     labels << texts::diagrams::alarmSeries() << texts::diagrams::alarmSeries();
-    return std::make_unique<ChartGrid>(tag, labels, kStationRows);
+    return std::make_unique<ChartGrid>(channels::diagramName(diagram), labels, kStationRows);
 }
 
 /// The counters of both tables have 8 bits.
@@ -61,12 +65,8 @@ void initializare_diagrama(ChartGrid &chart, const Station &station, std::size_t
 LiveDiagrams::Charts LiveDiagrams::stationCharts()
 {
     Charts charts;
-    charts.push_back(
-        stationChart(QStringLiteral("Diagrama1"),
-                     {QStringLiteral("T1"), QStringLiteral("T2"), QStringLiteral("T3")}));
-    charts.push_back(
-        stationChart(QStringLiteral("Diagrama2"),
-                     {QStringLiteral("T4"), QStringLiteral("T5"), QStringLiteral("T6")}));
+    for (int diagram = 0; diagram < channels::kDiagrams; ++diagram)
+        charts.push_back(stationChart(diagram));
     return charts;
 }
 
@@ -137,7 +137,7 @@ std::vector<Sensor> LiveDiagrams::incarca_lista_senzori(std::vector<Diagrama> &d
         for (int column = 1; column <= record.chart->sensorColumns(); ++column) {
             if (column > record.Nume.size())
                 throw RuntimeError(RuntimeError::SubscriptOutOfRange);
-            const QString key = record.name + QStringLiteral(".Senzor%1").arg(column);
+            const QString key = keys::sensor(record.name, column);
             Sensor entry =
                 previousEntry(m_station.sensors, [&](const Sensor &old) { return old.key == key; });
             record.chart->setColumn(column);
@@ -146,7 +146,7 @@ std::vector<Sensor> LiveDiagrams::incarca_lista_senzori(std::vector<Diagrama> &d
             entry.name = record.chart->columnLabel();
             entry.diagram = toUInt8(d);
             entry.channelCode = cod_senzor(key);
-            entry.label = QStringLiteral("Senzor%1").arg(toUInt8(sensors.size()) + 1);
+            entry.label = channels::storageColumn(toUInt8(sensors.size()) + 1);
             sensors.push_back(std::move(entry));
         }
     }

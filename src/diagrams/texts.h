@@ -1,5 +1,7 @@
 #pragma once
 
+#include "app/settings/channels.h"
+
 #include <QString>
 
 /// What the operator reads in the diagrams' windows.
@@ -20,6 +22,11 @@ inline QString titleTip()
 inline QString controlCentreButton()
 {
     return QStringLiteral("Centrul de control");
+}
+/// The name of a channel's series until the settings give it one.
+inline QString designedSeries(int channel)
+{
+    return QStringLiteral("T%1").arg(channel);
 }
 inline QString alarmSeries()
 {
@@ -61,8 +68,7 @@ inline QString historyLimitsCaption()
 }
 inline QString diagramOfSensors(int diagram)
 {
-    return diagram == 0 ? QStringLiteral("Diagrama Senzori 1,2,3.")
-                        : QStringLiteral("Diagrama Senzori 4,5,6.");
+    return QStringLiteral("Diagrama Senzori %1.").arg(channels::listOf(diagram));
 }
 
 // Pictures

@@ -10,7 +10,7 @@ void renameSensors(Station &station, Settings &settings, std::size_t diagram,
 {
     Diagrama &record = station.diagramAt(diagram);
     // The sensor table holds the second diagram's behind the first one's.
-    const std::size_t firstEntry = diagram == 0 ? 0 : kSensorsPerDiagram;
+    const std::size_t firstEntry = diagram * channels::kPerDiagram;
     const auto count = static_cast<std::size_t>(names.size());
     if (firstEntry + count > station.sensors.size())
         throw RuntimeError(RuntimeError::SubscriptOutOfRange);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "app/settings/channels.h"
+
 #include <QString>
 #include <QStringList>
 
@@ -9,13 +11,12 @@ namespace texts::dialogs
 // Options of one diagram
 inline QString optionsCaption(int diagram)
 {
-    return diagram == 0 ? QStringLiteral("Diagrama Canale 1,2,3.")
-                        : QStringLiteral("Diagrama Canale 4,5,6.");
+    return QStringLiteral("Diagrama Canale %1.").arg(channels::listOf(diagram));
 }
 inline QString channelValues(int diagram)
 {
-    return diagram == 0 ? QStringLiteral("Valori canale 1,2,3")
-                        : QStringLiteral("Valori Canale 4,5,6");
+    return (diagram == 0 ? QStringLiteral("Valori canale ") : QStringLiteral("Valori Canale ")) +
+           channels::listOf(diagram);
 }
 inline QString graphLimitsTip()
 {
@@ -73,8 +74,7 @@ inline QString checkScanOptions()
 // Sensor names, title
 inline QString sensorNamesCaption(int diagram)
 {
-    return diagram == 0 ? QStringLiteral("Nume senzori diagrama 1")
-                        : QStringLiteral("Nume senzori diagrama 2");
+    return QStringLiteral("Nume senzori diagrama %1").arg(diagram + 1);
 }
 inline QString sensorLabel(int number)
 {

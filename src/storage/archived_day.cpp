@@ -1,9 +1,9 @@
 #include "storage/archived_day.h"
 #include "jet/database.h"
 #include "jet/value_conversion.h"
-#include "platform/clock.h"
+#include "storage/storage_file.h"
+#include "storage/tabel.h"
 
-#include <QFileInfo>
 #include <algorithm>
 #include <cmath>
 #include <limits>
@@ -55,16 +55,16 @@ double momentOf(const jet::Value &date, const jet::Value &time)
 /// Where the wanted columns are in a row, whatever their order in the table.
 struct Places {
     explicit Places(const jet::Table &table)
-        : date(table.column(u"Data")), time(table.column(u"Ora"))
+        : date(table.column(tabel::kData)), time(table.column(tabel::kOra))
     {
         for (std::size_t i = 0; i < sensors.size(); ++i)
-            sensors[i] = table.column(jet::Text(u"Senzor") + static_cast<char16_t>(u'1' + i));
+            sensors[i] = table.column(tabel::sensorColumn(static_cast<int>(i) + 1));
         for (const jet::ColumnDesign &column : table.design().columns)
-            if (column.name == u"Id" && column.type == jet::ColumnType::Long)
+            if (column.name == tabel::kId && column.type == jet::ColumnType::Long)
                 id = table.column(column.name);
     }
 
-    std::array<std::size_t, 6> sensors{};
+    std::array<std::size_t, channels::kCount> sensors{};
     std::size_t date;
     std::size_t time;
     std::optional<std::size_t> id;
@@ -101,10 +101,9 @@ ArchivedDay readArchive(const QString &path)
     jet::OpenOptions options;
     options.readOnly = true;
     options.lockTimeout = kLockTimeout;
-    const jet::Database database =
-        jet::Database::open(QFileInfo(path).filesystemAbsoluteFilePath(), options);
+    const jet::Database database = jet::Database::open(nativePath(path), options);
     const jet::Snapshot snapshot(database);
-    const jet::Table table = database.table(u"Tabel");
+    const jet::Table table = database.table(tabel::kName);
     const Places places(table);
 
     ArchivedDay day;

@@ -1,12 +1,15 @@
 #pragma once
 
+#include "app/settings/channels.h"
+
 #include <QString>
 #include <array>
 #include <vector>
 
 /// The samples of one archived day, in the order in which they were stored.
 struct ArchivedDay {
-    std::array<std::vector<double>, 6> sensors; ///< Senzor1 to Senzor6; NaN where nothing is stored
+    /// Senzor1 to Senzor6; NaN where nothing is stored.
+    std::array<std::vector<double>, channels::kCount> sensors;
     std::vector<double> moments; ///< days since 1899-12-30, as the database counts; 0 for unknown
 
     std::size_t size() const { return moments.size(); }

@@ -1,4 +1,5 @@
 #include "storage/tabel.h"
+#include "app/settings/channels.h"
 #include "platform/clock.h"
 
 namespace tabel
@@ -14,6 +15,11 @@ jet::IndexDesign primaryIndex()
     return index;
 }
 
+jet::Text sensorColumn(int channel)
+{
+    return channels::storageColumn(channel).toStdU16String();
+}
+
 jet::TableDesign design()
 {
     jet::TableDesign table;
@@ -26,8 +32,8 @@ jet::TableDesign design()
         table.columns.push_back(column);
     };
     add(kId, jet::ColumnType::Long);
-    for (char16_t digit = u'1'; digit <= u'6'; ++digit)
-        add(jet::Text(u"Senzor") + digit, jet::ColumnType::Double);
+    for (int channel = 1; channel <= channels::kCount; ++channel)
+        add(sensorColumn(channel), jet::ColumnType::Double);
     add(kAlarma, jet::ColumnType::Text, 10);
     add(kData, jet::ColumnType::DateTime);
     add(kOra, jet::ColumnType::DateTime);

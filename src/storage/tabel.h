@@ -5,8 +5,8 @@
 
 #include <QDateTime>
 
-/// The one place that knows how table Tabel of a storage file is made. Everything else finds its
-/// columns by name, so that a table designed differently in a database program works too.
+/// How table Tabel of a storage file is made, and what its parts are called. Its columns are found
+/// by these names, so that a table designed differently in a database program works too.
 namespace tabel
 {
 
@@ -21,6 +21,9 @@ inline const jet::Text kData = u"Data";
 inline const jet::Text kOra = u"Ora";
 /// What Alarma holds for a sample in alarm; otherwise the column is not assigned.
 inline const jet::Text kYes = u"Yes";
+
+/// Column of a channel, which counts from 1.
+jet::Text sensorColumn(int channel);
 
 /// Id long, Senzor1 to Senzor6 double, Alarma text, Data and Ora date/time; IndexPrimar on Id.
 jet::TableDesign design();

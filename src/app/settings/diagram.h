@@ -7,9 +7,6 @@
 
 class ChartGrid;
 
-/// The recorder's six channels, in two diagrams.
-constexpr int kSensorsPerDiagram = 3;
-
 /// The settings of one diagram and what belongs to it. The fields keep the names by which the
 /// settings file and the operators' manual know them.
 struct Diagrama {
@@ -25,5 +22,5 @@ struct Diagrama {
     qint16 interval_scanare = 0;       ///< time between samples, in units of masura_interval
     qint16 masura_interval = 0;        ///< 0 seconds, 1 minutes, 2 hours, 3 days
     std::vector<QDateTime> timeStamps; ///< when each chart row was written; index 0 never is
-    QString name; ///< "Diagrama1" or "Diagrama2": the prefix of the diagram's settings keys
+    QString name;                      ///< its chart's tag, the prefix of its settings keys
 };

@@ -165,11 +165,11 @@ void Settings::incarca_setari_diagrama(Diagrama &record)
 
 void Settings::incarca_nume_senzori(Diagrama &record)
 {
-    record.sensorCount = kSensorsPerDiagram;
-    sizeLists(kSensorsPerDiagram);
-    for (int i = 0; i < kSensorsPerDiagram; ++i)
+    record.sensorCount = channels::kPerDiagram;
+    sizeLists(channels::kPerDiagram);
+    for (int i = 0; i < channels::kPerDiagram; ++i)
         m_station.Chei[i] = keys::sensorName(record.name, i + 1);
-    citeste_config(m_station.Chei, kSensorsPerDiagram - 1);
+    citeste_config(m_station.Chei, channels::kPerDiagram - 1);
     record.Nume = m_station.Valori;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/settings/channels.h"
 #include "app/settings/diagram.h"
 #include "app/settings/sensor.h"
 #include "platform/clock.h"
@@ -17,9 +18,10 @@ struct Station {
     QString appFolder; ///< the folder that holds the program, without a slash at its end
     QLocale locale;    ///< how numbers and dates look on the screen
 
-    std::vector<Diagrama> Diagrame;    ///< the live diagrams, sorted by name
-    std::vector<Sensor> sensors;       ///< in the order of the diagrams' series
-    std::array<Diagrama, 2> Istoric;   ///< the history diagrams, Diagrama1 first
+    std::vector<Diagrama> Diagrame; ///< the live diagrams, sorted by name
+    std::vector<Sensor> sensors;    ///< in the order of the diagrams' series
+    /// The history diagrams, Diagrama1 first.
+    std::array<Diagrama, channels::kDiagrams> Istoric;
     std::array<QString, 4> NumeFisier; ///< storage file names; only the first is ever written
 
     QStringList Chei;   ///< keys of the settings being read or written
@@ -33,7 +35,7 @@ struct Station {
     bool FormMdbDeschis = false; ///< the database browser is loaded
     bool historyOpen = false;    ///< the history generator is loaded
     /// Widths of the two history charts since the last day was drawn, twips; 0: none was.
-    std::array<double, 2> historyWidths{};
+    std::array<double, channels::kDiagrams> historyWidths{};
     qint16 currentRow = 1; ///< chart row that the next sample writes
 
     /// Throws RuntimeError 9 when there is no such diagram.
