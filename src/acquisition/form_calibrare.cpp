@@ -1,9 +1,10 @@
 #include "acquisition/form_calibrare.h"
-#include "acquisition/calibration.h"
 #include "acquisition/texts.h"
-#include "app/settings/station.h"
+#include "app/settings/calibration.h"
+#include "app/settings/settings.h"
 #include "app/settings/texts.h"
 #include "platform/dialog_buttons.h"
+#include "platform/operator.h"
 #include "platform/twips.h"
 #include "platform/window_frame.h"
 
@@ -72,11 +73,14 @@ void FormCalibrare::cmdOk_Click()
     QStringList offsets;
     for (const QLineEdit *box : m_boxes)
         offsets += box->text();
-    const auto show = [this](qsizetype sensor, const QString &text) {
-        m_boxes.at(static_cast<std::size_t>(sensor))->setText(text);
-    };
-    if (saveCalibrations(m_station, m_settings, m_operator, offsets, show))
+    const bool valid = takeCalibrations(m_station, offsets);
+    for (std::size_t i = 0; i < m_boxes.size(); ++i)
+        m_boxes[i]->setText(offsets.at(static_cast<qsizetype>(i)));
+    if (valid) {
+        saveCalibrations(m_station, m_settings, offsets);
         accept();
-    else
+    } else {
+        m_operator.tell(texts::acquisition::checkCalibrations(), Operator::Icon::Exclamation);
         showOffsets();
+    }
 }

@@ -51,19 +51,19 @@ void FrmIstoric::focusFirstBox()
 
 void FrmIstoric::fillBoxes()
 {
-    const HistoryLimitTexts texts = m_limits.texts();
-    m_infTemp->setText(texts.LimInfTemp);
-    m_supTemp->setText(texts.LimSupTemp);
-    m_infPres->setText(texts.LimInfPres);
-    m_supPres->setText(texts.LimSupPres);
+    const HistoryLimitBoxes boxes = m_limits.boxes();
+    m_infTemp->setText(boxes.LimInfTemp);
+    m_supTemp->setText(boxes.LimSupTemp);
+    m_infPres->setText(boxes.LimInfPres);
+    m_supPres->setText(boxes.LimSupPres);
 }
 
 /// False when the entry was refused.
 bool FrmIstoric::takeEntry()
 {
-    HistoryLimitTexts texts{m_infTemp->text(), m_supTemp->text(), m_infPres->text(),
+    HistoryLimitBoxes boxes{m_infTemp->text(), m_supTemp->text(), m_infPres->text(),
                             m_supPres->text()};
-    const bool valid = m_limits.valideaza_tab(texts);
+    const bool valid = m_limits.valideaza_tab(boxes);
     if (valid)
         fillBoxes();
     return valid;

@@ -1,5 +1,6 @@
 #include "diagrams/history_limits.h"
 #include "app/settings/chart_settings.h"
+#include "app/settings/keys.h"
 #include "app/settings/number_entry.h"
 #include "app/settings/settings.h"
 #include "app/settings/texts.h"
@@ -10,12 +11,31 @@
 namespace
 {
 
-QStringList limitKeys()
+/// One limit: its key in the settings file, its value in memory, its box in the dialog.
+struct Limit {
+    QString key;
+    double &value;
+    QString HistoryLimitBoxes::*box;
+};
+
+std::array<Limit, 4> limitsOf(Station &station)
 {
-    return {QStringLiteral("Istoric.Diagrama1.limita_minima ="),
-            QStringLiteral("Istoric.Diagrama1.limita_maxima ="),
-            QStringLiteral("Istoric.Diagrama2.limita_minima ="),
-            QStringLiteral("Istoric.Diagrama2.limita_maxima =")};
+    auto &[first, second] = station.Istoric;
+    const QString firstName = keys::historyOf(channels::diagramName(0));
+    const QString secondName = keys::historyOf(channels::diagramName(1));
+    using Boxes = HistoryLimitBoxes;
+    return {{{keys::lowerLimit(firstName), first.limita_minima, &Boxes::LimInfTemp},
+             {keys::upperLimit(firstName), first.limita_maxima, &Boxes::LimSupTemp},
+             {keys::lowerLimit(secondName), second.limita_minima, &Boxes::LimInfPres},
+             {keys::upperLimit(secondName), second.limita_maxima, &Boxes::LimSupPres}}};
+}
+
+QStringList keysOf(const std::array<Limit, 4> &limits)
+{
+    QStringList limitKeys;
+    for (const Limit &limit : limits)
+        limitKeys += limit.key;
+    return limitKeys;
 }
 
 void applyLimits(const Station &station)
@@ -26,52 +46,49 @@ void applyLimits(const Station &station)
 
 } // namespace
 
-void readHistoryLimits(Station &station, Settings &settings)
+void readHistoryLimits(Station &station, const Settings &settings)
 {
-    auto &[first, second] = station.Istoric;
-    const std::array limits{&first.limita_minima, &first.limita_maxima, // in the order of the keys
-                            &second.limita_minima, &second.limita_maxima};
-    station.Chei = limitKeys();
-    station.Valori = QStringList(station.Chei.size());
-    const int read = settings.citeste_config(station.Chei, static_cast<int>(limits.size()) - 1);
-    for (int i = 0; i < read; ++i)
-        *limits[static_cast<std::size_t>(i)] = leadingNumber(station.Valori.at(i));
+    const std::array<Limit, 4> limits = limitsOf(station);
+    const QStringList values = settings.citeste_config(keysOf(limits));
+    for (qsizetype i = 0; i < values.size(); ++i)
+        limits[static_cast<std::size_t>(i)].value = leadingNumber(values.at(i));
     applyLimits(station);
 }
 
-HistoryLimits::HistoryLimits(Station &station, Settings &settings, ShowError showError)
+HistoryLimits::HistoryLimits(Station &station, const Settings &settings, ShowError showError)
     : m_station(station), m_settings(settings), m_showError(std::move(showError))
 {
 }
 
-HistoryLimitTexts HistoryLimits::texts() const
+HistoryLimitBoxes HistoryLimits::boxes() const
 {
-    const auto &[first, second] = m_station.Istoric;
-    return {fileNumberText(first.limita_minima), fileNumberText(first.limita_maxima),
-            fileNumberText(second.limita_minima), fileNumberText(second.limita_maxima)};
+    HistoryLimitBoxes boxes;
+    for (const Limit &limit : limitsOf(m_station))
+        boxes.*limit.box = fileNumberText(limit.value);
+    return boxes;
 }
 
-bool HistoryLimits::valideaza_tab(HistoryLimitTexts &texts)
+bool HistoryLimits::valideaza_tab(HistoryLimitBoxes &boxes)
 {
-    auto &[first, second] = m_station.Istoric;
-    if (!takeNumbers({{texts.LimInfTemp, first.limita_minima},
-                      {texts.LimSupTemp, first.limita_maxima},
-                      {texts.LimInfPres, second.limita_minima},
-                      {texts.LimSupPres, second.limita_maxima}})) {
+    std::vector<NumberEntry> entries;
+    for (const Limit &limit : limitsOf(m_station))
+        entries.push_back({boxes.*limit.box, limit.value});
+    if (!takeNumbers(entries)) {
         m_showError(texts::settings::checkFields());
         return false;
     }
     applyLimits(m_station);
-    texts = this->texts();
+    boxes = this->boxes();
     return true;
 }
 
 void HistoryLimits::save() const
 {
-    const auto &[first, second] = m_station.Istoric;
-    m_settings.save(limitKeys(),
-                    {fileNumberText(first.limita_minima), fileNumberText(first.limita_maxima),
-                     fileNumberText(second.limita_minima), fileNumberText(second.limita_maxima)});
+    const std::array<Limit, 4> limits = limitsOf(m_station);
+    QStringList values;
+    for (const Limit &limit : limits)
+        values += fileNumberText(limit.value);
+    m_settings.scrie_config(keysOf(limits), values);
 }
 
 void HistoryLimits::restore()

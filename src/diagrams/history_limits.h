@@ -11,10 +11,10 @@ struct Station;
 
 /// Reads the limits from the settings file and applies them to the charts. A key that the file
 /// lacks: the operator is told, and its limit and those behind it stay as they were.
-void readHistoryLimits(Station &station, Settings &settings);
+void readHistoryLimits(Station &station, const Settings &settings);
 
 /// What the boxes of the history limits dialog hold.
-struct HistoryLimitTexts {
+struct HistoryLimitBoxes {
     QString LimInfTemp, LimSupTemp;
     QString LimInfPres, LimSupPres;
 };
@@ -27,20 +27,20 @@ public:
 
     /// `showError` tells the operator why the numbers were refused. Station and settings must
     /// outlive this object.
-    HistoryLimits(Station &station, Settings &settings, ShowError showError);
+    HistoryLimits(Station &station, const Settings &settings, ShowError showError);
 
-    /// The limits in memory.
-    HistoryLimitTexts texts() const;
+    /// The limits in memory, as the boxes show them.
+    HistoryLimitBoxes boxes() const;
 
-    /// Checks tab "Istoric Diagrame": four numbers are stored and applied, the texts become what
-    /// was understood, and it returns true. Otherwise the operator is told and nothing changes.
-    bool valideaza_tab(HistoryLimitTexts &texts);
+    /// Checks tab "Istoric Diagrame": four numbers are stored and applied, the boxes hold what was
+    /// understood, and it returns true. Otherwise the operator is told and nothing changes.
+    bool valideaza_tab(HistoryLimitBoxes &boxes);
 
     void save() const;
     void restore();
 
 private:
     Station &m_station;
-    Settings &m_settings;
+    const Settings &m_settings;
     ShowError m_showError;
 };

@@ -1,4 +1,5 @@
 #include "diagrams/live_diagrams.h"
+#include "app/settings/calibration.h"
 #include "app/settings/chart_settings.h"
 #include "app/settings/keys.h"
 #include "app/settings/schedule.h"
@@ -95,7 +96,7 @@ void LiveDiagrams::loadTables()
     std::vector<Sensor> sensors = incarca_lista_senzori(diagrams);
     m_station.Diagrame = std::move(diagrams);
     m_station.sensors = std::move(sensors);
-    m_settings.citeste_calibrari();
+    citeste_calibrari(m_station, m_settings);
 }
 
 void LiveDiagrams::loadSettings()

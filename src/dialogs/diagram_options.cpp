@@ -20,15 +20,15 @@ qint16 wholeInterval(const QString &text)
     return toInt16(std::floor(numberFromText(text)));
 }
 
-bool areScanOptionsValid(const OptionTexts &texts)
+bool areScanOptionsValid(const OptionBoxes &boxes)
 {
-    return typedNumber(texts.Scan) && texts.MasuraTimp >= 0 &&
-           std::all_of(texts.NumeMdb.cbegin(), texts.NumeMdb.cend(), nume_fisier_valid);
+    return typedNumber(boxes.Scan) && boxes.MasuraTimp >= 0 &&
+           std::all_of(boxes.NumeMdb.cbegin(), boxes.NumeMdb.cend(), nume_fisier_valid);
 }
 
 } // namespace
 
-DiagramOptions::DiagramOptions(Station &station, Settings &settings, const Clock &clock,
+DiagramOptions::DiagramOptions(Station &station, const Settings &settings, const Clock &clock,
                                std::size_t diagram, ShowError showError)
     : m_station(station), m_settings(settings), m_clock(clock), m_diagram(diagram),
       m_showError(std::move(showError))
@@ -40,35 +40,43 @@ Diagrama &DiagramOptions::record() const
     return m_station.diagramAt(m_diagram);
 }
 
-void DiagramOptions::afiseaza_tab(const QString &tab, OptionTexts &texts) const
+void DiagramOptions::afiseaza_tab(OptionTab tab, OptionBoxes &boxes) const
 {
     // A comma that was typed comes back as a point: the boxes keep to the settings file's form.
-    if (tab == texts::settings::tabGraphLimits()) {
-        texts.LimInf = fileNumberText(record().limita_minima);
-        texts.LimSup = fileNumberText(record().limita_maxima);
-    } else if (tab == texts::settings::tabAlarms()) {
-        texts.AlarmInf = fileNumberText(record().alarma_minim);
-        texts.AlarmSup = fileNumberText(record().alarma_maxim);
-    } else if (tab == texts::settings::tabScanOptions()) {
+    switch (tab) {
+    case OptionTab::GraphLimits:
+        boxes.LimInf = fileNumberText(record().limita_minima);
+        boxes.LimSup = fileNumberText(record().limita_maxima);
+        return;
+    case OptionTab::Alarms:
+        boxes.AlarmInf = fileNumberText(record().alarma_minim);
+        boxes.AlarmSup = fileNumberText(record().alarma_maxim);
+        return;
+    case OptionTab::ScanOptions:
         const Diagrama &first = m_station.diagramAt(0);
-        texts.Scan = QString::number(first.interval_scanare);
-        texts.MasuraTimp = first.masura_interval;
-        texts.NumeMdb = m_station.NumeFisier;
+        boxes.Scan = QString::number(first.interval_scanare);
+        boxes.MasuraTimp = first.masura_interval;
+        boxes.NumeMdb = m_station.NumeFisier;
+        return;
     }
 }
 
-bool DiagramOptions::valideaza_tab(const QString &tab, OptionTexts &texts)
+bool DiagramOptions::valideaza_tab(OptionTab tab, OptionBoxes &boxes)
 {
-    if (tab == texts::settings::tabGraphLimits())
+    switch (tab) {
+    case OptionTab::GraphLimits:
         return takeTab(
-            tab, {{texts.LimInf, record().limita_minima}, {texts.LimSup, record().limita_maxima}});
-    if (tab == texts::settings::tabAlarms())
-        return takeTab(tab, {{texts.AlarmInf, record().alarma_minim},
-                             {texts.AlarmSup, record().alarma_maxim}});
-    return takeScanOptions(texts);
+            tab, {{boxes.LimInf, record().limita_minima}, {boxes.LimSup, record().limita_maxima}});
+    case OptionTab::Alarms:
+        return takeTab(tab, {{boxes.AlarmInf, record().alarma_minim},
+                             {boxes.AlarmSup, record().alarma_maxim}});
+    case OptionTab::ScanOptions:
+        break;
+    }
+    return takeScanOptions(boxes);
 }
 
-bool DiagramOptions::takeTab(const QString &tab, std::initializer_list<NumberEntry> entries)
+bool DiagramOptions::takeTab(OptionTab tab, const std::vector<NumberEntry> &entries)
 {
     if (!takeNumbers(entries)) {
         m_showError(texts::settings::checkFields());
@@ -78,83 +86,86 @@ bool DiagramOptions::takeTab(const QString &tab, std::initializer_list<NumberEnt
     return true;
 }
 
-bool DiagramOptions::takeScanOptions(OptionTexts &texts)
+bool DiagramOptions::takeScanOptions(OptionBoxes &boxes)
 {
-    if (!areScanOptionsValid(texts)) {
+    if (!areScanOptionsValid(boxes)) {
         m_showError(texts::dialogs::checkScanOptions());
         return false;
     }
-    if (numberFromText(texts.Scan) == 0)
-        texts.Scan = QStringLiteral("1");
-    const qint16 interval = wholeInterval(texts.Scan);
-    for (const std::size_t diagram : {0u, 1u}) {
+    if (numberFromText(boxes.Scan) == 0)
+        boxes.Scan = QStringLiteral("1");
+    const qint16 interval = wholeInterval(boxes.Scan);
+    for (std::size_t diagram = 0; diagram < channels::kDiagrams; ++diagram) {
         m_station.diagramAt(diagram).interval_scanare = interval;
-        m_station.diagramAt(diagram).masura_interval = static_cast<qint16>(texts.MasuraTimp);
+        m_station.diagramAt(diagram).masura_interval = static_cast<qint16>(boxes.MasuraTimp);
     }
     calculeaza_urmatoarea_citire(m_station, m_clock.now());
-    m_station.NumeFisier = texts.NumeMdb;
+    m_station.NumeFisier = boxes.NumeMdb;
     adauga_extensie_mdb(m_station.NumeFisier);
     return true;
 }
 
-bool DiagramOptions::applyAll(OptionTexts &texts)
+bool DiagramOptions::applyAll(OptionBoxes &boxes)
 {
-    const QStringList tabs{texts::settings::tabGraphLimits(), texts::settings::tabAlarms(),
-                           texts::settings::tabScanOptions()};
-    for (const QString &tab : tabs) {
-        if (valideaza_tab(tab, texts))
+    constexpr std::array kTabs{OptionTab::GraphLimits, OptionTab::Alarms, OptionTab::ScanOptions};
+    for (const OptionTab tab : kTabs) {
+        if (valideaza_tab(tab, boxes))
             continue;
-        for (const QString &each : tabs)
-            afiseaza_tab(each, texts);
+        for (const OptionTab each : kTabs)
+            afiseaza_tab(each, boxes);
         return false;
     }
     return true;
 }
 
-void DiagramOptions::apply(const QString &tab, OptionTexts &texts)
+void DiagramOptions::apply(OptionTab tab, OptionBoxes &boxes)
 {
-    valideaza_tab(tab, texts);
-    afiseaza_tab(tab, texts);
+    valideaza_tab(tab, boxes);
+    afiseaza_tab(tab, boxes);
 }
 
-void DiagramOptions::saveDefaults(const QString &tab, OptionTexts &texts)
+void DiagramOptions::saveDefaults(OptionTab tab, OptionBoxes &boxes)
 {
-    apply(tab, texts);
-    const int last = m_settings.chei_tab(record().name, tab, Settings::Mode::Scrie);
-    m_settings.scrie_config(m_station.Chei, last);
+    apply(tab, boxes);
+    const SettingsEntries entries = m_settings.chei_tab(record(), tab);
+    m_settings.scrie_config(entries.keys, entries.values);
 }
 
-void DiagramOptions::restoreDefaults(const QString &tab, OptionTexts &texts)
+void DiagramOptions::restoreDefaults(OptionTab tab, OptionBoxes &boxes)
 {
-    const int last = m_settings.chei_tab(record().name, tab, Settings::Mode::Citeste);
-    if (m_settings.citeste_config(m_station.Chei, last) <= last) {
-        afiseaza_tab(tab, texts);
+    const QStringList keys = m_settings.chei_tab(record(), tab).keys;
+    const QStringList values = m_settings.citeste_config(keys);
+    if (values.size() == keys.size()) {
+        takeSavedTab(tab, values);
+        aplica_tab(record(), tab);
+    }
+    afiseaza_tab(tab, boxes);
+}
+
+void DiagramOptions::takeSavedTab(OptionTab tab, const QStringList &values)
+{
+    switch (tab) {
+    case OptionTab::GraphLimits:
+        record().limita_minima = leadingNumber(values.at(0));
+        record().limita_maxima = leadingNumber(values.at(1));
         return;
+    case OptionTab::Alarms:
+        record().alarma_minim = leadingNumber(values.at(0));
+        record().alarma_maxim = leadingNumber(values.at(1));
+        return;
+    case OptionTab::ScanOptions:
+        return takeSavedScanOptions(values);
     }
-    const QStringList &Valori = m_station.Valori;
-    if (tab == texts::settings::tabGraphLimits()) {
-        record().limita_minima = leadingNumber(Valori.at(0));
-        record().limita_maxima = leadingNumber(Valori.at(1));
-    } else if (tab == texts::settings::tabAlarms()) {
-        record().alarma_minim = leadingNumber(Valori.at(0));
-        record().alarma_maxim = leadingNumber(Valori.at(1));
-    } else if (tab == texts::settings::tabScanOptions()) {
-        takeSavedScanOptions();
-    }
-    aplica_tab(record(), tab);
-    afiseaza_tab(tab, texts);
 }
 
-void DiagramOptions::takeSavedScanOptions()
+void DiagramOptions::takeSavedScanOptions(const QStringList &values)
 {
-    const QStringList &Valori = m_station.Valori;
-    std::array<qint16, 4> numbers{}; // all converted before the first is stored
+    std::array<qint16, 2 * channels::kDiagrams> numbers{}; // all converted before one is stored
     for (std::size_t i = 0; i < numbers.size(); ++i)
-        numbers[i] = int16FromText(Valori.at(static_cast<qsizetype>(i)));
-    for (const std::size_t diagram : {0u, 1u}) {
+        numbers[i] = int16FromText(values.at(static_cast<qsizetype>(i)));
+    for (std::size_t diagram = 0; diagram < channels::kDiagrams; ++diagram) {
         m_station.diagramAt(diagram).interval_scanare = numbers[diagram];
-        m_station.diagramAt(diagram).masura_interval = numbers[diagram + 2];
+        m_station.diagramAt(diagram).masura_interval = numbers[diagram + channels::kDiagrams];
     }
-    for (std::size_t i = 0; i < m_station.NumeFisier.size(); ++i)
-        m_station.NumeFisier[i] = Valori.at(static_cast<qsizetype>(i) + 4);
+    std::copy(values.begin() + numbers.size(), values.end(), m_station.NumeFisier.begin());
 }

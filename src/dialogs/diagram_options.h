@@ -1,8 +1,11 @@
 #pragma once
 
-#include <QString>
+#include "app/settings/option_tab.h"
+
+#include <QStringList>
 #include <array>
 #include <functional>
+#include <vector>
 
 class Clock;
 class Settings;
@@ -11,7 +14,7 @@ struct NumberEntry;
 struct Station;
 
 /// What the boxes of the options dialog hold.
-struct OptionTexts {
+struct OptionBoxes {
     QString LimInf, LimSup;
     QString AlarmInf, AlarmSup;
     QString Scan;
@@ -19,7 +22,7 @@ struct OptionTexts {
     std::array<QString, 4> NumeMdb;
 };
 
-/// The options of one diagram behind its dialog. A tab is named by its caption.
+/// The options of one diagram behind its dialog.
 ///
 /// Valid entries take effect in memory and on the chart at once; the settings file changes only
 /// through saveDefaults(). Failures of the settings file leave as Settings says.
@@ -30,42 +33,43 @@ public:
 
     /// `diagram`: index into the diagram table. `showError` tells the operator why a tab was
     /// refused. Station, settings and clock must outlive this object.
-    DiagramOptions(Station &station, Settings &settings, const Clock &clock, std::size_t diagram,
-                   ShowError showError);
+    DiagramOptions(Station &station, const Settings &settings, const Clock &clock,
+                   std::size_t diagram, ShowError showError);
 
-    /// Fills one tab's texts from memory.
-    void afiseaza_tab(const QString &tab, OptionTexts &texts) const;
+    /// Fills one tab's boxes from memory.
+    void afiseaza_tab(OptionTab tab, OptionBoxes &boxes) const;
 
-    /// Checks one tab's texts; valid ones are stored and applied, and it returns true. Otherwise
-    /// the operator is told and nothing changes. The texts are changed to what was understood: a
+    /// Checks one tab's boxes; valid texts are stored and applied, and it returns true. Otherwise
+    /// the operator is told and nothing changes. The boxes then hold what was understood: a
     /// point for a comma, 1 for an interval of 0. Throws RuntimeError 6 for an interval beyond 16
     /// bits.
-    bool valideaza_tab(const QString &tab, OptionTexts &texts);
+    bool valideaza_tab(OptionTab tab, OptionBoxes &boxes);
 
-    /// Checks all tabs from the first to the last. At the first one that is refused all texts are
+    /// Checks all tabs from the first to the last. At the first one that is refused all boxes are
     /// filled from memory again and it returns false; the tabs before it stay applied.
-    bool applyAll(OptionTexts &texts);
+    bool applyAll(OptionBoxes &boxes);
 
     /// Checks one tab, then fills it from memory whatever the result.
-    void apply(const QString &tab, OptionTexts &texts);
+    void apply(OptionTab tab, OptionBoxes &boxes);
 
     /// Applies one tab, then writes it to the settings file: what is in memory, even when the entry
     /// was refused.
-    void saveDefaults(const QString &tab, OptionTexts &texts);
+    void saveDefaults(OptionTab tab, OptionBoxes &boxes);
 
-    /// Reads one tab from the settings file into memory, applies it and fills its texts. A key that
+    /// Reads one tab from the settings file into memory, applies it and fills its boxes. A key that
     /// the file lacks: the operator is told and nothing changes. Throws RuntimeError 13 for an
     /// interval or unit that is not a number, 6 for one beyond 16 bits.
-    void restoreDefaults(const QString &tab, OptionTexts &texts);
+    void restoreDefaults(OptionTab tab, OptionBoxes &boxes);
 
 private:
-    bool takeTab(const QString &tab, std::initializer_list<NumberEntry> entries);
-    bool takeScanOptions(OptionTexts &texts);
-    void takeSavedScanOptions();
+    bool takeTab(OptionTab tab, const std::vector<NumberEntry> &entries);
+    bool takeScanOptions(OptionBoxes &boxes);
+    void takeSavedTab(OptionTab tab, const QStringList &values);
+    void takeSavedScanOptions(const QStringList &values);
     Diagrama &record() const;
 
     Station &m_station;
-    Settings &m_settings;
+    const Settings &m_settings;
     const Clock &m_clock;
     std::size_t m_diagram;
     ShowError m_showError;

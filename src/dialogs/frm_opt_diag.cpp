@@ -21,6 +21,28 @@ namespace
 
 constexpr int kNameCharacters = 24; // a storage name is seen whole
 
+struct TabLook {
+    QString key;
+    QString caption;
+    QString tip;
+};
+
+TabLook lookOf(OptionTab tab)
+{
+    switch (tab) {
+    case OptionTab::GraphLimits:
+        return {QStringLiteral("LimiteGrafic"), texts::dialogs::graphLimitsTab(),
+                texts::dialogs::graphLimitsTip()};
+    case OptionTab::Alarms:
+        return {QStringLiteral("SetAlarme"), texts::dialogs::alarmsTab(),
+                texts::dialogs::alarmsTip()};
+    case OptionTab::ScanOptions:
+        return {QStringLiteral("OptiuniScanare"), texts::dialogs::scanOptionsTab(),
+                texts::dialogs::scanOptionsTip()};
+    }
+    return {};
+}
+
 QLabel *plainLabel(const QString &text, QWidget *buddy = nullptr)
 {
     auto *label = new QLabel(text);
@@ -62,37 +84,35 @@ frmOptDiag::frmOptDiag(int diagram, Station &station, Settings &settings, const 
     setObjectName(QStringLiteral("frmOptDiag%1").arg(diagram + 1));
     setWindowTitle(texts::dialogs::optionsCaption(diagram));
     m_tabs->setObjectName(QStringLiteral("tbsOptions"));
-    addTab(texts::settings::tabGraphLimits(), QStringLiteral("LimiteGrafic"),
-           texts::dialogs::graphLimitsTip(), limitsPanel());
-    addTab(texts::settings::tabAlarms(), QStringLiteral("SetAlarme"), texts::dialogs::alarmsTip(),
-           alarmsPanel());
-    addTab(texts::settings::tabScanOptions(), QStringLiteral("OptiuniScanare"),
-           texts::dialogs::scanOptionsTip(),
+    addTab(OptionTab::GraphLimits, limitsPanel());
+    addTab(OptionTab::Alarms, alarmsPanel());
+    addTab(OptionTab::ScanOptions,
            scanPanel(diagram, QDir::toNativeSeparators(station.storagePath({}))));
     auto *column = new QVBoxLayout(this);
     column->addWidget(m_tabs);
     column->addLayout(buttonRow());
 
-    OptionTexts texts;
+    OptionBoxes boxes;
     for (int tab = 0; tab < m_tabs->count(); ++tab)
-        m_options.afiseaza_tab(m_tabs->tabText(tab), texts);
-    fillBoxes(texts);
+        m_options.afiseaza_tab(static_cast<OptionTab>(tab), boxes);
+    fillBoxes(boxes);
     resize(sizeHint());
     centreOnScreen(*this, screenTwips);
 }
 
-void frmOptDiag::addTab(const QString &caption, const QString &key, const QString &tip,
-                        QWidget *panel)
+/// The tabs are added in their order: a tab's index is its OptionTab.
+void frmOptDiag::addTab(OptionTab tab, QWidget *panel)
 {
-    const int index = m_tabs->addTab(panel, caption);
+    const TabLook look = lookOf(tab);
+    const int index = m_tabs->addTab(panel, look.caption);
     panel->setObjectName(QStringLiteral("picOptions_%1").arg(index));
-    m_tabs->tabBar()->setTabData(index, key);
-    m_tabs->setTabToolTip(index, tip);
+    m_tabs->tabBar()->setTabData(index, look.key);
+    m_tabs->setTabToolTip(index, look.tip);
 }
 
 QWidget *frmOptDiag::limitsPanel()
 {
-    auto *frame = new QGroupBox(texts::settings::tabGraphLimits());
+    auto *frame = new QGroupBox(texts::dialogs::graphLimitsTab());
     auto *grid = new QGridLayout(frame);
     m_limSup = addBox(*grid, 0, QStringLiteral("LimSupText"), texts::settings::upperLimit());
     m_limInf = addBox(*grid, 1, QStringLiteral("LimInfText"), texts::settings::lowerLimit());
@@ -101,7 +121,7 @@ QWidget *frmOptDiag::limitsPanel()
 
 QWidget *frmOptDiag::alarmsPanel()
 {
-    auto *frame = new QGroupBox(texts::settings::tabAlarms());
+    auto *frame = new QGroupBox(texts::dialogs::alarmsTab());
     auto *grid = new QGridLayout(frame);
     m_alarmSup = addBox(*grid, 0, QStringLiteral("AlarmSupText"), texts::dialogs::upperAlarm());
     m_alarmInf = addBox(*grid, 1, QStringLiteral("AlarmInfText"), texts::dialogs::lowerAlarm());
@@ -145,11 +165,9 @@ void frmOptDiag::addStorageNames(QGridLayout &grid, int firstRow)
     }
 }
 
-void frmOptDiag::selectTab(const QString &key)
+void frmOptDiag::selectTab(OptionTab tab)
 {
-    for (int tab = 0; tab < m_tabs->count(); ++tab)
-        if (m_tabs->tabBar()->tabData(tab) == key)
-            m_tabs->setCurrentIndex(tab);
+    m_tabs->setCurrentIndex(static_cast<int>(tab));
     focusFirstBox();
 }
 
@@ -160,14 +178,14 @@ void frmOptDiag::focusFirstBox()
     first->selectAll();
 }
 
-QString frmOptDiag::selectedTab() const
+OptionTab frmOptDiag::selectedTab() const
 {
-    return m_tabs->tabText(m_tabs->currentIndex());
+    return static_cast<OptionTab>(m_tabs->currentIndex());
 }
 
-OptionTexts frmOptDiag::readBoxes() const
+OptionBoxes frmOptDiag::readBoxes() const
 {
-    OptionTexts texts{m_limInf->text(),
+    OptionBoxes boxes{m_limInf->text(),
                       m_limSup->text(),
                       m_alarmInf->text(),
                       m_alarmSup->text(),
@@ -175,27 +193,27 @@ OptionTexts frmOptDiag::readBoxes() const
                       m_unit->currentIndex(),
                       {}};
     for (std::size_t i = 0; i < m_names.size(); ++i)
-        texts.NumeMdb[i] = m_names[i]->text();
-    return texts;
+        boxes.NumeMdb[i] = m_names[i]->text();
+    return boxes;
 }
 
-void frmOptDiag::fillBoxes(const OptionTexts &texts)
+void frmOptDiag::fillBoxes(const OptionBoxes &boxes)
 {
-    m_limInf->setText(texts.LimInf);
-    m_limSup->setText(texts.LimSup);
-    m_alarmInf->setText(texts.AlarmInf);
-    m_alarmSup->setText(texts.AlarmSup);
-    m_scan->setText(texts.Scan);
-    m_unit->setCurrentIndex(texts.MasuraTimp);
+    m_limInf->setText(boxes.LimInf);
+    m_limSup->setText(boxes.LimSup);
+    m_alarmInf->setText(boxes.AlarmInf);
+    m_alarmSup->setText(boxes.AlarmSup);
+    m_scan->setText(boxes.Scan);
+    m_unit->setCurrentIndex(boxes.MasuraTimp);
     for (std::size_t i = 0; i < m_names.size(); ++i)
-        m_names[i]->setText(texts.NumeMdb[i]);
+        m_names[i]->setText(boxes.NumeMdb[i]);
 }
 
 void frmOptDiag::runOnSelectedTab(TabAction action)
 {
-    OptionTexts texts = readBoxes();
-    (m_options.*action)(selectedTab(), texts);
-    fillBoxes(texts);
+    OptionBoxes boxes = readBoxes();
+    (m_options.*action)(selectedTab(), boxes);
+    fillBoxes(boxes);
 }
 
 void frmOptDiag::cmdSaveDef_Click()
@@ -215,9 +233,9 @@ void frmOptDiag::cmdApply_Click()
 
 void frmOptDiag::cmdOK_Click()
 {
-    OptionTexts texts = readBoxes();
-    const bool valid = m_options.applyAll(texts);
-    fillBoxes(texts);
+    OptionBoxes boxes = readBoxes();
+    const bool valid = m_options.applyAll(boxes);
+    fillBoxes(boxes);
     if (valid)
         accept();
 }

@@ -20,9 +20,8 @@ public:
     frmOptDiag(int diagram, Station &station, Settings &settings, const Clock &clock,
                ShowError arata_eroare, QSize screenTwips, QWidget *parent = nullptr);
 
-    /// Selects the tab with the key "LimiteGrafic", "SetAlarme" or "OptiuniScanare" and gives its
-    /// first box the focus.
-    void selectTab(const QString &key);
+    /// Selects the tab and gives its first box the focus.
+    void selectTab(OptionTab tab);
 
 protected:
     void cmdSaveDef_Click() override;
@@ -33,15 +32,15 @@ protected:
     void keyPressEvent(QKeyEvent *event) override;
 
 private:
-    void addTab(const QString &caption, const QString &key, const QString &tip, QWidget *panel);
+    void addTab(OptionTab tab, QWidget *panel);
     QWidget *limitsPanel();
     QWidget *alarmsPanel();
     QWidget *scanPanel(int diagram, const QString &storageFolder);
     void addStorageNames(QGridLayout &grid, int firstRow);
-    QString selectedTab() const;
-    OptionTexts readBoxes() const;
-    void fillBoxes(const OptionTexts &texts);
-    using TabAction = void (DiagramOptions::*)(const QString &tab, OptionTexts &texts);
+    OptionTab selectedTab() const;
+    OptionBoxes readBoxes() const;
+    void fillBoxes(const OptionBoxes &boxes);
+    using TabAction = void (DiagramOptions::*)(OptionTab tab, OptionBoxes &boxes);
     void runOnSelectedTab(TabAction action);
 
     DiagramOptions m_options;

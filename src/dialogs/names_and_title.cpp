@@ -5,7 +5,7 @@
 
 #include <algorithm>
 
-void renameSensors(Station &station, Settings &settings, std::size_t diagram,
+void renameSensors(Station &station, const Settings &settings, std::size_t diagram,
                    const QStringList &names)
 {
     Diagrama &record = station.diagramAt(diagram);
@@ -18,9 +18,7 @@ void renameSensors(Station &station, Settings &settings, std::size_t diagram,
     QStringList nameKeys;
     for (int sensor = 1; sensor <= names.size(); ++sensor)
         nameKeys += keys::sensorName(record.name, sensor);
-    settings.save(nameKeys, names);
-
-    record.Nume = station.Valori; // a numeric name has got its point while it was written
+    record.Nume = settings.scrie_config(nameKeys, names); // a numeric name gets a decimal point
     for (std::size_t i = 0; i < count; ++i) {
         const QString &name = record.Nume.at(static_cast<qsizetype>(i));
         station.sensors[firstEntry + i].name = name;
@@ -29,9 +27,10 @@ void renameSensors(Station &station, Settings &settings, std::size_t diagram,
     }
 }
 
-void retitleDiagram(Station &station, Settings &settings, std::size_t diagram, const QString &title)
+void retitleDiagram(Station &station, const Settings &settings, std::size_t diagram,
+                    const QString &title)
 {
     Diagrama &record = station.diagramAt(diagram);
-    settings.save({keys::title(record.name)}, {title});
+    settings.scrie_config({keys::title(record.name)}, {title});
     record.Titlu = title;
 }

@@ -14,9 +14,9 @@ struct Station;
 /// their series. Any text is a name. The second diagram's sensors are entries 3 to 5 of the sensor
 /// table. Throws RuntimeError 9 when there is no such diagram or sensor entry; nothing has changed
 /// then.
-void renameSensors(Station &station, Settings &settings, std::size_t diagram,
+void renameSensors(Station &station, const Settings &settings, std::size_t diagram,
                    const QStringList &names);
 
 /// Gives a diagram a new title. Throws RuntimeError 9 when there is no such diagram.
-void retitleDiagram(Station &station, Settings &settings, std::size_t diagram,
+void retitleDiagram(Station &station, const Settings &settings, std::size_t diagram,
                     const QString &title);

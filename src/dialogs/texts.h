@@ -18,6 +18,18 @@ inline QString channelValues(int diagram)
     return (diagram == 0 ? QStringLiteral("Valori canale ") : QStringLiteral("Valori Canale ")) +
            channels::listOf(diagram);
 }
+inline QString graphLimitsTab()
+{
+    return QStringLiteral("Limite grafic");
+}
+inline QString alarmsTab()
+{
+    return QStringLiteral("Alarme");
+}
+inline QString scanOptionsTab()
+{
+    return QStringLiteral("Optiuni scanare");
+}
 inline QString graphLimitsTip()
 {
     return QStringLiteral("Setare limite");

@@ -82,13 +82,13 @@ void DialogCommands::openModal(QDialog *dialog)
     dialog->show();
 }
 
-void DialogCommands::openOptions(int diagram, const QString &tabKey)
+void DialogCommands::openOptions(int diagram, OptionTab tab)
 {
     auto *dialog = new frmOptDiag(
         diagram, m_station, m_settings, m_clock,
         [this](QWidget &caller, const QString &message) { arata_eroare(caller, message); },
         screenTwips(), &m_window);
-    dialog->selectTab(tabKey);
+    dialog->selectTab(tab);
     openLocked(dialog);
 }
 

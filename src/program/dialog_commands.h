@@ -23,8 +23,8 @@ public:
     DialogCommands(Station &station, Settings &settings, Operator &op, const Clock &clock,
                    MDIForm1 &window);
 
-    /// The options of a diagram (from 0) on the tab with that key.
-    void openOptions(int diagram, const QString &tabKey);
+    /// The options of a diagram (from 0), on that tab.
+    void openOptions(int diagram, OptionTab tab);
     void openSensorNames(int diagram);
     void openTitle(int diagram);
     void openCalibration();

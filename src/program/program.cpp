@@ -1,5 +1,6 @@
 #include "program/program.h"
 #include "acquisition/form2.h"
+#include "app/settings/keys.h"
 #include "app/texts.h"
 #include "diagrams/diagram_printing.h"
 #include "diagrams/form1.h"
@@ -85,8 +86,8 @@ void Program::halt()
 
 static std::unique_ptr<SerialLine> configuredLine(const Settings &settings, QObject *parent)
 {
-    const auto port = settings.optionalValue(QStringLiteral("ControlPlc.CommPort ="));
-    const auto text = settings.optionalValue(QStringLiteral("ControlPlc.Settings ="));
+    const auto port = settings.optionalValue(keys::commPort());
+    const auto text = settings.optionalValue(keys::lineSettings());
     try {
         LineSettings line;
         if (port)
@@ -135,14 +136,15 @@ void Program::connectDialogs()
     const struct {
         const char *item;
         int diagram;
-        const char *tab;
-    } options[] = {{"LimitTempGraf", 0, "LimiteGrafic"},  {"AlarmTempGraf", 0, "SetAlarme"},
-                   {"ScanTempGraf", 0, "OptiuniScanare"}, {"LimitPresGraf", 1, "LimiteGrafic"},
-                   {"AlarmPresGraf", 1, "SetAlarme"},     {"ScanPresGraf", 1, "OptiuniScanare"}};
+        OptionTab tab;
+    } options[] = {
+        {"LimitTempGraf", 0, OptionTab::GraphLimits}, {"AlarmTempGraf", 0, OptionTab::Alarms},
+        {"ScanTempGraf", 0, OptionTab::ScanOptions},  {"LimitPresGraf", 1, OptionTab::GraphLimits},
+        {"AlarmPresGraf", 1, OptionTab::Alarms},      {"ScanPresGraf", 1, OptionTab::ScanOptions}};
     for (const auto &option : options)
         m_window.setCommand(QString::fromLatin1(option.item), [this, option] {
             showDiagrams();
-            m_dialogs.openOptions(option.diagram, QString::fromLatin1(option.tab));
+            m_dialogs.openOptions(option.diagram, option.tab);
         });
     m_window.setCommand(QStringLiteral("mnuNumeSenzori1"),
                         [this] { m_dialogs.openSensorNames(0); });

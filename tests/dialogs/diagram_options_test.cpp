@@ -5,23 +5,23 @@
 namespace
 {
 
-const QString kLimits = QStringLiteral("Limite grafic");
-const QString kAlarms = QStringLiteral("Alarme");
-const QString kScan = QStringLiteral("Optiuni scanare");
+constexpr auto kLimits = OptionTab::GraphLimits;
+constexpr auto kAlarms = OptionTab::Alarms;
+constexpr auto kScan = OptionTab::ScanOptions;
 
 class Options : public DialogRig
 {
 protected:
     Options()
     {
-        for (const QString &tab : {kLimits, kAlarms, kScan})
-            options.afiseaza_tab(tab, texts);
+        for (const OptionTab tab : {kLimits, kAlarms, kScan})
+            options.afiseaza_tab(tab, boxes);
     }
 
     QStringList errors;
     DiagramOptions options{station, settings, time, 1,
                            [this](const QString &message) { errors += message; }};
-    OptionTexts texts;
+    OptionBoxes boxes;
 };
 
 } // namespace
@@ -46,20 +46,20 @@ TEST(StorageNames, NeverLeaveTheFolder)
 
 TEST_F(Options, NumbersAreTakenWithCommaOrPointAndInAnyOrder)
 {
-    texts.LimInf = "200,25";                  // above the upper limit: any two numbers are accepted
-    texts.LimSup = u"\u00A0-12.5\u2009\r"_qs; // pasted
-    EXPECT_TRUE(options.valideaza_tab(kLimits, texts));
-    EXPECT_EQ(texts.LimInf, "200.25");
-    EXPECT_EQ(texts.LimSup, "-12.5");
+    boxes.LimInf = "200,25";                  // above the upper limit: any two numbers are accepted
+    boxes.LimSup = u"\u00A0-12.5\u2009\r"_qs; // pasted
+    EXPECT_TRUE(options.valideaza_tab(kLimits, boxes));
+    EXPECT_EQ(boxes.LimInf, "200.25");
+    EXPECT_EQ(boxes.LimSup, "-12.5");
     EXPECT_EQ(live.chart(1).valueAxisMinimum(), 200.25);
     EXPECT_EQ(live.chart(1).valueAxisMaximum(), -12.5);
     EXPECT_EQ(live.chart(0).valueAxisMaximum(), 150) << "the other diagram keeps its own";
 
     for (const char *bad : {"", "abc", "1.2,3", "12 3", "5x", "-1e999"}) {
-        texts.AlarmInf = "3";
-        texts.AlarmSup = bad;
-        options.apply(kAlarms, texts);
-        EXPECT_EQ(texts.AlarmSup, "138") << bad;
+        boxes.AlarmInf = "3";
+        boxes.AlarmSup = bad;
+        options.apply(kAlarms, boxes);
+        EXPECT_EQ(boxes.AlarmSup, "138") << bad;
         EXPECT_EQ(station.Diagrame[1].alarma_minim, 10) << bad;
         EXPECT_EQ(errors.takeLast(), "Verificati corectitudinea campurilor.");
     }
@@ -73,10 +73,10 @@ TEST_F(Options, IntervalIsTheNextLowerWholeNumberForBothDiagrams)
     } cases[] = {{"0", 1, 0},          {"0,0", 1, 0},          {"2.7", 2, 0},
                  {"-2,5", -3, 0},      {"32767.9", 32767, 0},  {"-32768", -32768, 0},
                  {"32768", -32768, 6}, {"-32768.5", -32768, 6}};
-    texts.MasuraTimp = 1;
+    boxes.MasuraTimp = 1;
     for (const auto &c : cases) {
-        texts.Scan = c.typed;
-        EXPECT_EQ(errorOf([&] { options.valideaza_tab(kScan, texts); }), c.error) << c.typed;
+        boxes.Scan = c.typed;
+        EXPECT_EQ(errorOf([&] { options.valideaza_tab(kScan, boxes); }), c.error) << c.typed;
         for (const Diagrama &diagram : station.Diagrame) {
             EXPECT_EQ(diagram.interval_scanare, c.interval) << c.typed;
             EXPECT_EQ(diagram.masura_interval, 1);
@@ -87,59 +87,59 @@ TEST_F(Options, IntervalIsTheNextLowerWholeNumberForBothDiagrams)
 
 TEST_F(Options, RefusedScanOptionsChangeNothingAndSayWhy)
 {
-    const OptionTexts good = texts;
+    const OptionBoxes good = boxes;
     const auto refuse = [&](auto &&spoil) {
-        texts = good;
-        texts.MasuraTimp = 2;
+        boxes = good;
+        boxes.MasuraTimp = 2;
         spoil();
-        EXPECT_FALSE(options.valideaza_tab(kScan, texts));
+        EXPECT_FALSE(options.valideaza_tab(kScan, boxes));
         EXPECT_EQ(errors.takeLast(),
                   "Verificati corectitudinea campurilor!\r\n"
                   "Nu folositi in campurile cu valori numerice litere sau simboluri.\r\n"
                   "Nu folositi caracterele  */?\\|:<>\"in numele fisierelor.");
         EXPECT_EQ(station.Diagrame[0].masura_interval, 0);
     };
-    refuse([&] { texts.Scan = "1s"; });
-    refuse([&] { texts.Scan = "1e999"; });
-    refuse([&] { texts.NumeMdb[3] = "../x"; });
-    refuse([&] { texts.MasuraTimp = -1; });
+    refuse([&] { boxes.Scan = "1s"; });
+    refuse([&] { boxes.Scan = "1e999"; });
+    refuse([&] { boxes.NumeMdb[3] = "../x"; });
+    refuse([&] { boxes.MasuraTimp = -1; });
 }
 
 TEST_F(Options, AllTabsStopAtTheFirstRefusedOne)
 {
-    texts.LimSup = "77";
-    texts.AlarmInf = "x";
-    texts.Scan = "9";
-    EXPECT_FALSE(options.applyAll(texts));
+    boxes.LimSup = "77";
+    boxes.AlarmInf = "x";
+    boxes.Scan = "9";
+    EXPECT_FALSE(options.applyAll(boxes));
     EXPECT_EQ(errors.size(), 1);
     EXPECT_EQ(live.chart(1).valueAxisMaximum(), 77);
     EXPECT_EQ(station.Diagrame[0].interval_scanare, 1);
-    EXPECT_EQ(texts.AlarmInf, "10");
-    EXPECT_EQ(texts.Scan, "1");
+    EXPECT_EQ(boxes.AlarmInf, "10");
+    EXPECT_EQ(boxes.Scan, "1");
 }
 
 TEST_F(Options, SaveWritesTheTabAndRestoreBringsItBackByteForByte)
 {
-    texts.Scan = "5";
-    texts.NumeMdb = {"date", "a,b", "b", "b"};
+    boxes.Scan = "5";
+    boxes.NumeMdb = {"date", "a,b", "b", "b"};
     QByteArray expected = configWith(
         {"Diagrama1.interval_scanare =,5", "Diagrama2.interval_scanare =,5",
          "Diagrama1.masura_interval =,0", "Diagrama2.masura_interval =,0", "NumeFisier1 =,date.mdb",
          "NumeFisier2 =,a,b.mdb", "NumeFisier3 =,b.mdb", "NumeFisier4 =,b.mdb"});
-    options.saveDefaults(kScan, texts);
+    options.saveDefaults(kScan, boxes);
     EXPECT_EQ(folder.config(), expected);
 
-    texts.AlarmInf = "x"; // refused: what is in memory is saved all the same
+    boxes.AlarmInf = "x"; // refused: what is in memory is saved all the same
     expected = configWith({"Diagrama2.alarma_minim =,10", "Diagrama2.alarma_maxim =,138"});
-    options.saveDefaults(kAlarms, texts);
+    options.saveDefaults(kAlarms, boxes);
     EXPECT_EQ(folder.config(), expected);
 
     for (Diagrama &diagram : station.Diagrame)
         diagram.interval_scanare = diagram.masura_interval = 3;
     station.NumeFisier.fill("other");
     station.Diagrame[1].limita_maxima = station.Diagrame[1].alarma_maxim = 1;
-    for (const QString &tab : {kLimits, kAlarms, kScan})
-        options.restoreDefaults(tab, texts);
+    for (const OptionTab tab : {kLimits, kAlarms, kScan})
+        options.restoreDefaults(tab, boxes);
     EXPECT_EQ(live.chart(1).valueAxisMaximum(), 150);
     EXPECT_EQ(live.chart(1).columnData(5)[7], 138);
     EXPECT_EQ(live.chart(1).columnData(3)[7], 0) << "the readings stay";
@@ -147,8 +147,8 @@ TEST_F(Options, SaveWritesTheTabAndRestoreBringsItBackByteForByte)
         EXPECT_EQ(diagram.interval_scanare, 5);
         EXPECT_EQ(diagram.masura_interval, 0);
     }
-    EXPECT_EQ(texts.MasuraTimp, 0);
-    EXPECT_EQ(texts.NumeMdb, (std::array<QString, 4>{"date.mdb", "a", "b.mdb", "b.mdb"}));
+    EXPECT_EQ(boxes.MasuraTimp, 0);
+    EXPECT_EQ(boxes.NumeMdb, (std::array<QString, 4>{"date.mdb", "a", "b.mdb", "b.mdb"}));
     EXPECT_EQ(folder.config(), expected);
 }
 
@@ -156,12 +156,12 @@ TEST_F(Options, RestoreOfALackingTabKeepsTheRunningOne)
 {
     folder.setConfig(folder.config().replace("Diagrama2.alarma_maxim =", "gone ="));
     folder.setValue("Diagrama2.alarma_minim =", "99");
-    options.restoreDefaults(kAlarms, texts);
+    options.restoreDefaults(kAlarms, boxes);
     EXPECT_EQ(op.told, QStringList{"Eroare in /config/config.ini"});
     EXPECT_EQ(station.Diagrame[1].alarma_minim, 10) << "half a tab is no tab";
 
     folder.setValue("Diagrama2.masura_interval =", "99999");
     folder.setValue("Diagrama1.interval_scanare =", "7");
-    EXPECT_EQ(errorOf([&] { options.restoreDefaults(kScan, texts); }), RuntimeError::Overflow);
+    EXPECT_EQ(errorOf([&] { options.restoreDefaults(kScan, boxes); }), RuntimeError::Overflow);
     EXPECT_EQ(station.Diagrame[0].interval_scanare, 1);
 }

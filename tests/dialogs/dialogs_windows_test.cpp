@@ -20,7 +20,7 @@ constexpr QSize kScreenTwips(15360, 11520);
 class Dialogs : public DialogRig
 {
 protected:
-    std::unique_ptr<frmOptDiag> options(int diagram, const char *tabKey = "LimiteGrafic")
+    std::unique_ptr<frmOptDiag> options(int diagram, OptionTab tab = OptionTab::GraphLimits)
     {
         const auto refuse = [this](QWidget &caller, const QString &) {
             ++errors;
@@ -28,7 +28,7 @@ protected:
         };
         auto form =
             std::make_unique<frmOptDiag>(diagram, station, settings, time, refuse, kScreenTwips);
-        form->selectTab(QLatin1String(tabKey));
+        form->selectTab(tab);
         return shown(std::move(form));
     }
     std::unique_ptr<frmNumeSenzori> names()
@@ -48,8 +48,9 @@ protected:
     std::vector<std::unique_ptr<QDialog>> allDialogs()
     {
         std::vector<std::unique_ptr<QDialog>> all;
-        for (const char *key : {"LimiteGrafic", "SetAlarme", "OptiuniScanare"})
-            all.push_back(options(1, key));
+        for (const OptionTab tab :
+             {OptionTab::GraphLimits, OptionTab::Alarms, OptionTab::ScanOptions})
+            all.push_back(options(1, tab));
         all.push_back(names());
         all.push_back(title());
         all.push_back(calibration());
@@ -91,7 +92,7 @@ TEST_F(Dialogs, OptionsApplyWhatIsTypedAndShowWhatWasUnderstood)
     EXPECT_EQ(textOf(*form, "LimSupText"), "12.5");
     EXPECT_EQ(live.chart(1).valueAxisMaximum(), 12.5);
 
-    form->selectTab("OptiuniScanare");
+    form->selectTab(OptionTab::ScanOptions);
     type(*form, "ScanText", "2.7");
     control<QComboBox>(*form, "MasuraTimpCombo").setCurrentText("Ore");
     type(*form, "NumeMdb4Text", "date");
@@ -108,7 +109,7 @@ TEST_F(Dialogs, OptionsApplyWhatIsTypedAndShowWhatWasUnderstood)
 TEST_F(Dialogs, RefusedOptionsKeepTheDialogUntilTheErrorWasRead)
 {
     const QByteArray before = folder.config();
-    auto form = options(0, "SetAlarme");
+    auto form = options(0, OptionTab::Alarms);
     QSignalSpy closed(form.get(), &QDialog::finished);
     type(*form, "AlarmSupText", "mult");
     press(*form, "cmdOK");
@@ -126,7 +127,7 @@ TEST_F(Dialogs, RefusedOptionsKeepTheDialogUntilTheErrorWasRead)
 
 TEST_F(Dialogs, ControlTabTurnsTheTabsFromAnyControl)
 {
-    auto form = options(0, "SetAlarme");
+    auto form = options(0, OptionTab::Alarms);
     const auto &tabs = control<QTabWidget>(*form, "tbsOptions");
     EXPECT_EQ(tabs.currentIndex(), 1);
     EXPECT_EQ(QApplication::focusWidget()->objectName(), "AlarmSupText");
@@ -149,8 +150,11 @@ TEST_F(Dialogs, CalibrationRevertsAllFieldsAndStaysOpen)
     type(*form, "CalibText_1", "-");
     QString behindTheMessage;
     op.meanwhile = [&] { behindTheMessage = textOf(*form, "CalibText_0"); };
+    const QByteArray before = folder.config();
     press(*form, "cmdOk");
-    EXPECT_EQ(op.told.size(), 1);
+    EXPECT_EQ(op.told, QStringList{"Verificati corectitudinea campurilor"});
+    EXPECT_EQ(op.lastIcon, Operator::Icon::Exclamation);
+    EXPECT_EQ(folder.config(), before);
     EXPECT_EQ(behindTheMessage, "1.555");
     EXPECT_EQ(textOf(*form, "CalibText_0"), "1,555");
     EXPECT_EQ(textOf(*form, "CalibText_1"), "0");

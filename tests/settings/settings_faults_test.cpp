@@ -39,7 +39,7 @@ protected:
     int trySave()
     {
         return errorOf([this] {
-            settings.save({"Diagrama1.Titlu =", "NumeFisier1 ="}, {"Abur", "b.mdb"});
+            settings.scrie_config({"Diagrama1.Titlu =", "NumeFisier1 ="}, {"Abur", "b.mdb"});
         });
     }
     /// The same as a user whom file permissions bind, which they do not bind root.

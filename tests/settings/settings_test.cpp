@@ -1,3 +1,4 @@
+#include "app/settings/calibration.h"
 #include "app/settings/schedule.h"
 #include "tests/support/station_rig.h"
 
@@ -75,9 +76,7 @@ TEST_F(SettingsTest, BadValuesEndInTheRuntimesErrors)
 TEST_F(SettingsTest, MissingKeyTellsTheOperatorOnceAndLeavesTheRest)
 {
     folder.setConfig("a =,1\r\nc =,3\r\n\r\n");
-    station.Valori = {"x", "y", "z"};
-    settings.citeste_config({"a =", "b =", "c ="}, 2);
-    EXPECT_EQ(station.Valori, QStringList({"1", "y", "z"}));
+    EXPECT_EQ(settings.citeste_config({"a =", "b =", "c ="}), QStringList{"1"});
     EXPECT_EQ(op.told, QStringList({kConfigError}));
     EXPECT_EQ(op.lastIcon, Operator::Icon::Critical);
     EXPECT_FALSE(settings.optionalValue("ControlPlc.CommPort ="));
@@ -87,17 +86,17 @@ TEST_F(SettingsTest, MissingKeyTellsTheOperatorOnceAndLeavesTheRest)
 TEST_F(SettingsTest, MissingFileOrFolderIsTheRuntimesError)
 {
     QFile::remove(folder.configPath());
-    EXPECT_EQ(errorOf([&] { settings.citeste_config({"a ="}, 0); }), RuntimeError::FileNotFound);
+    EXPECT_EQ(errorOf([&] { settings.citeste_config({"a ="}); }), RuntimeError::FileNotFound);
     station.appFolder += "/nowhere";
-    EXPECT_EQ(errorOf([&] { settings.citeste_config({"a ="}, 0); }), RuntimeError::PathNotFound);
+    EXPECT_EQ(errorOf([&] { settings.citeste_config({"a ="}); }), RuntimeError::PathNotFound);
     EXPECT_TRUE(op.told.isEmpty());
 }
 
 TEST_F(SettingsTest, WriteTurnsDecimalCommasAndOnlyThose)
 {
-    station.Valori = {"12,5", "a,b"};
-    settings.scrie_config({"Diagrama1.limita_minima =", "NumeFisier2 ="}, 1);
-    EXPECT_EQ(station.Valori, QStringList({"12.5", "a,b"}));
+    EXPECT_EQ(
+        settings.scrie_config({"Diagrama1.limita_minima =", "NumeFisier2 ="}, {"12,5", "a,b"}),
+        QStringList({"12.5", "a,b"}));
     EXPECT_TRUE(
         folder.config().startsWith("Diagrama1.limita_minima =,12.5\r\nNumeFisier2 =,a,b\r\n"));
 }
@@ -105,11 +104,9 @@ TEST_F(SettingsTest, WriteTurnsDecimalCommasAndOnlyThose)
 TEST_F(SettingsTest, WriteOfAKeyThatIsNotThereChangesNothing)
 {
     const QByteArray before = folder.config();
-    station.Valori = {"1", "2"};
-    settings.scrie_config({"Diagrama1.limita_minima =", "NumeFisier5 ="}, 1);
+    settings.scrie_config({"Diagrama1.limita_minima =", "NumeFisier5 ="}, {"1", "2"});
     EXPECT_EQ(op.told, QStringList({kConfigError}));
     EXPECT_EQ(folder.config(), before);
-    EXPECT_EQ(settings.chei_tab("Diagrama1", "Alta", Settings::Mode::Citeste), -1) << "no keys";
 }
 
 TEST_F(SettingsTest, CalibrationIsTakenByLeadingNumberInTheScreensForm)
@@ -120,11 +117,11 @@ TEST_F(SettingsTest, CalibrationIsTakenByLeadingNumberInTheScreensForm)
         station.sensors.push_back(sensor);
     }
     folder.setValue("Calibrare.Diagrama1.Senzor1 =", "-1.5x");
-    settings.citeste_calibrari();
+    citeste_calibrari(station, settings);
     EXPECT_EQ(station.sensors[0].calibrationText, "-1,5");
 
     station.sensors[1].key = "Diagrama7.Senzor1";
-    settings.citeste_calibrari();
+    citeste_calibrari(station, settings);
     EXPECT_EQ(op.told, QStringList({kConfigError}));
     EXPECT_EQ(station.sensors[0].calibrationText, "-1,5");
     EXPECT_EQ(station.sensors[1].calibrationText, "0");

@@ -1,5 +1,4 @@
 #include "app/settings/chart_settings.h"
-#include "app/settings/texts.h"
 #include "chart/chart_grid.h"
 
 void scrie_limite_grafic(const Diagrama &record)
@@ -15,10 +14,14 @@ void deseneaza_alarme(const Diagrama &record)
     record.chart->fillColumn(record.chart->upperAlarmColumn(), record.alarma_maxim);
 }
 
-void aplica_tab(const Diagrama &record, const QString &tab)
+void aplica_tab(const Diagrama &record, OptionTab tab)
 {
-    if (tab == texts::settings::tabGraphLimits())
-        scrie_limite_grafic(record);
-    else if (tab == texts::settings::tabAlarms())
-        deseneaza_alarme(record);
+    switch (tab) {
+    case OptionTab::GraphLimits:
+        return scrie_limite_grafic(record);
+    case OptionTab::Alarms:
+        return deseneaza_alarme(record);
+    case OptionTab::ScanOptions:
+        return;
+    }
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/settings/diagram.h"
+#include "app/settings/option_tab.h"
 
 /// What a diagram's settings do to its chart. All need record.chart.
 
@@ -10,6 +11,5 @@ void scrie_limite_grafic(const Diagrama &record);
 /// Draws the lower and the upper alarm limit: two horizontal lines.
 void deseneaza_alarme(const Diagrama &record);
 
-/// Pushes the settings of one options tab to the chart; any caption but the graph limits' and the
-/// alarms' does nothing.
-void aplica_tab(const Diagrama &record, const QString &tab);
+/// Pushes the settings of one options tab to the chart; the scan options have nothing there.
+void aplica_tab(const Diagrama &record, OptionTab tab);

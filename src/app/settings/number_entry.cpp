@@ -3,7 +3,7 @@
 
 #include <algorithm>
 
-bool takeNumbers(std::initializer_list<NumberEntry> entries)
+bool takeNumbers(const std::vector<NumberEntry> &entries)
 {
     if (!std::all_of(entries.begin(), entries.end(),
                      [](const NumberEntry &entry) { return typedNumber(entry.text).has_value(); }))

@@ -1,7 +1,7 @@
 #pragma once
 
 #include <QString>
-#include <initializer_list>
+#include <vector>
 
 /// One number box of a settings tab and the setting behind it.
 struct NumberEntry {
@@ -12,4 +12,4 @@ struct NumberEntry {
 /// Takes over what was typed on a tab of plain numbers. When every text is a typedNumber, the texts
 /// get a decimal point and lose the blanks around them, the settings get the numbers, and it
 /// returns true. Otherwise nothing changes.
-bool takeNumbers(std::initializer_list<NumberEntry> entries);
+bool takeNumbers(const std::vector<NumberEntry> &entries);

@@ -24,9 +24,6 @@ struct Station {
     std::array<Diagrama, channels::kDiagrams> Istoric;
     std::array<QString, 4> NumeFisier; ///< storage file names; only the first is ever written
 
-    QStringList Chei;   ///< keys of the settings being read or written
-    QStringList Valori; ///< their values, by the same index
-
     bool monitorActive = false;
     QDateTime nextSampling = zeroDateTime();
     bool TimeoutComunicare = false; ///< the recorder did not answer in time

@@ -8,18 +8,6 @@ inline QString configError()
 {
     return QStringLiteral("Eroare in /config/config.ini");
 }
-inline QString tabGraphLimits()
-{
-    return QStringLiteral("Limite grafic");
-}
-inline QString tabAlarms()
-{
-    return QStringLiteral("Alarme");
-}
-inline QString tabScanOptions()
-{
-    return QStringLiteral("Optiuni scanare");
-}
 /// A tab of numbers holds something else than numbers.
 inline QString checkFields()
 {
