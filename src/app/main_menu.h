@@ -1,16 +1,27 @@
 #pragma once
 
-#include <QObject>
+#include <QString>
+#include <functional>
+#include <vector>
 
 class QAction;
 class QMenuBar;
 
-/// The menus of the main window: fills `bar` with every item under its name and caption. Commands
-/// are plain actions.
-void buildMainMenu(QMenuBar &bar);
+/// One row of the main menu. A submenu has no command; the rows behind it are in it, until a row of
+/// another kind.
+struct MenuItem {
+    enum class Kind { Submenu, InSubmenu, TopCommand };
 
-/// Every item of the bar in its order, submenus before what they hold; objectName is the item's
-/// name.
+    Kind kind;
+    QString name; ///< its action's objectName
+    QString caption;
+    std::function<void()> command = {};
+};
+
+/// Fills `bar` with the items in their order.
+void buildMainMenu(QMenuBar &bar, const std::vector<MenuItem> &items);
+
+/// Every item of the bar in its order, submenus before what they hold.
 QList<QAction *> menuItems(const QMenuBar &bar);
 
 /// The item of that name. Throws RuntimeError 9 when there is none.

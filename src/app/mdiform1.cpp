@@ -1,5 +1,4 @@
 #include "app/mdiform1.h"
-#include "app/main_menu.h"
 #include "app/texts.h"
 #include "platform/window_frame.h"
 
@@ -40,18 +39,12 @@ MDIForm1::MDIForm1(std::function<bool()> mayClose)
     connect(new QShortcut(Qt::Key_F10, this), &QShortcut::activated, this, &MDIForm1::openMenuBar);
     // A maximised window leaves the others as large as they are.
     m_area->setOption(QMdiArea::DontMaximizeSubWindowOnActivation);
-    buildMainMenu(*menuBar());
     menuBar()->installEventFilter(this);
-    for (QAction *item : menuItems(*menuBar()))
-        if (!item->menu())
-            item->setEnabled(false);
 }
 
-void MDIForm1::setCommand(const QString &item, std::function<void()> command)
+void MDIForm1::setMenu(const std::vector<MenuItem> &items)
 {
-    QAction *action = menuItem(*menuBar(), item);
-    connect(action, &QAction::triggered, this, std::move(command));
-    action->setEnabled(true);
+    buildMainMenu(*menuBar(), items);
 }
 
 void MDIForm1::setItemEnabled(const QString &item, bool enabled)

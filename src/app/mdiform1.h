@@ -1,5 +1,7 @@
 #pragma once
 
+#include "app/main_menu.h"
+
 #include <QMainWindow>
 #include <QPointer>
 #include <functional>
@@ -8,7 +10,7 @@ class QMdiArea;
 class QMdiSubWindow;
 
 /// The main window: the menu bar and the area that holds the other windows. It knows no command:
-/// the program gives every menu item its own.
+/// the program gives it the menu.
 class MDIForm1 final : public QMainWindow
 {
     Q_OBJECT
@@ -16,8 +18,8 @@ public:
     /// `mayClose` runs the closing dialogue and says whether the window goes.
     explicit MDIForm1(std::function<bool()> mayClose);
 
-    /// Enables the menu item of that name and runs `command` when it is chosen.
-    void setCommand(const QString &item, std::function<void()> command);
+    /// Fills the menu bar, once.
+    void setMenu(const std::vector<MenuItem> &items);
     void setItemEnabled(const QString &item, bool enabled);
     /// Pops up the submenu of that name.
     void popUp(const QString &submenu, const QPoint &globalPosition);

@@ -69,9 +69,8 @@ Program::~Program() = default;
 void Program::start()
 {
     createControlPlc();
-    connectCommands();
-    connectDialogs();
-    connectPictures();
+    m_window.setMenu(menu());
+    connectRooms();
     m_window.showMaximized();
     showDiagrams();
 }
@@ -110,18 +109,8 @@ void Program::createControlPlc()
                                                 m_environment.clock, m_scheduler);
 }
 
-void Program::connectCommands()
+void Program::connectRooms()
 {
-    const auto command = [this](const char *item, auto method) {
-        m_window.setCommand(QString::fromLatin1(item), [this, method] { (this->*method)(); });
-    };
-    command("DeschidMdbCurent", &Program::showBrowser);
-    command("DeschidMdbArhiva", &Program::openArchiveFolder);
-    command("SalvareArh", &Program::archiveStorage);
-    command("DeschidDiag", &Program::showDiagrams);
-    command("DeschidCentruControl", &Program::showControlCentre);
-    command("DocProg", &Program::openHelp);
-    m_window.setCommand(QStringLiteral("ExitProg"), [this] { closingDialogue(); });
     connect(&m_window, &MDIForm1::areaResized, this, [this] { layOut(); });
     connect(&m_window, &MDIForm1::childStateChanged, this, &Program::layOut);
     connect(&m_storage, &MeasurementStore::monitorStopped, this,
@@ -129,28 +118,6 @@ void Program::connectCommands()
     connect(&m_storage, &MeasurementStore::browserMustClose, this, &Program::closeBrowser);
     connect(&m_storage, &MeasurementStore::browserMayReopen, this, &Program::reopenBrowser);
     connect(&m_storage, &MeasurementStore::recordStored, this, &Program::sampleStored);
-}
-
-void Program::connectDialogs()
-{
-    const struct {
-        const char *item;
-        int diagram;
-        OptionTab tab;
-    } options[] = {
-        {"LimitTempGraf", 0, OptionTab::GraphLimits}, {"AlarmTempGraf", 0, OptionTab::Alarms},
-        {"ScanTempGraf", 0, OptionTab::ScanOptions},  {"LimitPresGraf", 1, OptionTab::GraphLimits},
-        {"AlarmPresGraf", 1, OptionTab::Alarms},      {"ScanPresGraf", 1, OptionTab::ScanOptions}};
-    for (const auto &option : options)
-        m_window.setCommand(QString::fromLatin1(option.item), [this, option] {
-            showDiagrams();
-            m_dialogs.openOptions(option.diagram, option.tab);
-        });
-    m_window.setCommand(QStringLiteral("mnuNumeSenzori1"),
-                        [this] { m_dialogs.openSensorNames(0); });
-    m_window.setCommand(QStringLiteral("mnuNumeSenzori2"),
-                        [this] { m_dialogs.openSensorNames(1); });
-    m_window.setCommand(QStringLiteral("MeniuCalib"), [this] { m_dialogs.openCalibration(); });
     connect(&m_dialogs, &DialogCommands::titleChanged, this, [this] {
         if (m_form1)
             m_form1->scrie_titlu_diagrame();
@@ -158,15 +125,6 @@ void Program::connectDialogs()
     // Whatever became of the diagrams behind the dialog.
     connect(&m_dialogs, &DialogCommands::released, this,
             [this] { activare_meniuri_diagrame(m_station.diagramsOpen); });
-}
-
-void Program::connectPictures()
-{
-    m_window.setCommand(QStringLiteral("DeschidGenerator"), [this] { showGenerator(); });
-    m_window.setCommand(QStringLiteral("MeniuIstoric"), [this] { openHistoryLimits(); });
-    m_window.setCommand(QStringLiteral("SalvareImg"), [this] { saveImages(); });
-    m_window.setCommand(QStringLiteral("PrintDiag"), [this] { print(); });
-    m_window.setCommand(QStringLiteral("DespreProg"), [this] { showAboutBox(); });
 }
 
 void Program::showDiagrams()
@@ -281,6 +239,12 @@ void Program::showGenerator()
     m_formAdoChart->load(m_window.innerSize());
     layOut(m_formAdoChart); // as for the diagrams
     m_window.bringUp(m_formAdoChart);
+}
+
+void Program::openOptions(int diagram, OptionTab tab)
+{
+    showDiagrams();
+    m_dialogs.openOptions(diagram, tab);
 }
 
 void Program::openHistoryLimits()

@@ -72,9 +72,9 @@ private:
     class Store;
 
     void createControlPlc();
-    void connectCommands();
-    void connectDialogs();
-    void connectPictures();
+    std::vector<MenuItem> menu();
+    void connectRooms();
+    void openOptions(int diagram, OptionTab tab);
     void showDiagrams();
     void createForm1();
     void showDiagramsAtOrigin();
