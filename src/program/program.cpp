@@ -127,17 +127,30 @@ void Program::connectRooms()
             [this] { activare_meniuri_diagrame(m_station.diagramsOpen); });
 }
 
-void Program::showDiagrams()
+template <typename Form>
+void Program::show(QPointer<Form> &form, void (Program::*open)())
 {
-    if (!m_form1)
-        createForm1();
-    m_window.bringUp(m_form1);
+    if (!form)
+        (this->*open)();
+    m_window.bringUp(form);
 }
 
-void Program::createForm1()
+template <typename Form>
+void Program::addChild(QPointer<Form> &form, Form *child)
 {
-    m_form1 = new Form1(m_station, m_diagrams);
-    m_window.addChild(m_form1);
+    form = child;
+    m_window.addChild(child);
+    connect(child, &Form::closed, this, [&form] { form = nullptr; });
+}
+
+void Program::showDiagrams()
+{
+    show(m_form1, &Program::openDiagrams);
+}
+
+void Program::openDiagrams()
+{
+    addChild(m_form1, new Form1(m_station, m_diagrams));
     connect(m_form1, &Form1::startRequested, this,
             [this] { controlCentre().StartMonCommand_Click(); });
     connect(m_form1, &Form1::stopRequested, this,
@@ -150,10 +163,8 @@ void Program::createForm1()
     connect(m_form1, &Form1::titleEditRequested, &m_dialogs, &DialogCommands::openTitle);
     connect(m_form1, &Form1::controlCentreRequested, this, &Program::showControlCentre);
     connect(m_form1, &Form1::menusEnabled, this, &Program::activare_meniuri_diagrame);
-    connect(m_form1, &Form1::closed, this, [this] { m_form1 = nullptr; });
     m_form1->load(m_window.innerSize());
     layOut(m_form1); // behind a message of the load the main window may have changed its size
-    m_window.bringUp(m_form1);
 }
 
 void Program::activare_meniuri_diagrame(bool enabled)
@@ -191,21 +202,19 @@ void Program::showControlCentre()
 
 void Program::showBrowser()
 {
-    if (!m_formMdb) {
-        m_formMdb = new FormMdb(m_station);
-        m_window.addChild(m_formMdb);
-        // Queued: behind the box the archive may close the window that has failed.
-        connect(
-            m_formMdb, &FormMdb::failed, this,
-            [this](const QString &failure) { m_environment.op.tell(failure); },
-            Qt::QueuedConnection);
-        connect(m_formMdb, &FormMdb::closed, this, [this] {
-            m_browserPlace.save(*m_formMdb);
-            m_formMdb = nullptr;
-        });
-        m_browserPlace.restore(*m_formMdb);
-    }
-    m_window.bringUp(m_formMdb);
+    show(m_formMdb, &Program::openBrowser);
+}
+
+void Program::openBrowser()
+{
+    auto *browser = new FormMdb(m_station);
+    connect(browser, &FormMdb::closed, this, [this, browser] { m_browserPlace.save(*browser); });
+    // Queued: behind the box the archive may close the window that has failed.
+    connect(
+        browser, &FormMdb::failed, this,
+        [this](const QString &failure) { m_environment.op.tell(failure); }, Qt::QueuedConnection);
+    addChild(m_formMdb, browser);
+    m_browserPlace.restore(*browser);
 }
 
 void Program::closeBrowser()
@@ -229,16 +238,15 @@ void Program::archiveStorage()
 
 void Program::showGenerator()
 {
-    if (m_formAdoChart) {
-        m_window.bringUp(m_formAdoChart);
-        return;
-    }
-    m_formAdoChart = new FormAdoChart(m_station, m_history, m_environment.op, m_environment.clock);
-    m_window.addChild(m_formAdoChart);
-    connect(m_formAdoChart, &FormAdoChart::closed, this, [this] { m_formAdoChart = nullptr; });
+    show(m_formAdoChart, &Program::openGenerator);
+}
+
+void Program::openGenerator()
+{
+    addChild(m_formAdoChart,
+             new FormAdoChart(m_station, m_history, m_environment.op, m_environment.clock));
     m_formAdoChart->load(m_window.innerSize());
     layOut(m_formAdoChart); // as for the diagrams
-    m_window.bringUp(m_formAdoChart);
 }
 
 void Program::openOptions(int diagram, OptionTab tab)

@@ -75,13 +75,21 @@ private:
     std::vector<MenuItem> menu();
     void connectRooms();
     void openOptions(int diagram, OptionTab tab);
+    /// Brings the window up; `open` makes and loads it when it is not there.
+    template <typename Form>
+    void show(QPointer<Form> &form, void (Program::*open)());
+    /// Puts a new window into the main window, `form` points to it until it is closed.
+    template <typename Form>
+    void addChild(QPointer<Form> &form, Form *child);
     void showDiagrams();
-    void createForm1();
+    void openDiagrams();
     void showDiagramsAtOrigin();
     void showBrowser();
+    void openBrowser();
     void closeBrowser();
     void reopenBrowser();
     void showGenerator();
+    void openGenerator();
     void openHistoryLimits();
     void saveImages();
     void print();
