@@ -1,7 +1,8 @@
 #include "acquisition/monitoring_cycle.h"
+#include "acquisition/diagram_feed.h"
 #include "acquisition/exchange.h"
-#include "acquisition/ports.h"
 #include "acquisition/sample.h"
+#include "app/sample_store.h"
 #include "app/settings/schedule.h"
 #include "platform/scheduler.h"
 

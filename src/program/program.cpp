@@ -21,44 +21,13 @@
 #include <algorithm>
 #include <utility>
 
-/// The diagrams as the monitoring cycle sees them.
-class Program::Feed final : public DiagramFeed
-{
-public:
-    explicit Feed(Program &program) : m_program(program) {}
-
-    void adauga_citiri(const std::vector<Sensor> &sensors) override
-    {
-        m_program.m_diagrams.adauga_citiri(sensors);
-    }
-    void showAtOrigin() override { m_program.showDiagramsAtOrigin(); }
-    void goleste_diagramele() override { m_program.m_diagrams.goleste_diagramele(); }
-
-private:
-    Program &m_program;
-};
-
-/// The storage as the monitoring cycle sees it.
-class Program::Store final : public SampleStore
-{
-public:
-    explicit Store(MeasurementStore &storage) : m_storage(storage) {}
-
-    void adauga_inregistrare(const QString &name) override { m_storage.adauga_inregistrare(name); }
-    void arhiveaza_baza_date(const QString &name) override { m_storage.arhiveaza_baza_date(name); }
-
-private:
-    MeasurementStore &m_storage;
-};
-
 Program::Program(Environment environment)
     : m_environment(std::move(environment)), m_settings(m_station, m_environment.op),
       m_storage(m_station, m_environment.op, m_environment.clock),
       m_diagrams(m_station, m_settings, m_environment.clock), m_history(m_station, m_settings),
       m_window([this] { return closingDialogue(); }),
       m_dialogs(m_station, m_settings, m_environment.op, m_environment.clock, m_window),
-      m_scheduler(m_window), m_feed(std::make_unique<Feed>(*this)),
-      m_store(std::make_unique<Store>(m_storage))
+      m_scheduler(m_window)
 {
     m_station.appFolder = m_environment.appFolder;
     m_station.locale = m_environment.locale;
@@ -105,7 +74,8 @@ void Program::createControlPlc()
     m_controlPlc = configuredLine(m_settings, &m_window);
     m_exchange =
         std::make_unique<Exchange>(m_station, *m_controlPlc, m_scheduler, m_environment.op);
-    m_cycle = std::make_unique<MonitoringCycle>(m_station, *m_exchange, *m_feed, *m_store,
+    DiagramFeed &diagrams = *this;
+    m_cycle = std::make_unique<MonitoringCycle>(m_station, *m_exchange, diagrams, m_storage,
                                                 m_environment.clock, m_scheduler);
 }
 
@@ -173,7 +143,17 @@ void Program::activare_meniuri_diagrame(bool enabled)
         m_window.setItemEnabled(QString::fromLatin1(item), enabled);
 }
 
-void Program::showDiagramsAtOrigin()
+void Program::adauga_citiri(const std::vector<Sensor> &sensors)
+{
+    m_diagrams.adauga_citiri(sensors);
+}
+
+void Program::goleste_diagramele()
+{
+    m_diagrams.goleste_diagramele();
+}
+
+void Program::showAtOrigin()
 {
     showDiagrams();
     m_form1->parentWidget()->move(0, 0);

@@ -1,8 +1,8 @@
 #pragma once
 
+#include "acquisition/diagram_feed.h"
 #include "acquisition/exchange.h"
 #include "acquisition/monitoring_cycle.h"
-#include "acquisition/ports.h"
 #include "app/mdiform1.h"
 #include "app/settings/settings.h"
 #include "app/settings/station.h"
@@ -29,7 +29,7 @@ class Shell;
 
 /// The running station: owns the shared state, the rooms' objects and the windows, and connects
 /// them. main and the demonstration differ only in what they give it.
-class Program final : public QObject
+class Program final : public QObject, private DiagramFeed
 {
     Q_OBJECT
 public:
@@ -68,8 +68,9 @@ signals:
     void sampleStored(int id);
 
 private:
-    class Feed;
-    class Store;
+    void adauga_citiri(const std::vector<Sensor> &sensors) override;
+    void goleste_diagramele() override;
+    void showAtOrigin() override;
 
     void createControlPlc();
     std::vector<MenuItem> menu();
@@ -83,7 +84,6 @@ private:
     void addChild(QPointer<Form> &form, Form *child);
     void showDiagrams();
     void openDiagrams();
-    void showDiagramsAtOrigin();
     void showBrowser();
     void openBrowser();
     void closeBrowser();
@@ -113,8 +113,6 @@ private:
     WindowPosition m_controlCentrePosition;
     bool m_controlCentrePlaced = false;
     WindowPlace m_browserPlace;
-    std::unique_ptr<Feed> m_feed;
-    std::unique_ptr<Store> m_store;
     std::unique_ptr<SerialLine> m_controlPlc;
     std::unique_ptr<Exchange> m_exchange;
     std::unique_ptr<MonitoringCycle> m_cycle;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/sample_store.h"
 #include "jet/database.h"
 
 #include <QObject>
@@ -14,7 +15,7 @@ struct Station;
 /// change is all or nothing in the file, whenever it is cut off.
 ///
 /// Failures of files and databases are told to the operator here, as each call says.
-class MeasurementStore : public QObject
+class MeasurementStore : public QObject, public SampleStore
 {
     Q_OBJECT
 public:
@@ -30,7 +31,7 @@ public:
     /// File missing: the operator is told, Station::monitorActive cleared, monitorStopped()
     /// emitted. Id is the number of records + 1; where that is taken: repara_baza_date, and the
     /// sample is lost. Any other failure: number and description are told and monitoring goes on.
-    void adauga_inregistrare(const QString &nume);
+    void adauga_inregistrare(const QString &nume) override;
 
     /// Rebuilds Tabel of storage file `nume` and says so. While another program has the file open
     /// the operator is asked to close it, again and again. Any other failure: number and
@@ -45,7 +46,7 @@ public:
     /// stays. Any other failure: number and description are told; records are removed only when
     /// the archive is safely on the disk. A file that another program writes to is not copied, one
     /// that cannot be opened for another reason is.
-    void arhiveaza_baza_date(const QString &nume);
+    void arhiveaza_baza_date(const QString &nume) override;
 
 signals:
     /// A missing storage file has ended monitoring.

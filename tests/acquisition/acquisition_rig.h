@@ -1,8 +1,9 @@
 #pragma once
 
+#include "acquisition/diagram_feed.h"
 #include "acquisition/exchange.h"
 #include "acquisition/monitoring_cycle.h"
-#include "acquisition/ports.h"
+#include "app/sample_store.h"
 #include "app/settings/station.h"
 #include "tests/support/fake_operator.h"
 #include "tests/support/fake_serial_line.h"

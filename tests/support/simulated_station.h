@@ -21,7 +21,7 @@ StoredDay storedDay(const QString &path);
 
 /// The station without windows: real cycle, exchange and storage in a folder of its own, with the
 /// test clock and a recorder that answers at once. Every hundredth reading is an alarm.
-class SimulatedStation : private DiagramFeed, private SampleStore
+class SimulatedStation : private DiagramFeed
 {
 public:
     explicit SimulatedStation(const QDateTime &start);
@@ -37,15 +37,13 @@ public:
     FakeSerialLine line;
     MeasurementStore store;
     Exchange exchange{station, line, time, op};
-    MonitoringCycle cycle{station, exchange, *this, *this, time, time};
+    MonitoringCycle cycle{station, exchange, *this, store, time, time};
     int stored = 0; ///< samples
 
 private:
     void adauga_citiri(const std::vector<Sensor> &) override {}
     void showAtOrigin() override {}
     void goleste_diagramele() override {}
-    void adauga_inregistrare(const QString &name) override { store.adauga_inregistrare(name); }
-    void arhiveaza_baza_date(const QString &name) override { store.arhiveaza_baza_date(name); }
 
     std::unique_ptr<Timer> m_answer;
     int m_exchanges = 0;
