@@ -36,10 +36,9 @@ QPixmap warningIcon(const QString &path)
 
 } // namespace
 
-FormEroare::FormEroare(const Station &station, OpenForms openForms, QSize screenTwips,
-                       QWidget *parent)
-    : QWidget(parent), m_openForms(std::move(openForms)), m_screen(screenTwips),
-      m_message(new QLabel), m_ok(new QPushButton(texts::settings::okButton()))
+FormEroare::FormEroare(const Station &station, QSize screenTwips, QWidget *parent)
+    : QWidget(parent), m_screen(screenTwips), m_message(new QLabel),
+      m_ok(new QPushButton(texts::settings::okButton()))
 {
     setObjectName(QStringLiteral("FormEroare"));
     auto *picture = new QLabel;
@@ -69,20 +68,11 @@ void FormEroare::arata_eroare(QWidget &callingForm, const QString &message)
     m_message->setText(message);
     setWindowTitle(callingForm.windowTitle());
     frameOf(callingForm)->setEnabled(false);
+    m_callingForm = &callingForm;
     QWidget *frame = frameOf(*this);
     frame->show();
     frame->raise();
     m_ok->setFocus();
-}
-
-void FormEroare::enableCallingForm()
-{
-    for (QWidget *form : m_openForms()) {
-        if (form != this && form->windowTitle() == windowTitle()) {
-            frameOf(*form)->setEnabled(true);
-            return;
-        }
-    }
 }
 
 void FormEroare::showEvent(QShowEvent *event)
@@ -94,7 +84,8 @@ void FormEroare::showEvent(QShowEvent *event)
 
 void FormEroare::closeEvent(QCloseEvent *event)
 {
-    enableCallingForm();
+    if (m_callingForm)
+        frameOf(*m_callingForm)->setEnabled(true);
     QWidget::closeEvent(event);
 }
 

@@ -1,9 +1,8 @@
 #pragma once
 
-#include <QList>
+#include <QPointer>
 #include <QSize>
 #include <QWidget>
-#include <functional>
 
 class QLabel;
 class QPushButton;
@@ -15,16 +14,12 @@ class FormEroare : public QWidget
 {
     Q_OBJECT
 public:
-    /// The open forms: the windows of the main window in their order, then all others.
-    using OpenForms = std::function<QList<QWidget *>()>;
-
     /// The window stands in the middle of a screen of that size, in twips. Throws RuntimeError 53
     /// when the station's warning icon is missing, 481 when it is not a picture.
-    FormEroare(const Station &station, OpenForms openForms, QSize screenTwips,
-               QWidget *parent = nullptr);
+    FormEroare(const Station &station, QSize screenTwips, QWidget *parent = nullptr);
 
     /// Disables the calling form and shows the message under that form's caption. OK, or closing
-    /// the window otherwise, enables the first open form with that caption again.
+    /// the window otherwise, enables the form again.
     void arata_eroare(QWidget &callingForm, const QString &message);
 
 protected:
@@ -33,10 +28,8 @@ protected:
     void keyPressEvent(QKeyEvent *event) override;
 
 private:
-    void enableCallingForm();
-
-    OpenForms m_openForms;
     QSize m_screen;
+    QPointer<QWidget> m_callingForm;
     QLabel *m_message;
     QPushButton *m_ok;
 };

@@ -9,10 +9,7 @@
 #include "dialogs/frm_titlu_diag.h"
 #include "platform/window_frame.h"
 
-#include <QApplication>
 #include <QDialog>
-#include <QMdiArea>
-#include <QMdiSubWindow>
 #include <QScreen>
 #include <QWindow>
 
@@ -27,18 +24,6 @@ QSize DialogCommands::screenTwips() const
 {
     const ScreenSize screen = dimensiuni_ecran(m_window.screen()->size());
     return {screen.LatimeEcran, screen.InaltimeEcran};
-}
-
-QList<QWidget *> DialogCommands::openForms() const
-{
-    QList<QWidget *> forms;
-    for (QMdiArea *area : m_window.findChildren<QMdiArea *>())
-        for (QMdiSubWindow *frame : area->subWindowList())
-            forms += frame->widget();
-    for (QWidget *window : QApplication::topLevelWidgets())
-        if (window->isVisible() && window->isWindow())
-            forms += window;
-    return forms;
 }
 
 void DialogCommands::openLocked(QDialog *dialog)
@@ -123,8 +108,7 @@ void DialogCommands::openTitle(int diagram)
 void DialogCommands::arata_eroare(QWidget &caller, const QString &message)
 {
     if (!m_formEroare) {
-        m_formEroare = new FormEroare(
-            m_station, [this] { return openForms(); }, screenTwips(), &m_window);
+        m_formEroare = new FormEroare(m_station, screenTwips(), &m_window);
         m_formEroare->setWindowFlag(Qt::Dialog);
     }
     // The window system knows nothing of disabled windows: one click on the dialog would raise it

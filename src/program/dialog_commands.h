@@ -3,7 +3,6 @@
 #include "app/settings/settings.h"
 #include "app/window_lock.h"
 
-#include <QList>
 #include <QObject>
 #include <QPointer>
 
@@ -45,7 +44,6 @@ signals:
 
 private:
     QSize screenTwips() const;
-    QList<QWidget *> openForms() const;
     void openModal(QDialog *dialog);
     void openLocked(QDialog *dialog);
     /// Gives back what openLocked() took.

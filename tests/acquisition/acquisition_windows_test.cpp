@@ -74,22 +74,18 @@ TEST_F(AcquisitionWindows, ErrorWindowKeepsTheCallingFormDisabledUntilAnswered)
 {
     const StationFolder folder;
     station.appFolder = folder.path();
-    QList<QWidget *> forms;
-    for (const char *caption : {"Nume", "Optiuni", "Optiuni"}) {
-        forms += new QWidget;
-        forms.last()->setWindowTitle(QLatin1String(caption));
-    }
-    const QMdiSubWindow *calling = open(forms[1]);
-    const auto openForms = [&] { return forms; };
+    auto *options = new QWidget;
+    options->setWindowTitle(QStringLiteral("Optiuni"));
+    const QMdiSubWindow *calling = open(options);
     const QString icon = station.warningIconPath();
     ASSERT_TRUE(QFile::rename(icon, icon + ".away"));
-    EXPECT_THROW(FormEroare(station, openForms, {}), RuntimeError) << "no icon";
+    EXPECT_THROW(FormEroare(station, {}), RuntimeError) << "no icon";
     ASSERT_TRUE(QFile::rename(icon + ".away", icon));
 
     for (const bool byButton : {true, false}) {
-        auto *form = new FormEroare(station, openForms, QSize(900, 700) * kTwipsPerPixel);
+        auto *form = new FormEroare(station, QSize(900, 700) * kTwipsPerPixel);
         QMdiSubWindow *frame = area.addSubWindow(form);
-        form->arata_eroare(*forms[1], QStringLiteral("Limita superioara"));
+        form->arata_eroare(*options, QStringLiteral("Limita superioara"));
         EXPECT_EQ(frame->windowTitle(), "Optiuni");
         EXPECT_EQ(control<QLabel>(*form, "EroareLabel").text(), "Limita superioara");
         EXPECT_FALSE(calling->isEnabled());
@@ -98,6 +94,4 @@ TEST_F(AcquisitionWindows, ErrorWindowKeepsTheCallingFormDisabledUntilAnswered)
         EXPECT_TRUE(calling->isEnabled());
         EXPECT_FALSE(form->isVisible());
     }
-    delete forms[0];
-    delete forms[2];
 }
