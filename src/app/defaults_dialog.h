@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QDialog>
-#include <functional>
 
 class QLayout;
 
@@ -11,14 +10,15 @@ class DefaultsDialog : public QDialog
 {
     Q_OBJECT
 public:
-    /// arata_eroare: shows a message in the error window with `caller` disabled meanwhile, and
-    /// returns at once.
-    using ShowError = std::function<void(QWidget &caller, const QString &message)>;
-
     using QDialog::QDialog;
 
     /// Closes the dialog, unless the error window is open over it.
     void reject() override;
+
+signals:
+    /// What was typed is refused, for that reason: the dialog expects to be disabled until the
+    /// operator has read it.
+    void refused(const QString &message);
 
 protected:
     /// The five buttons, one call below for each; Enter presses OK. The caller owns the layout.

@@ -8,12 +8,9 @@
 #include <QHBoxLayout>
 #include <QLineEdit>
 
-FrmIstoric::FrmIstoric(Station &station, Settings &settings, ShowError arata_eroare,
-                       QSize screenTwips, QWidget *parent)
+FrmIstoric::FrmIstoric(Station &station, Settings &settings, QSize screenTwips, QWidget *parent)
     : DefaultsDialog(parent),
-      m_limits(station, settings, [this, show = std::move(arata_eroare)](const QString &message) {
-          show(*this, message);
-      })
+      m_limits(station, settings, [this](const QString &message) { emit refused(message); })
 {
     setObjectName(QStringLiteral("FrmIstoric"));
     setWindowTitle(texts::diagrams::historyLimitsCaption());

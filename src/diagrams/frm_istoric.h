@@ -13,8 +13,7 @@ class FrmIstoric : public DefaultsDialog
 public:
     /// The dialog stands in the middle of a screen of that size, in twips, and shows the present
     /// limits. Station and settings must outlive it.
-    FrmIstoric(Station &station, Settings &settings, ShowError arata_eroare, QSize screenTwips,
-               QWidget *parent = nullptr);
+    FrmIstoric(Station &station, Settings &settings, QSize screenTwips, QWidget *parent = nullptr);
 
 protected:
     void cmdSaveDef_Click() override;

@@ -1,7 +1,6 @@
 #include "diagrams/history_limits.h"
 #include "app/settings/chart_settings.h"
 #include "app/settings/keys.h"
-#include "app/settings/number_entry.h"
 #include "app/settings/settings.h"
 #include "app/settings/texts.h"
 #include "platform/numeric_text.h"

@@ -1,7 +1,6 @@
 #pragma once
 
-#include <QString>
-#include <functional>
+#include "app/settings/number_entry.h"
 
 class Settings;
 struct Station;
@@ -23,8 +22,6 @@ struct HistoryLimitBoxes {
 class HistoryLimits
 {
 public:
-    using ShowError = std::function<void(const QString &message)>;
-
     /// `showError` tells the operator why the numbers were refused. Station and settings must
     /// outlive this object.
     HistoryLimits(Station &station, const Settings &settings, ShowError showError);

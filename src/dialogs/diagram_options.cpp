@@ -1,6 +1,5 @@
 #include "dialogs/diagram_options.h"
 #include "app/settings/chart_settings.h"
-#include "app/settings/number_entry.h"
 #include "app/settings/schedule.h"
 #include "app/settings/settings.h"
 #include "app/settings/texts.h"

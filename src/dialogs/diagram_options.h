@@ -1,16 +1,14 @@
 #pragma once
 
+#include "app/settings/number_entry.h"
 #include "app/settings/option_tab.h"
 
 #include <QStringList>
 #include <array>
-#include <functional>
-#include <vector>
 
 class Clock;
 class Settings;
 struct Diagrama;
-struct NumberEntry;
 struct Station;
 
 /// What the boxes of the options dialog hold.
@@ -29,8 +27,6 @@ struct OptionBoxes {
 class DiagramOptions
 {
 public:
-    using ShowError = std::function<void(const QString &message)>;
-
     /// `diagram`: index into the diagram table. `showError` tells the operator why a tab was
     /// refused. Station, settings and clock must outlive this object.
     DiagramOptions(Station &station, const Settings &settings, const Clock &clock,

@@ -75,10 +75,9 @@ QWidget *panelOf(std::initializer_list<QWidget *> parts)
 } // namespace
 
 frmOptDiag::frmOptDiag(int diagram, Station &station, Settings &settings, const Clock &clock,
-                       ShowError arata_eroare, QSize screenTwips, QWidget *parent)
+                       QSize screenTwips, QWidget *parent)
     : DefaultsDialog(parent), m_options(station, settings, clock, static_cast<std::size_t>(diagram),
-                                        [this, show = std::move(arata_eroare)](
-                                            const QString &message) { show(*this, message); }),
+                                        [this](const QString &message) { emit refused(message); }),
       m_tabs(new QTabWidget)
 {
     setObjectName(QStringLiteral("frmOptDiag%1").arg(diagram + 1));

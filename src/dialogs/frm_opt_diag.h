@@ -18,7 +18,7 @@ public:
     /// of that size, in twips; all tabs are filled from memory. Station, settings and clock must
     /// outlive it.
     frmOptDiag(int diagram, Station &station, Settings &settings, const Clock &clock,
-               ShowError arata_eroare, QSize screenTwips, QWidget *parent = nullptr);
+               QSize screenTwips, QWidget *parent = nullptr);
 
     /// Selects the tab and gives its first box the focus.
     void selectTab(OptionTab tab);

@@ -67,29 +67,29 @@ void DialogCommands::openModal(QDialog *dialog)
     dialog->show();
 }
 
+void DialogCommands::openWithDefaults(DefaultsDialog *dialog)
+{
+    connect(dialog, &DefaultsDialog::refused, this,
+            [this, dialog](const QString &message) { arata_eroare(*dialog, message); });
+    openLocked(dialog);
+}
+
 void DialogCommands::openOptions(int diagram, OptionTab tab)
 {
-    auto *dialog = new frmOptDiag(
-        diagram, m_station, m_settings, m_clock,
-        [this](QWidget &caller, const QString &message) { arata_eroare(caller, message); },
-        screenTwips(), &m_window);
+    auto *dialog =
+        new frmOptDiag(diagram, m_station, m_settings, m_clock, screenTwips(), &m_window);
     dialog->selectTab(tab);
-    openLocked(dialog);
+    openWithDefaults(dialog);
 }
 
 void DialogCommands::openCalibration()
 {
-    auto *dialog = new FormCalibrare(m_station, m_settings, m_operator, screenTwips(), &m_window);
-    openLocked(dialog);
+    openLocked(new FormCalibrare(m_station, m_settings, m_operator, screenTwips(), &m_window));
 }
 
 void DialogCommands::openHistoryLimits()
 {
-    auto *dialog = new FrmIstoric(
-        m_station, m_settings,
-        [this](QWidget &caller, const QString &message) { arata_eroare(caller, message); },
-        screenTwips(), &m_window);
-    openLocked(dialog);
+    openWithDefaults(new FrmIstoric(m_station, m_settings, screenTwips(), &m_window));
 }
 
 void DialogCommands::openSensorNames(int diagram)

@@ -7,6 +7,7 @@
 #include <QPointer>
 
 class Clock;
+class DefaultsDialog;
 class FormEroare;
 class MDIForm1;
 class Operator;
@@ -46,6 +47,8 @@ private:
     QSize screenTwips() const;
     void openModal(QDialog *dialog);
     void openLocked(QDialog *dialog);
+    /// Opens it locked, with its refusals in the error window.
+    void openWithDefaults(DefaultsDialog *dialog);
     /// Gives back what openLocked() took.
     void release(QDialog *dialog);
 

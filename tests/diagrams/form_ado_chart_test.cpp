@@ -161,6 +161,11 @@ namespace
 class FrmIstoricTest : public HistoryRig
 {
 protected:
+    FrmIstoricTest()
+    {
+        QObject::connect(&form, &DefaultsDialog::refused,
+                         [this](const QString &message) { errors += message; });
+    }
     QLineEdit &box(const char *name) { return control<QLineEdit>(form, name); }
     void click(const char *name) { control<QPushButton>(form, name).click(); }
     HistoryDiagrams &loaded()
@@ -171,9 +176,7 @@ protected:
 
     QStringList errors;
     HistoryDiagrams &diagrams = loaded(); // the dialog shows the limits it finds
-    FrmIstoric form{station, settings,
-                    [this](QWidget &, const QString &message) { errors += message; },
-                    QSize(15360, 11520)};
+    FrmIstoric form{station, settings, QSize(15360, 11520)};
 };
 
 } // namespace

@@ -22,12 +22,11 @@ class Dialogs : public DialogRig
 protected:
     std::unique_ptr<frmOptDiag> options(int diagram, OptionTab tab = OptionTab::GraphLimits)
     {
-        const auto refuse = [this](QWidget &caller, const QString &) {
+        auto form = std::make_unique<frmOptDiag>(diagram, station, settings, time, kScreenTwips);
+        QObject::connect(form.get(), &DefaultsDialog::refused, [this, dialog = form.get()] {
             ++errors;
-            caller.setEnabled(false); // as the error window does until its OK
-        };
-        auto form =
-            std::make_unique<frmOptDiag>(diagram, station, settings, time, refuse, kScreenTwips);
+            dialog->setEnabled(false); // as the error window does until its OK
+        });
         form->selectTab(tab);
         return shown(std::move(form));
     }

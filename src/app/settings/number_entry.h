@@ -1,7 +1,11 @@
 #pragma once
 
 #include <QString>
+#include <functional>
 #include <vector>
+
+/// Tells the operator why what was typed is refused.
+using ShowError = std::function<void(const QString &message)>;
 
 /// One number box of a settings tab and the setting behind it.
 struct NumberEntry {
