@@ -154,6 +154,10 @@ void MonitoringCycle::takeSample()
     m_store.adauga_inregistrare(storageName());
     if (!self)
         return;
+    if (!m_station.monitorActive) { // the storage file is missing, or stopped from behind a message
+        end();
+        return;
+    }
     calculeaza_urmatoarea_citire(m_station, m_clock.now());
     // The next pass begins from the event loop: the line's own handler has to return first.
     m_phase = Phase::Sleeping;

@@ -38,6 +38,5 @@ void frmTitluDiag::incarca_titlu(int diagram)
 void frmTitluDiag::OKButton_Click()
 {
     retitleDiagram(m_station, m_settings, m_diagram, m_title->text());
-    emit titleChanged();
     accept();
 }

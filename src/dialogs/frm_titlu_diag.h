@@ -6,7 +6,7 @@ class QLineEdit;
 class Settings;
 struct Station;
 
-/// Edits the title of one diagram.
+/// Edits the title of one diagram. Once it is accepted the title is changed.
 class frmTitluDiag : public QDialog
 {
     Q_OBJECT
@@ -17,10 +17,6 @@ public:
     /// Takes a diagram by its index into the diagram table and shows its title for editing. Throws
     /// RuntimeError 9 when there is no such diagram.
     void incarca_titlu(int diagram);
-
-signals:
-    /// A diagram has a new title: time for scrie_titlu_diagrame.
-    void titleChanged();
 
 private:
     void OKButton_Click();

@@ -97,12 +97,12 @@ void DialogCommands::openSensorNames(int diagram)
     openModal(new frmNumeSenzori(diagram, m_station, m_settings, &m_window));
 }
 
-void DialogCommands::openTitle(int diagram)
+QDialog *DialogCommands::openTitle(int diagram)
 {
     auto *dialog = new frmTitluDiag(m_station, m_settings, &m_window);
     dialog->incarca_titlu(diagram);
-    connect(dialog, &frmTitluDiag::titleChanged, this, &DialogCommands::titleChanged);
     openModal(dialog);
+    return dialog;
 }
 
 void DialogCommands::arata_eroare(QWidget &caller, const QString &message)

@@ -26,7 +26,8 @@ public:
     /// The options of a diagram (from 0), on that tab.
     void openOptions(int diagram, OptionTab tab);
     void openSensorNames(int diagram);
-    void openTitle(int diagram);
+    /// Returns the dialog; when it is accepted the diagram has its new title.
+    QDialog *openTitle(int diagram);
     void openCalibration();
     void openHistoryLimits();
     /// A window that opens behind a locked dialog is disabled like the others; false when no dialog
@@ -35,11 +36,7 @@ public:
     /// Closes a window, behind a locked dialog too.
     void closeLocked(QWidget &window);
 
-    /// Shows a message in the error window, which stays in front of `caller`, a form that is shown.
-    void arata_eroare(QWidget &caller, const QString &message);
-
 signals:
-    void titleChanged();
     /// A locked dialog has closed: menus and windows are given back.
     void released();
 
@@ -49,6 +46,8 @@ private:
     void openLocked(QDialog *dialog);
     /// Opens it locked, with its refusals in the error window.
     void openWithDefaults(DefaultsDialog *dialog);
+    /// Shows a message in the error window, which stays in front of `caller`, a form that is shown.
+    void arata_eroare(QWidget &caller, const QString &message);
     /// Gives back what openLocked() took.
     void release(QDialog *dialog);
 

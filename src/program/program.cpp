@@ -83,15 +83,9 @@ void Program::connectRooms()
 {
     connect(&m_window, &MDIForm1::areaResized, this, [this] { layOut(); });
     connect(&m_window, &MDIForm1::childStateChanged, this, &Program::layOut);
-    connect(&m_storage, &MeasurementStore::monitorStopped, this,
-            [this] { controlCentre().scrie_stare_monitor(); });
     connect(&m_storage, &MeasurementStore::browserMustClose, this, &Program::closeBrowser);
     connect(&m_storage, &MeasurementStore::browserMayReopen, this, &Program::reopenBrowser);
     connect(&m_storage, &MeasurementStore::recordStored, this, &Program::sampleStored);
-    connect(&m_dialogs, &DialogCommands::titleChanged, this, [this] {
-        if (m_form1)
-            m_form1->scrie_titlu_diagrame();
-    });
     // Whatever became of the diagrams behind the dialog.
     connect(&m_dialogs, &DialogCommands::released, this,
             [this] { activare_meniuri_diagrame(m_station.diagramsOpen); });
@@ -130,7 +124,10 @@ void Program::openDiagrams()
     connect(m_form1, &Form1::fileMenuRequested, this, [this](const QPoint &position) {
         m_window.popUp(QStringLiteral("MeniuFisier"), position);
     });
-    connect(m_form1, &Form1::titleEditRequested, &m_dialogs, &DialogCommands::openTitle);
+    connect(m_form1, &Form1::titleEditRequested, this, [this](int diagram) {
+        connect(m_dialogs.openTitle(diagram), &QDialog::accepted, m_form1.data(),
+                &Form1::scrie_titlu_diagrame);
+    });
     connect(m_form1, &Form1::controlCentreRequested, this, &Program::showControlCentre);
     connect(m_form1, &Form1::menusEnabled, this, &Program::activare_meniuri_diagrame);
     m_form1->load(m_window.innerSize());

@@ -62,7 +62,6 @@ void MeasurementStore::adauga_inregistrare(const QString &nume)
     if (!isStorageFile(nume)) {
         m_operator.tell(texts::storage::storageFileMissing(), Operator::Icon::Critical);
         m_station.monitorActive = false;
-        emit monitorStopped();
         return;
     }
     int id = 0;

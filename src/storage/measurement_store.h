@@ -28,9 +28,9 @@ public:
                      const jet::OpenOptions &options = openOptions());
 
     /// Appends one record with the sensors' present values to table Tabel of storage file `nume`.
-    /// File missing: the operator is told, Station::monitorActive cleared, monitorStopped()
-    /// emitted. Id is the number of records + 1; where that is taken: repara_baza_date, and the
-    /// sample is lost. Any other failure: number and description are told and monitoring goes on.
+    /// File missing: the operator is told and Station::monitorActive cleared. Id is the number of
+    /// records + 1; where that is taken: repara_baza_date, and the sample is lost. Any other
+    /// failure: number and description are told and monitoring goes on.
     void adauga_inregistrare(const QString &nume) override;
 
     /// Rebuilds Tabel of storage file `nume` and says so. While another program has the file open
@@ -49,8 +49,6 @@ public:
     void arhiveaza_baza_date(const QString &nume) override;
 
 signals:
-    /// A missing storage file has ended monitoring.
-    void monitorStopped();
     /// A record with that Id is safely in the file.
     void recordStored(int id);
     /// The database browser holds the file open and has to close now, within this signal.
