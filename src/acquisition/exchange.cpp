@@ -6,8 +6,6 @@
 #include "platform/scheduler.h"
 #include "platform/serial_line.h"
 
-#include <QPointer>
-
 using std::chrono::milliseconds;
 
 static constexpr milliseconds kReplyLimit{2000};
@@ -110,10 +108,8 @@ void Exchange::giveUp()
     m_nextLook->stop();
     m_state = State::Telling;
     m_line.close();
-    const QPointer<Exchange> self(this);
     m_operator.tell(texts::acquisition::communicationError(), Operator::Icon::Critical);
-    if (self)
-        finish(true);
+    finish(true);
 }
 
 void Exchange::abandon()

@@ -6,7 +6,6 @@
 #include "app/settings/schedule.h"
 #include "platform/scheduler.h"
 
-#include <QPointer>
 #include <algorithm>
 
 using std::chrono::milliseconds;
@@ -90,10 +89,7 @@ void MonitoringCycle::pass()
     }
     m_phase = Phase::Passing;
     const QDateTime begin = m_clock.now();
-    const QPointer<MonitoringCycle> self(this);
     archiveAtEndOfDay();
-    if (!self)
-        return;
     if (!m_station.monitorActive) { // stopped from behind a message box of the archive
         end();
         return;
@@ -150,10 +146,7 @@ void MonitoringCycle::takeSample()
     completeSample(m_station, m_clock.now());
     if (m_station.diagramsOpen)
         m_diagrams.adauga_citiri(m_station.sensors);
-    const QPointer<MonitoringCycle> self(this);
     m_store.adauga_inregistrare(storageName());
-    if (!self)
-        return;
     if (!m_station.monitorActive) { // the storage file is missing, or stopped from behind a message
         end();
         return;
@@ -179,12 +172,10 @@ void MonitoringCycle::end()
 template <typename Step>
 void MonitoringCycle::endOnFailure(Step step)
 {
-    const QPointer<MonitoringCycle> self(this);
     try {
         step();
     } catch (...) {
-        if (self)
-            end();
+        end();
         throw;
     }
 }

@@ -10,7 +10,6 @@
 #include <QMdiSubWindow>
 #include <QMenu>
 #include <QMenuBar>
-#include <QPointer>
 #include <QShortcut>
 
 namespace
@@ -121,7 +120,6 @@ void MDIForm1::followArea()
 
 void MDIForm1::bringUp(QWidget *child)
 {
-    const QPointer<QWidget> stillThere(child); // activation runs the window's own handlers
     QWidget *frame = child->parentWidget();
     child->show();
     if (frame->isMinimized())
@@ -129,8 +127,6 @@ void MDIForm1::bringUp(QWidget *child)
     else
         frame->show();
     m_area->setActiveSubWindow(qobject_cast<QMdiSubWindow *>(frame));
-    if (!stillThere)
-        return;
     child->setFocus();
     keepInSight(*child);
 }

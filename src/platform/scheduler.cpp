@@ -1,6 +1,5 @@
 #include "platform/scheduler.h"
 
-#include <QPointer>
 #include <QTimer>
 
 namespace
@@ -10,27 +9,21 @@ class EventLoopTimer final : public Timer
 {
 public:
     EventLoopTimer(QObject &parent, const QString &name, std::function<void()> tick)
-        : m_timer(new QTimer(&parent))
+        : m_timer(&parent)
     {
-        m_timer->setObjectName(name);
-        m_timer->setSingleShot(true);
+        m_timer.setObjectName(name);
+        m_timer.setSingleShot(true);
         // The default timer may be 5 % late or early: 100 ms of the reply limit.
-        m_timer->setTimerType(Qt::PreciseTimer);
-        QObject::connect(m_timer, &QTimer::timeout, m_timer, std::move(tick));
+        m_timer.setTimerType(Qt::PreciseTimer);
+        QObject::connect(&m_timer, &QTimer::timeout, &m_timer, std::move(tick));
     }
-    ~EventLoopTimer() override { delete m_timer; }
-    Q_DISABLE_COPY_MOVE(EventLoopTimer)
 
-    void start(std::chrono::milliseconds after) override { m_timer->start(after); }
-    void stop() override
-    {
-        if (m_timer)
-            m_timer->stop();
-    }
-    bool isActive() const override { return m_timer && m_timer->isActive(); }
+    void start(std::chrono::milliseconds after) override { m_timer.start(after); }
+    void stop() override { m_timer.stop(); }
+    bool isActive() const override { return m_timer.isActive(); }
 
 private:
-    QPointer<QTimer> m_timer;
+    QTimer m_timer;
 };
 
 } // namespace

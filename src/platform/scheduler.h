@@ -7,7 +7,7 @@
 
 class QObject;
 
-/// A one-shot timer. Destroying or stopping it forgets the tick.
+/// A one-shot timer. Destroying or stopping it cancels the tick.
 class Timer
 {
 public:

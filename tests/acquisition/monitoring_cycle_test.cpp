@@ -174,14 +174,3 @@ TEST_F(CicluMonitorizare, WhatEndsMonitoringIsShown)
     EXPECT_THROW(cycle->start(), RuntimeError);
     EXPECT_FALSE(shownActive);
 }
-
-TEST_F(CicluMonitorizare, MayBeDestroyedBehindAMessageBoxAndWhileTheExchangeWaits)
-{
-    whenStored = [this] { cycle.reset(); };
-    cycle->start();
-    EXPECT_EQ(samplesIn(milliseconds(250)), 1u);
-    cycle = std::make_unique<MonitoringCycle>(station, *exchange, *this, *this, time, time);
-    cycle->start();
-    cycle.reset();
-    EXPECT_EQ(samplesIn(milliseconds(250)), 0u);
-}
