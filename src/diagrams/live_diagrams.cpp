@@ -33,15 +33,6 @@ quint8 toUInt8(std::size_t number)
     return static_cast<quint8>(number);
 }
 
-/// Exchange sort by name, whatever the letter case.
-void sortare(std::vector<Diagrama> &diagrams)
-{
-    for (std::size_t i = 0; i < diagrams.size(); ++i)
-        for (std::size_t j = i + 1; j < diagrams.size(); ++j)
-            if (diagrams[i].name.compare(diagrams[j].name, Qt::CaseInsensitive) > 0)
-                std::swap(diagrams[i], diagrams[j]);
-}
-
 /// The entry of `table` that `isSame` accepts, or an empty one.
 template <typename Entry, typename Predicate>
 Entry previousEntry(const std::vector<Entry> &table, Predicate isSame)
@@ -126,7 +117,9 @@ std::vector<Diagrama> LiveDiagrams::cauta_diagrame() const
         record.timeStamps.assign(static_cast<std::size_t>(chart->rowCount()) + 1, zeroDateTime());
         diagrams.push_back(std::move(record));
     }
-    sortare(diagrams);
+    std::stable_sort(diagrams.begin(), diagrams.end(), [](const Diagrama &a, const Diagrama &b) {
+        return a.name.compare(b.name, Qt::CaseInsensitive) < 0;
+    });
     return diagrams;
 }
 
