@@ -87,13 +87,6 @@ void Form2::scrie_stare_monitor()
                                : texts::acquisition::monitorStopped());
 }
 
-bool Form2::event(QEvent *event)
-{
-    if (event->type() == QEvent::WindowActivate)
-        scrie_stare_monitor();
-    return QWidget::event(event);
-}
-
 void Form2::showEvent(QShowEvent *event)
 {
     QWidget::showEvent(event);

@@ -26,7 +26,6 @@ public:
     void scrie_stare_monitor();
 
 protected:
-    bool event(QEvent *event) override;
     void showEvent(QShowEvent *event) override;
     void closeEvent(QCloseEvent *event) override;
 

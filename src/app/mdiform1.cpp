@@ -3,7 +3,6 @@
 #include "platform/window_frame.h"
 
 #include <QAction>
-#include <QApplication>
 #include <QCloseEvent>
 #include <QFontInfo>
 #include <QMdiArea>
@@ -27,12 +26,9 @@ MDIForm1::MDIForm1(std::function<bool()> mayClose)
                    QStringLiteral(STATION_VERSION));
     setCentralWidget(m_area);
     m_area->viewport()->installEventFilter(this);
-    // The area tells the frame; what happens on activation belongs to the window in it.
-    connect(m_area, &QMdiArea::subWindowActivated, this, [](QMdiSubWindow *frame) {
-        if (!frame || !frame->widget())
-            return;
-        QEvent activation(QEvent::WindowActivate);
-        QApplication::sendEvent(frame->widget(), &activation);
+    connect(m_area, &QMdiArea::subWindowActivated, this, [this](const QMdiSubWindow *frame) {
+        if (frame && frame->widget())
+            emit childActivated(frame->widget());
     });
     // The top items have no access keys: without F10 no key would lead to them on every system.
     connect(new QShortcut(Qt::Key_F10, this), &QShortcut::activated, this, &MDIForm1::openMenuBar);

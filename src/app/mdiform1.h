@@ -43,6 +43,8 @@ signals:
     /// The area has another size. What is connected lays its windows out first; then all of them
     /// are fitted into the area.
     void areaResized();
+    /// A child window has come to the front.
+    void childActivated(QWidget *child);
     /// A child window was minimised, maximised or restored and has its new size.
     void childStateChanged(QWidget *child);
 

@@ -83,6 +83,12 @@ void Program::connectRooms()
 {
     connect(&m_window, &MDIForm1::areaResized, this, [this] { layOut(); });
     connect(&m_window, &MDIForm1::childStateChanged, this, &Program::layOut);
+    connect(&m_window, &MDIForm1::childActivated, this, [this](const QWidget *child) {
+        if (child == m_form2.data())
+            m_form2->scrie_stare_monitor();
+        else if (child == m_formMdb.data())
+            m_formMdb->onActivated();
+    });
     connect(&m_storage, &MeasurementStore::browserMustClose, this, &Program::closeBrowser);
     connect(&m_storage, &MeasurementStore::browserMayReopen, this, &Program::reopenBrowser);
     connect(&m_storage, &MeasurementStore::recordStored, this, &Program::sampleStored);

@@ -12,6 +12,7 @@
 #include <QPushButton>
 #include <QShortcut>
 #include <QTableView>
+#include <utility>
 
 namespace
 {
@@ -105,13 +106,10 @@ void FormMdb::copySelection() const
     QApplication::clipboard()->setText(text);
 }
 
-bool FormMdb::event(QEvent *event)
+void FormMdb::onActivated()
 {
-    if (event->type() == QEvent::WindowActivate && m_firstData) {
-        m_firstData = false;
+    if (std::exchange(m_firstData, false))
         sortare();
-    }
-    return QWidget::event(event);
 }
 
 void FormMdb::resizeEvent(QResizeEvent *event)

@@ -25,6 +25,9 @@ public:
     /// The size in which it opens.
     QSize sizeHint() const override;
 
+    /// The window has come to the front: the first time it loads the grid.
+    void onActivated();
+
     /// Loads the grid anew. A failure leaves the grid empty and is told, with number and
     /// description, from the event loop: the window may be gone before the operator has answered.
     void sortare();
@@ -36,7 +39,6 @@ signals:
     void closed(); ///< unloaded, the file let go; destruction follows
 
 protected:
-    bool event(QEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
     void keyReleaseEvent(QKeyEvent *event) override;
     void closeEvent(QCloseEvent *event) override;
