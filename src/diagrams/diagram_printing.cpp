@@ -66,7 +66,7 @@ void printPage(const DiagramPrinting &with, PrintJob &job)
     const double height = page.height / 3;
     double top = 0;
     for (const Diagrama &record : with.station.Diagrame) {
-        job.drawPicture(pictureForPaper(with, record), 0, top, {page.width, height});
+        job.drawPicture(pictureForPaper(with, record), top, {page.width, height});
         top = job.printLine(lineBelow(with, record), top + height + kGapBelowPicture);
         top += kGapBelowDiagram;
     }

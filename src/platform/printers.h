@@ -22,8 +22,8 @@ public:
     virtual void begin() = 0;
     /// Size of the printable area.
     virtual PageSize page() const = 0;
-    /// Draws a picture scaled into a rectangle.
-    virtual void drawPicture(const QImage &picture, double left, double top, PageSize size) = 0;
+    /// Draws a picture at the left edge, scaled to that size.
+    virtual void drawPicture(const QImage &picture, double top, PageSize size) = 0;
     /// Prints one line of text at the left edge; returns the position below it.
     virtual double printLine(const QString &text, double top) = 0;
     /// Sends the document to the printer.

@@ -52,9 +52,9 @@ public:
         return {area.width() * kTwipsPerPoint, area.height() * kTwipsPerPoint};
     }
 
-    void drawPicture(const QImage &picture, double left, double top, PageSize size) override
+    void drawPicture(const QImage &picture, double top, PageSize size) override
     {
-        m_painter.drawImage(QRectF(left, top, size.width, size.height), picture);
+        m_painter.drawImage(QRectF(0, top, size.width, size.height), picture);
         check(true);
     }
 

@@ -13,8 +13,6 @@ static const char *standardDescription(RuntimeError::Number number)
         return "Type mismatch";
     case RuntimeError::FileNotFound:
         return "File not found";
-    case RuntimeError::DeviceInputOutput:
-        return "Device I/O error";
     case RuntimeError::DiskFull:
         return "Disk full";
     case RuntimeError::PathFileAccess:

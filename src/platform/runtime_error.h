@@ -15,7 +15,6 @@ public:
         SubscriptOutOfRange = 9,
         TypeMismatch = 13,
         FileNotFound = 53,
-        DeviceInputOutput = 57,
         DiskFull = 61,
         PathFileAccess = 75,
         PathNotFound = 76,
