@@ -3,7 +3,7 @@
 #include "chart/chart_grid.h"
 #include "diagrams/texts.h"
 #include "platform/clock.h"
-#include "platform/date_text.h"
+#include "platform/locale_date_text.h"
 #include "platform/operator.h"
 #include "platform/printers.h"
 #include "storage/failure.h"

@@ -1,5 +1,5 @@
 #include "diagrams/history_date.h"
-#include "platform/date_text.h"
+#include "platform/locale_date_text.h"
 
 #include <QRegularExpression>
 #include <algorithm>

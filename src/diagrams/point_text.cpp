@@ -1,6 +1,6 @@
 #include "diagrams/point_text.h"
 #include "chart/chart_grid.h"
-#include "platform/date_text.h"
+#include "platform/locale_date_text.h"
 #include "platform/numeric_text.h"
 
 QString pointText(ChartGrid &chart, int series, int point, const QDateTime &moment,

@@ -1,7 +1,7 @@
 #include "storage/recordset_model.h"
 #include "app/settings/station.h"
 #include "jet/value_conversion.h"
-#include "platform/date_text.h"
+#include "platform/locale_date_text.h"
 #include "platform/numeric_text.h"
 #include "storage/failure.h"
 #include "storage/measurement_store.h"

@@ -1,7 +1,7 @@
 #include "platform/clock.h"
-#include "platform/date_text.h"
 #include "platform/durable_file.h"
 #include "platform/line_settings.h"
+#include "platform/locale_date_text.h"
 #include "platform/numeric_text.h"
 #include "platform/runtime_error.h"
 

@@ -1,4 +1,4 @@
-#include "platform/date_text.h"
+#include "platform/locale_date_text.h"
 #include "platform/clock.h"
 
 QString dateText(QDate date, const QLocale &locale)
