@@ -73,7 +73,7 @@ void Form2::StopMonCommand_Click()
 
 void Form2::InitDiagCommand_Click()
 {
-    m_cycle.restartDiagrams();
+    m_cycle.stopAndClearDiagrams();
 }
 
 void Form2::scrie_stare_monitor()

@@ -67,7 +67,7 @@ void MonitoringCycle::stop()
     emit stateChanged();
 }
 
-void MonitoringCycle::restartDiagrams()
+void MonitoringCycle::stopAndClearDiagrams()
 {
     stop();
     m_diagrams.showAtOrigin();

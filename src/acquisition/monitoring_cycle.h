@@ -38,8 +38,8 @@ public:
     /// No further exchange begins. One under way ends unread.
     void stop();
 
-    /// Stops, and brings the diagrams' window up empty.
-    void restartDiagrams();
+    /// Stops, clears the diagrams and brings their window up.
+    void stopAndClearDiagrams();
 
 signals:
     /// Station::monitorActive may have changed.

@@ -37,7 +37,7 @@ void DialogCommands::openLocked(QDialog *dialog)
     m_locked = dialog;
 }
 
-bool DialogCommands::lockToo(QWidget &window)
+bool DialogCommands::disableBehindLockedDialog(QWidget &window)
 {
     if (m_locked)
         m_lock.disable(*frameOf(window));

@@ -32,7 +32,7 @@ public:
     void openHistoryLimits();
     /// A window that opens behind a locked dialog is disabled like the others; false when no dialog
     /// is locked.
-    bool lockToo(QWidget &window);
+    bool disableBehindLockedDialog(QWidget &window);
     /// Closes a window, behind a locked dialog too.
     void closeLocked(QWidget &window);
 

@@ -210,7 +210,7 @@ void Program::closeBrowser()
 void Program::reopenBrowser()
 {
     showBrowser();
-    if (!m_dialogs.lockToo(*m_formMdb) && m_station.diagramsOpen)
+    if (!m_dialogs.disableBehindLockedDialog(*m_formMdb) && m_station.diagramsOpen)
         m_window.activate(m_form1);
 }
 

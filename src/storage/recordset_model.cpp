@@ -38,7 +38,7 @@ QString dateTimeOfValue(jet::DateTime value, const jet::Text &column, const QLoc
     return dateTimeText(moment, locale);
 }
 
-bool isNumber(jet::ColumnType type)
+bool isAlignedRight(jet::ColumnType type)
 {
     return type != jet::ColumnType::Text && type != jet::ColumnType::Memo &&
            type != jet::ColumnType::Binary && type != jet::ColumnType::Ole &&
@@ -191,7 +191,7 @@ QVariant RecordsetModel::data(const QModelIndex &index, int role) const
             return text((*row)[column], column);
         return {};
     case Qt::TextAlignmentRole:
-        return QVariant::fromValue(isNumber(m_recordset->design.columns[column].type)
+        return QVariant::fromValue(isAlignedRight(m_recordset->design.columns[column].type)
                                        ? Qt::AlignRight | Qt::AlignVCenter
                                        : Qt::AlignHCenter | Qt::AlignVCenter);
     case Qt::BackgroundRole:

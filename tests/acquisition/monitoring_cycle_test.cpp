@@ -39,7 +39,7 @@ TEST_F(CicluMonitorizare, OneSampleTakesItsStepsInOrder)
     EXPECT_EQ(station.sensors[1].readingTime, time.now());
     station.diagramsOpen = false;
     time.advance(milliseconds(1250));
-    cycle->restartDiagrams();
+    cycle->stopAndClearDiagrams();
     EXPECT_EQ(log.mid(2), (QStringList{"autoclava1.mdb", "show", "clear"}));
     EXPECT_FALSE(shownActive);
 }
