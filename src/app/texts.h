@@ -9,9 +9,4 @@ inline QString applicationTitle()
 {
     return QStringLiteral("Monitorizare PLC");
 }
-inline QString askArchiveNow()
-{
-    return QStringLiteral("Doriti sa salvati arhivele acum? (recomandat doar daca nu veti mai "
-                          "reporni programul astazi)");
-}
 } // namespace texts::app

@@ -42,10 +42,11 @@ QLabel *titleLabel(const QString &text)
 QString libraryList()
 {
     const QStringList libraries{
-        texts::app::library(QStringLiteral("Qt"), QString::fromLatin1(qVersion()),
-                            QStringLiteral("GNU LGPL v3, © The Qt Company Ltd.")),
-        texts::app::library(QStringLiteral("QCustomPlot"), QStringLiteral(QCUSTOMPLOT_VERSION_STR),
-                            QStringLiteral("GNU GPL v3, © Emanuel Eichhammer")),
+        texts::program::library(QStringLiteral("Qt"), QString::fromLatin1(qVersion()),
+                                QStringLiteral("GNU LGPL v3, © The Qt Company Ltd.")),
+        texts::program::library(QStringLiteral("QCustomPlot"),
+                                QStringLiteral(QCUSTOMPLOT_VERSION_STR),
+                                QStringLiteral("GNU GPL v3, © Emanuel Eichhammer")),
     };
     return libraries.join(QLatin1Char('\n'));
 }
@@ -55,12 +56,13 @@ QString systemFacts(const QScreen &screen)
     const QSize pixels = screen.size() * screen.devicePixelRatio();
     const QLocale locale = QLocale::system();
     const QStringList facts{
-        texts::app::operatingSystem(QSysInfo::prettyProductName()),
-        texts::app::kernel(QSysInfo::kernelType(), QSysInfo::kernelVersion(),
-                           QSysInfo::currentCpuArchitecture()),
-        texts::app::memory(locale.formattedDataSize(physicalMemory(), 1)),
-        texts::app::screen(pixels.width(), pixels.height(), qRound(screen.logicalDotsPerInch())),
-        texts::app::language(locale.name()),
+        texts::program::operatingSystem(QSysInfo::prettyProductName()),
+        texts::program::kernel(QSysInfo::kernelType(), QSysInfo::kernelVersion(),
+                               QSysInfo::currentCpuArchitecture()),
+        texts::program::memory(locale.formattedDataSize(physicalMemory(), 1)),
+        texts::program::screen(pixels.width(), pixels.height(),
+                               qRound(screen.logicalDotsPerInch())),
+        texts::program::language(locale.name()),
     };
     return facts.join(QLatin1Char('\n'));
 }
@@ -73,24 +75,25 @@ AboutBox::AboutBox(const QString &title, const QString &version, const QString &
 {
     setObjectName(QStringLiteral("frmAbout"));
     setAttribute(Qt::WA_DeleteOnClose);
-    setWindowTitle(texts::app::aboutCaption(title));
+    setWindowTitle(texts::program::aboutCaption(title));
 
-    auto *libraries = new QGroupBox(texts::app::librariesUsed());
+    auto *libraries = new QGroupBox(texts::program::librariesUsed());
     auto *list = new QVBoxLayout(libraries);
     list->addWidget(textLabel(QStringLiteral("lblLibraries"), libraryList()));
-    list->addWidget(textLabel(QStringLiteral("lblLicence"), texts::app::ownLicence()));
+    list->addWidget(textLabel(QStringLiteral("lblLicence"), texts::program::ownLicence()));
 
     auto *buttons = new QDialogButtonBox(QDialogButtonBox::Ok);
     QPushButton *system =
-        buttons->addButton(texts::app::systemInformation(), QDialogButtonBox::ActionRole);
+        buttons->addButton(texts::program::systemInformation(), QDialogButtonBox::ActionRole);
     system->setObjectName(QStringLiteral("cmdSysInfo"));
     connect(system, &QPushButton::clicked, this, [=, this] { cmdSysInfo_Click(systemTool); });
     connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
 
     auto *column = new QVBoxLayout(this);
     column->addWidget(titleLabel(title));
-    column->addWidget(textLabel(QStringLiteral("lblVersion"), texts::app::version(version)));
-    column->addWidget(textLabel(QStringLiteral("lblDescription"), texts::app::aboutDescription()));
+    column->addWidget(textLabel(QStringLiteral("lblVersion"), texts::program::version(version)));
+    column->addWidget(
+        textLabel(QStringLiteral("lblDescription"), texts::program::aboutDescription()));
     column->addWidget(libraries);
     column->addWidget(buttons);
     column->setSizeConstraint(QLayout::SetFixedSize);

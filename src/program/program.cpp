@@ -15,6 +15,7 @@
 #include "platform/system_serial_line.h"
 #include "platform/twips.h"
 #include "program/about_box.h"
+#include "program/texts.h"
 #include "storage/form_mdb.h"
 
 #include <QMdiSubWindow>
@@ -301,7 +302,7 @@ void Program::layOut(const QWidget *only)
 
 bool Program::closingDialogue()
 {
-    switch (m_environment.op.ask(texts::app::askArchiveNow())) {
+    switch (m_environment.op.ask(texts::program::askArchiveNow())) {
     case Operator::Answer::Cancel:
         return false;
     case Operator::Answer::Yes:

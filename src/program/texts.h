@@ -2,8 +2,15 @@
 
 #include <QString>
 
-namespace texts::app
+namespace texts::program
 {
+inline QString askArchiveNow()
+{
+    return QStringLiteral("Doriti sa salvati arhivele acum? (recomandat doar daca nu veti mai "
+                          "reporni programul astazi)");
+}
+
+// About
 inline QString aboutCaption(const QString &title)
 {
     return QStringLiteral("Despre ") + title;
@@ -56,4 +63,4 @@ inline QString language(const QString &locale)
 {
     return QStringLiteral("Limba si formate: ") + locale;
 }
-} // namespace texts::app
+} // namespace texts::program
