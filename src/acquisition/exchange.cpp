@@ -91,7 +91,8 @@ void Exchange::takeReply()
 void Exchange::drain()
 {
     if (m_line.bytesAvailable() > 0) {
-        // Bytes that nobody takes would wait for ever; what comes behind the reply is not read.
+        // Bytes left in the buffer would keep the line draining for ever; what follows the reply is
+        // not read.
         m_line.discardInput();
         m_nextLook->start(kAfterPendingEvents);
         return;

@@ -30,7 +30,7 @@ public:
     /// then under way.
     void interogare_aparat(const QString &sensorCount);
 
-    /// Ends an exchange under way without a word: no message, no signal, the line closed.
+    /// Cancels an exchange under way: the line is closed, no message, no signal.
     void abandon();
 
 signals:

@@ -14,7 +14,7 @@ class FormCalibrare : public QDialog
 {
     Q_OBJECT
 public:
-    /// The window stands in the middle of a screen of that size, in twips. All must outlive it.
+    /// The window is centred on a screen of that size, in twips. All must outlive it.
     FormCalibrare(Station &station, Settings &settings, Operator &op, QSize screenTwips,
                   QWidget *parent = nullptr);
 

@@ -14,7 +14,7 @@ class FormEroare : public QWidget
 {
     Q_OBJECT
 public:
-    /// The window stands in the middle of a screen of that size, in twips. Throws RuntimeError 53
+    /// The window is centred on a screen of that size, in twips. Throws RuntimeError 53
     /// when the station's warning icon is missing, 481 when it is not a picture.
     FormEroare(const Station &station, QSize screenTwips, QWidget *parent = nullptr);
 

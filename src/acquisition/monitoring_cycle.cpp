@@ -52,7 +52,7 @@ void MonitoringCycle::start()
     m_station.monitorActive = true;
     m_archivedDay = {};
     emit stateChanged();
-    // A pass or an exchange under way goes on by itself, with the new schedule.
+    // A pass or an exchange under way continues with the new schedule.
     if (m_phase == Phase::Stopped || m_phase == Phase::Sleeping)
         ciclu_monitorizare();
 }
@@ -109,7 +109,7 @@ void MonitoringCycle::archiveAtEndOfDay()
     const QDateTime now = m_clock.now();
     if (now.time() >= kRearmTime)
         m_archivedDay = {};
-    // The day, not a mere flag: whoever misses the second that rearms must not miss the next day.
+    // The day, not a flag: a run that misses the second of the reset still archives the next day.
     if (!isSecond(now, kArchiveTime) || m_archivedDay == now.date())
         return;
     m_archivedDay = now.date();

@@ -15,10 +15,10 @@ struct Station;
 /// The monitoring cycle: decides when the recorder is read, completes each sample, draws and stores
 /// it, and starts the archive at 23:59:50.
 ///
-/// One pass looks at the clock and does what its moment asks for; between passes the process
-/// sleeps until the next moment that can matter, at most a second at a time, so that a clock that
-/// was set is noticed. Start and stop may come at any moment, also from behind a message box of the
-/// pass under way; there is never more than one pass, nor more than one exchange on the line.
+/// A pass reads the clock and does what is due. Between passes the process sleeps until the next
+/// moment that can matter, at most a second at a time, so that a clock that was set is noticed.
+/// Start and stop may come at any moment, also from behind a message box of the pass under way;
+/// there is never more than one pass, nor more than one exchange on the line.
 ///
 /// An exception that leaves start() or a timer's tick has ended monitoring.
 class MonitoringCycle : public QObject
@@ -31,7 +31,7 @@ public:
     ~MonitoringCycle() override;
 
     /// Monitoring begins and the next sampling moment is now; while it runs already the schedule
-    /// begins anew. An exchange under way goes on and gives that first sample. Throws RuntimeError
+    /// restarts. An exchange under way goes on and gives that first sample. Throws RuntimeError
     /// when the line cannot be opened or the sampling interval has no unit.
     void start();
 

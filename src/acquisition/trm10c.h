@@ -6,12 +6,12 @@
 #include <QByteArrayList>
 #include <array>
 
-/// What is said on the line to a TOHO TRM-10C recorder, as bytes.
+/// The messages exchanged with a TOHO TRM-10C recorder, as bytes.
 ///
 /// One reading: the four read commands, each in a write of its own, then one reply of 186 bytes,
 /// then the closing command. The reply, offsets from its start:
 ///   0 22 characters, not read | 22 six slots of 27 characters | 184 CR LF
-/// A slot ends with the channel's value in 10 characters; what stands before it is not read.
+/// A slot ends with the channel's value in 10 characters; the rest of it is not read.
 namespace trm10c
 {
 inline constexpr qsizetype kReplySize = 186;

@@ -28,7 +28,7 @@ protected:
     virtual void cmdRestDef_Click() = 0;
     virtual void cmdOK_Click() = 0;
     virtual void cmdApply_Click() = 0;
-    /// Gives the focus to the box where an entry is corrected first.
+    /// Sets the focus to the box where an entry is corrected first.
     virtual void focusFirstBox() = 0;
 
     void changeEvent(QEvent *event) override;

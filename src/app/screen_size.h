@@ -2,7 +2,7 @@
 
 #include <QSize>
 
-/// The screen as window layout reckons it, in twips, each at most 32767.
+/// The screen size that windows are laid out for, in twips, each at most 32767.
 struct ScreenSize {
     qint16 InaltimeEcran = 0; ///< height
     qint16 LatimeEcran = 0;   ///< width

@@ -63,7 +63,7 @@ void WindowLock::activeaza_ferestre(const QWidget &dialog, bool enable)
         for (QMdiSubWindow *frame : area->subWindowList())
             if (frame->widget() != &dialog)
                 set(*frame);
-    // A window that is not open, like the error window between two errors, is nobody's to disable.
+    // A closed window stays enabled, like the error window between two errors.
     for (QWidget *window : QApplication::topLevelWidgets())
         if (window != &m_window && window != &dialog && window->windowType() != Qt::Popup &&
             (enable || window->isVisible()))

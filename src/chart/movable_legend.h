@@ -9,7 +9,7 @@ class QCustomPlot;
 class QMouseEvent;
 
 /// The legend of a plot: at the right of the plot area, from where the operator can drag it over
-/// the plot. While it is dragged the plot area stands still.
+/// the plot. While it is dragged the plot area does not move.
 class MovableLegend : public QObject
 {
     Q_OBJECT

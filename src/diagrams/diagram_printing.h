@@ -15,7 +15,7 @@ struct DiagramPrinting {
 };
 
 /// Prints all diagrams on one page, each with a line of its name, date and time below, on the
-/// printer that the operator chooses. No printer, or a failure: the operator is told. A cancelled
+/// printer that the operator chooses. No printer, or a failure, is reported. A cancelled
 /// dialog prints nothing. The default printer is afterwards what it was, and the charts' backdrops
 /// are transparent.
 void printDiagrams(const DiagramPrinting &with);

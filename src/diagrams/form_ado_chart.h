@@ -38,7 +38,7 @@ public:
     /// last generation. A minimised window is laid out when it is restored.
     void followMainWindow(QSize mainInner);
 
-    /// Gives the charts these widths, in twips, and lays out everything.
+    /// Sets the charts to these widths, in twips, and lays out everything.
     void aranjare_totala_formado(double latime1, double latime2);
 
 public slots:
@@ -53,7 +53,7 @@ protected:
     void closeEvent(QCloseEvent *event) override;
 
 private:
-    /// One chart: inner frame in its viewport, scroll bar below, title above. The key stands for
+    /// One chart: inner frame in its viewport, scroll bar below, title above. The key replaces
     /// the legend of a chart that is wider than the window: the legend itself is then out of sight.
     struct Panel {
         QLabel *title;

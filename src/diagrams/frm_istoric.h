@@ -11,7 +11,7 @@ class FrmIstoric : public DefaultsDialog
 {
     Q_OBJECT
 public:
-    /// The dialog stands in the middle of a screen of that size, in twips, and shows the present
+    /// The dialog is centred on a screen of that size, in twips, and shows the present
     /// limits. Station and settings must outlive it.
     FrmIstoric(Station &station, Settings &settings, QSize screenTwips, QWidget *parent = nullptr);
 

@@ -9,7 +9,7 @@ struct Station;
 /// the settings file. Failures of the settings file leave as Settings says.
 
 /// Reads the limits from the settings file and applies them to the charts. A key that the file
-/// lacks: the operator is told, and its limit and those behind it stay as they were.
+/// lacks is reported to the operator; its limit and those after it stay as they were.
 void readHistoryLimits(Station &station, const Settings &settings);
 
 /// What the boxes of the history limits dialog hold.
@@ -30,7 +30,7 @@ public:
     HistoryLimitBoxes boxes() const;
 
     /// Checks tab "Istoric Diagrame": four numbers are stored and applied, the boxes hold what was
-    /// understood, and it returns true. Otherwise the operator is told and nothing changes.
+    /// understood, and it returns true. Otherwise the reason is reported and nothing changes.
     bool valideaza_tab(HistoryLimitBoxes &boxes);
 
     void save() const;

@@ -47,7 +47,7 @@ public:
     /// chart has more sensor series than a diagram has names, and what Settings throws.
     void loadTables();
 
-    /// Second half: every diagram's settings, its chart drawn anew with them, and the first
+    /// Second half: every diagram's settings, its chart redrawn with them, and the first
     /// sampling moment counted from now. Throws what Settings and the schedule throw.
     void loadSettings();
 

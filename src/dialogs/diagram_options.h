@@ -36,7 +36,7 @@ public:
     void afiseaza_tab(OptionTab tab, OptionBoxes &boxes) const;
 
     /// Checks one tab's boxes; valid texts are stored and applied, and it returns true. Otherwise
-    /// the operator is told and nothing changes. The boxes then hold what was understood: a
+    /// the reason is reported and nothing changes. The boxes then hold what was understood: a
     /// point for a comma, 1 for an interval of 0. Throws RuntimeError 6 for an interval beyond 16
     /// bits.
     bool valideaza_tab(OptionTab tab, OptionBoxes &boxes);
@@ -53,7 +53,7 @@ public:
     void saveDefaults(OptionTab tab, OptionBoxes &boxes);
 
     /// Reads one tab from the settings file into memory, applies it and fills its boxes. A key that
-    /// the file lacks: the operator is told and nothing changes. Throws RuntimeError 13 for an
+    /// the file lacks is reported and nothing changes. Throws RuntimeError 13 for an
     /// interval or unit that is not a number, 6 for one beyond 16 bits.
     void restoreDefaults(OptionTab tab, OptionBoxes &boxes);
 

@@ -14,8 +14,8 @@ class frmOptDiag : public DefaultsDialog
 {
     Q_OBJECT
 public:
-    /// `diagram`: index into the diagram table, 0 or 1. The dialog stands in the middle of a screen
-    /// of that size, in twips; all tabs are filled from memory. Station, settings and clock must
+    /// `diagram`: index into the diagram table, 0 or 1. The dialog is centred on a screen of that
+    /// size, in twips; all tabs are filled from memory. Station, settings and clock must
     /// outlive it.
     frmOptDiag(int diagram, Station &station, Settings &settings, const Clock &clock,
                QSize screenTwips, QWidget *parent = nullptr);

@@ -7,9 +7,9 @@ struct Station;
 
 /// Renaming of sensors and diagrams. Both write the settings file first, so a file that cannot be
 /// written (RuntimeError as Settings says) leaves names and title as they were. A key that the file
-/// lacks is told to the operator; the change then lasts until the program ends.
+/// lacks is reported to the operator; the change then lasts until the program ends.
 
-/// Gives a diagram's sensors new names, as many as it has: in the settings file, then in one step
+/// Renames a diagram's sensors, as many as it has: in the settings file, then in one step
 /// in the chart's legend, the diagram record and the sensor table, so that readings keep reaching
 /// their series. Any text is a name. The second diagram's sensors are entries 3 to 5 of the sensor
 /// table. Throws RuntimeError 9 when there is no such diagram or sensor entry; nothing has changed
@@ -17,6 +17,6 @@ struct Station;
 void renameSensors(Station &station, const Settings &settings, std::size_t diagram,
                    const QStringList &names);
 
-/// Gives a diagram a new title. Throws RuntimeError 9 when there is no such diagram.
+/// Changes a diagram's title. Throws RuntimeError 9 when there is no such diagram.
 void retitleDiagram(Station &station, const Settings &settings, std::size_t diagram,
                     const QString &title);

@@ -3,7 +3,7 @@
 #include <QString>
 
 /// Which port and how it is set. The defaults are those of a serial control whose properties
-/// nobody touched: first serial port, 9600 baud, no parity, 8 data bits, 1 stop bit, no handshake.
+/// untouched: first serial port, 9600 baud, no parity, 8 data bits, 1 stop bit, no handshake.
 struct LineSettings {
     enum class Parity { None, Even, Odd, Mark, Space };
     enum class StopBits { One, OneAndHalf, Two };

@@ -113,7 +113,7 @@ qint16 int16FromText(QStringView text)
 
 QString fileNumberText(double number)
 {
-    if (number == 0) // also the negative zero, which nobody wants to read
+    if (number == 0) // also the negative zero, which is shown without its sign
         return QStringLiteral("0");
     return QString::number(number, 'G', 15);
 }

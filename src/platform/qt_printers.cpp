@@ -145,7 +145,7 @@ QString QtPrinters::defaultDevice() const
 void QtPrinters::setDefaultDevice(const QString &device)
 {
     if (device.isEmpty() || device == defaultDevice())
-        return; // nothing to put back: every program that listens would look at its printers anew
+        return; // nothing to restore: every program that listens would reload its printers
     constexpr UINT kPatience = 1000; // ms; a window that hangs must not hang this program too
     WriteProfileStringW(L"windows", L"device", reinterpret_cast<const wchar_t *>(device.utf16()));
     SendMessageTimeoutW(HWND_BROADCAST, WM_SETTINGCHANGE, 0, reinterpret_cast<LPARAM>(L"windows"),

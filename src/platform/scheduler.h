@@ -12,7 +12,7 @@ class Timer
 {
 public:
     virtual ~Timer() = default;
-    /// Ticks once after the given time; starting a running timer begins its time anew.
+    /// Ticks once after the given time; starting a running timer restarts it.
     virtual void start(std::chrono::milliseconds after) = 0;
     virtual void stop() = 0;
     virtual bool isActive() const = 0;

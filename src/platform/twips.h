@@ -2,7 +2,7 @@
 
 #include <cmath>
 
-/// Window and control sizes are reckoned in twips, 1/1440 inch; a screen pixel is 15 of them
+/// Window and control sizes are given in twips, 1/1440 inch; a screen pixel is 15 of them
 /// (96 dots per inch).
 constexpr int kTwipsPerPixel = 15;
 

@@ -25,7 +25,7 @@ int titleBarButtonsWidth(const QWidget &form)
     return titleBarHeight(form) * kButtons;
 }
 
-/// What the frame stands in; null for a window of its own, which the window system looks after.
+/// The area that holds the frame; null for a top-level window, which the window system manages.
 const QWidget *areaAround(const QWidget &frame)
 {
     return frame.isWindow() ? nullptr : frame.parentWidget();

@@ -7,7 +7,7 @@ class QWidget;
 /// Forms stand in sub windows of the main window; what moves, closes or is disabled is the sub
 /// window, not the form inside.
 
-/// The sub window that holds the form, or the form's own window when it stands alone.
+/// The sub window that holds the form, or the form's own window when it has none.
 QWidget *frameOf(QWidget &form);
 
 /// Where a form's frame stood, kept while the form itself comes and goes; twips from the upper left
@@ -18,7 +18,7 @@ struct WindowPosition {
 
     /// A maximised or minimised frame leaves the position as it was.
     void save(QWidget &form);
-    /// The frame stands there again, kept in sight.
+    /// Moves the frame back there, kept in sight.
     void restore(QWidget &form) const;
 };
 
@@ -36,13 +36,13 @@ private:
     bool m_maximised = false;
 };
 
-/// Moves a sub window that the operator could not reach back into what it stands in, which may have
-/// become smaller. One that is partly out stays where it is while its title bar can be grasped: the
+/// Moves a sub window that the operator could not reach back into its area, which may have become
+/// smaller. One that is partly out stays where it is while its title bar can be grasped: the
 /// operator has put it there.
 void keepInSight(QWidget &form);
 
-/// Makes a sub window no larger than what it stands in and moves all of it into that; once there is
-/// room again it gets back what it had, unless the operator gave it another place meanwhile. A
+/// Shrinks a sub window to its area and moves all of it inside. Once there is room again it returns
+/// to its former size and place, unless the operator has moved it meanwhile. A
 /// maximised or minimised one is left alone.
 void fitIntoArea(QWidget &form);
 

@@ -37,7 +37,7 @@ public:
     void closeLocked(QWidget &window);
 
 signals:
-    /// A locked dialog has closed: menus and windows are given back.
+    /// A locked dialog has closed: menus and windows are unlocked.
     void released();
 
 private:
@@ -48,7 +48,7 @@ private:
     void openWithDefaults(DefaultsDialog *dialog);
     /// Shows a message in the error window, which stays in front of `caller`, a form that is shown.
     void arata_eroare(QWidget &caller, const QString &message);
-    /// Gives back what openLocked() took.
+    /// Unlocks menus and windows again.
     void release(QDialog *dialog);
 
     Station &m_station;

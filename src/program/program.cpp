@@ -169,7 +169,7 @@ Form2 &Program::controlCentre()
         m_form2 = new Form2(*m_cycle, m_station, m_controlCentrePosition);
         QMdiSubWindow *frame = m_window.addChild(m_form2);
         frame->hide();
-        // The first time it stands where it hides least of the diagrams: the lower right corner.
+        // It first opens where it hides least of the diagrams: in the lower right corner.
         if (!std::exchange(m_controlCentrePlaced, true)) {
             const QSize room = m_window.innerSize() - frame->sizeHint();
             m_controlCentrePosition = {twipsFromPixels(std::max(0, room.width())),

@@ -55,7 +55,7 @@ public:
     /// Archives the storage file that is in use.
     void archiveStorage();
 
-    /// Stops whatever acts by itself: a failure is about to end the program.
+    /// Stops monitoring: a failure is about to end the program.
     void halt();
 
     /// Monitoring, through the control centre's own handlers.
@@ -107,7 +107,7 @@ private:
     MeasurementStore m_storage;
     LiveDiagrams m_diagrams;
     HistoryDiagrams m_history;
-    MDIForm1 m_window; // owns the windows, which use all that stands above it
+    MDIForm1 m_window; // owns the windows, which use all members above it
     DialogCommands m_dialogs;
     QtScheduler m_scheduler;
     WindowPosition m_controlCentrePosition;

@@ -3,8 +3,8 @@
 #include <QApplication>
 #include <functional>
 
-/// The application: the place where a failure that nobody caught ends. It is written to standard
-/// error and shown as the runtime error report, then the program ends with exit code 1.
+/// The application handles failures that nothing else caught: it writes them to standard error,
+/// shows the runtime error report and ends the program with exit code 1.
 class StationApplication final : public QApplication
 {
     Q_OBJECT
@@ -24,11 +24,11 @@ public:
         }
     }
 
-    /// Shows the report to the operator and returns when it was read.
+    /// Shows the report to the operator and returns once it is closed.
     std::function<void(const QString &report)> showReport;
 
 signals:
-    /// A failure ends the program; whatever acts by itself has to stop now.
+    /// A failure is about to end the program: timers and monitoring have to stop now.
     void failing();
 
 private:

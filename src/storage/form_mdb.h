@@ -8,7 +8,7 @@ class RecordsetModel;
 struct Station;
 
 /// The database browser: the records of the current storage file, newest first. It never changes
-/// the file. Selected cells are copied with Ctrl+C, columns parted by tabs.
+/// the file. Selected cells are copied with Ctrl+C, columns separated by tabs.
 ///
 /// While it is loaded Station::FormMdbDeschis is set and the file is held open; the repair and the
 /// archive close the window first.
@@ -28,15 +28,14 @@ public:
     /// The window has come to the front: the first time it loads the grid.
     void onActivated();
 
-    /// Loads the grid anew. A failure leaves the grid empty and is told, with number and
-    /// description, from the event loop: the window may be gone before the operator has answered.
+    /// Reloads the grid. A failure leaves it empty and is reported through failed().
     void sortare();
 
 signals:
-    /// The file could not be read: the failure's text. To be connected queued: whoever tells the
-    /// operator must not do so within the call.
+    /// The file could not be read: the failure's text. Connect it queued: the message box must
+    /// not open within the call, as the window may be closed behind it.
     void failed(const QString &failure);
-    void closed(); ///< unloaded, the file let go; destruction follows
+    void closed(); ///< unloaded, the file closed; destruction follows
 
 protected:
     void resizeEvent(QResizeEvent *event) override;

@@ -14,7 +14,7 @@ struct Station;
 /// numbers collide, and the daily archive. Every file is opened and closed within each call; each
 /// change is all or nothing in the file, whenever it is cut off.
 ///
-/// Failures of files and databases are told to the operator here, as each call says.
+/// Failures of files and databases are reported to the operator here, as each call says.
 class MeasurementStore : public QObject, public SampleStore
 {
     Q_OBJECT
@@ -28,22 +28,22 @@ public:
                      const jet::OpenOptions &options = openOptions());
 
     /// Appends one record with the sensors' present values to table Tabel of storage file `nume`.
-    /// File missing: the operator is told and Station::monitorActive cleared. Id is the number of
+    /// File missing: this is reported and Station::monitorActive cleared. Id is the number of
     /// records + 1; where that is taken: repara_baza_date, and the sample is lost. Any other
-    /// failure: number and description are told and monitoring goes on.
+    /// failure: number and description are reported and monitoring goes on.
     void adauga_inregistrare(const QString &nume) override;
 
-    /// Rebuilds Tabel of storage file `nume` and says so. While another program has the file open
-    /// the operator is asked to close it, again and again. Any other failure: number and
-    /// description are told, the file is as it was.
+    /// Rebuilds Tabel of storage file `nume` and reports it. While another program has the file
+    /// open the operator is asked to close it, and the repair retried. Any other failure: number
+    /// and description are reported, the file is as it was.
     void repara_baza_date(const QString &nume);
 
     /// Removes a Tabel2 that was left behind in the first storage file. Throws jet::Error.
     void sterge_tabel_temporar();
 
     /// Copies storage file `nume` to the archive of today, then removes all its records. An archive
-    /// of the same day is replaced. File already empty: the operator is told, the (empty) archive
-    /// stays. Any other failure: number and description are told; records are removed only when
+    /// of the same day is replaced. File already empty: this is reported, the (empty) archive
+    /// stays. Any other failure: number and description are reported; records are removed only when
     /// the archive is safely on the disk. A file that another program writes to is not copied, one
     /// that cannot be opened for another reason is.
     void arhiveaza_baza_date(const QString &nume) override;

@@ -11,12 +11,12 @@
 class QTimer;
 struct Station;
 
-/// The records of table Tabel, newest (largest Id) first, for a grid: the file stays open for
-/// reading, records are fetched as they are shown. Opening costs the same whatever the size of the
-/// day; what is appended later appears with the next open().
+/// The records of table Tabel, newest (largest Id) first, for a grid. The file stays open for
+/// reading; records are fetched as they are shown, so opening does not depend on their number.
+/// Records appended later appear with the next open().
 ///
-/// A failure while a record is fetched is signalled once; the cells stay empty. A file that another
-/// program keeps busy is tried again when the cells are next looked at.
+/// A failure to fetch a record is signalled once; the cells stay empty. A busy file is retried the
+/// next time the cells are shown.
 class RecordsetModel : public QAbstractTableModel
 {
     Q_OBJECT

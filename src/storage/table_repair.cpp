@@ -9,7 +9,7 @@ static jet::TableDesign scratchDesign(const jet::TableDesign &original)
     scratch.name = tabel::kScratchName;
     for (const jet::ColumnDesign &column : original.columns) {
         scratch.columns.push_back(column);
-        // The numbers are copied, so nothing may number the records anew.
+        // The numbers are copied, so the new table must not number its records.
         scratch.columns.back().autonumber = false;
     }
     scratch.indexes = {tabel::primaryIndex()};

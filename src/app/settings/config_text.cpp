@@ -82,7 +82,7 @@ private:
     {
         const QByteArrayView field = m_file.sliced(m_at + 1, close - m_at - 1);
         m_at = close + 1;
-        upToSeparator(); // whatever stands behind the closing quote
+        upToSeparator(); // skips what follows the closing quote
         skipSeparator();
         return decoded(field);
     }

@@ -22,6 +22,6 @@ std::optional<QString> valueOfKey(const QByteArray &file, const QString &key);
 /// The file with `lines` (key + "," + value each) put first, in their order, and every line that
 /// begins with one of `keys` dropped; other lines keep their bytes and order. Lines end with CR LF
 /// and the file with one empty line: a key on the very last line could never be written again.
-/// Nothing when a key stands on no line, or only on the last one.
+/// Nothing when a key is on no line, or only on the last one.
 std::optional<QByteArray> withKeysReplaced(const QByteArray &file, const QStringList &keys,
                                            const QStringList &lines);

@@ -24,17 +24,17 @@ public:
     /// Both must outlive this object.
     Settings(Station &station, Operator &op) : m_station(station), m_operator(op) {}
 
-    /// Returns the values of `keys`, in their order. At the first key that is not in the file the
-    /// operator is told and reading ends: the list is then shorter.
+    /// Returns the values of `keys`, in their order. The first key that is not in the file is
+    /// reported to the operator and ends the reading: the list is then shorter.
     QStringList citeste_config(const QStringList &keys) const;
 
     /// Writes each value under its key and returns the values as they were written: the decimal
     /// comma of a numeric one turned into a point, a line break into blanks. A key that is not in
-    /// the file: the operator is told and nothing is written. The file is replaced as a whole or
-    /// not at all.
+    /// the file is reported to the operator and nothing is written. The file is replaced as a whole
+    /// or not at all.
     QStringList scrie_config(const QStringList &keys, QStringList values) const;
 
-    /// The value of a key that a file may lack; never says anything to the operator.
+    /// The value of a key that a file may lack; a missing one is not reported.
     std::optional<QString> optionalValue(const QString &key) const;
 
     /// Fills one diagram record and NumeFisier. Throws RuntimeError 13 for a value that is not a

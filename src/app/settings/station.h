@@ -12,8 +12,8 @@
 #include <array>
 #include <vector>
 
-/// The state that all rooms share. One object, the program's, is passed by reference; whoever
-/// changes it says so by a signal of its own.
+/// The state that all rooms share: one object, owned by the program and passed by reference. Code
+/// that changes it emits a signal of its own.
 struct Station {
     QString appFolder; ///< the folder that holds the program, without a slash at its end
     QLocale locale;    ///< how numbers and dates look on the screen
