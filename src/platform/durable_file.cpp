@@ -34,7 +34,8 @@ void write(QSaveFile &file, QByteArrayView bytes)
 }
 
 /// Nothing once the new file has taken the old one's place, the error of a refused rename.
-std::optional<RuntimeError> tryReplace(const QString &path, const std::function<void(QSaveFile &)> &fill)
+std::optional<RuntimeError> tryReplace(const QString &path,
+                                       const std::function<void(QSaveFile &)> &fill)
 {
     QSaveFile file(path);
     if (!file.open(QIODevice::WriteOnly))
