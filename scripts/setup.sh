@@ -1,15 +1,10 @@
 # shellcheck shell=bash disable=SC2034 # names for those who source this
 # Sourced by the scripts at the root: installs what they need, and only what is missing.
 
-<<<<<<< HEAD
 build_packages=(ccache cmake g++ ninja-build qt6-base-dev qt6-serialport-dev libcups2-dev
-                libqcustomplot-dev)
-test_packages=(cups-daemon libgmock-dev libgtest-dev mdbtools poppler-utils)
-=======
-build_packages=(ccache cmake g++ ninja-build qt6-base-dev qt6-serialport-dev libqcustomplot-dev)
-test_packages=(libgmock-dev libgtest-dev mdbtools poppler-utils)
+                libqcustomplot-dev pandoc)
+test_packages=(catdoc cups-daemon libgmock-dev libgtest-dev mdbtools poppler-utils)
 bench_packages=(libqt6opengl6-dev libsqlite3-dev qt6-charts-dev)
->>>>>>> fb9aebb (Benchmarks: one table, their limits, one command)
 
 as_root() {
     if [ "$(id -u)" -eq 0 ]; then "$@"; else sudo "$@"; fi

@@ -1,0 +1,53 @@
+-- What pandoc's RTF lacks for this manual: pictures that fit the page and keep their captions, targets
+-- for the table of contents, headings with space above that stay with their text, close rows of tables.
+
+local TEXT_WIDTH = 6      -- inches; A4 with the margins of help_doc.rtf
+local DOTS_PER_INCH = 120 -- of a picture that is narrower than the text
+
+-- In pixels: in a PNG file, the big-endian number at byte 17.
+local function width_of(path)
+  local file = assert(io.open(path, 'rb'))
+  local head = file:read(20)
+  file:close()
+  return (string.unpack('>I4', head, 17))
+end
+
+function Image(image)
+  image.attributes.width = math.min(TEXT_WIDTH, width_of(image.src) / DOTS_PER_INCH) .. 'in'
+  return image
+end
+
+function Para(paragraph)
+  local image = paragraph.content[1]
+  if #paragraph.content > 1 or image.t ~= 'Image' then return nil end
+  return { pandoc.Para { pandoc.RawInline('rtf', '\\qc\\keepn '), image },
+           pandoc.Para { pandoc.RawInline('rtf', '\\qc '), pandoc.Emph(image.caption) } }
+end
+
+function Header(header)
+  if header.level > 1 then
+    header.content:insert(1, pandoc.RawInline('rtf', '\\sb240\\keepn '))
+    return header
+  end
+  header.content:insert(1, pandoc.RawInline('rtf', '\\keepn ')) -- stands in the table of contents, too
+  header.identifier = header.identifier:gsub('-', '_')          -- names of bookmarks take no hyphens
+  local target = ('{\\*\\bkmkstart %s}{\\*\\bkmkend %s}'):gsub('%%s', header.identifier)
+  return { pandoc.RawBlock('rtf', '{\\pard\\keepn' .. target .. '\\par}'), header }
+end
+
+-- pandoc ends the text of a cell as a paragraph of its own and so leaves an empty line below it.
+local function fill_cells(rows, format)
+  for _, row in ipairs(rows) do
+    for _, cell in ipairs(row.cells) do
+      local text = pandoc.write(pandoc.Pandoc(cell.contents), 'rtf')
+      text = text:gsub('^{\\pard[^{}]-\\fi0 ', ''):gsub('\\par}%s*$', '')
+      cell.contents = { pandoc.RawBlock('rtf', format .. text) }
+    end
+  end
+end
+
+function Table(table)
+  fill_cells(table.head.rows, '\\pard\\intbl\\sb40\\sa40\\keepn\\b ')
+  for _, body in ipairs(table.bodies) do fill_cells(body.body, '\\pard\\intbl\\sb40\\sa40 ') end
+  return table
+end
