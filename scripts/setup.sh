@@ -1,5 +1,5 @@
-# shellcheck shell=bash disable=SC2034 # names for those who source this
-# Sourced by the scripts at the root: installs what they need, and only what is missing.
+# shellcheck shell=bash disable=SC2034 # used by the sourcing scripts
+# Sourced by the scripts at the root. Installs the packages they need that are missing.
 
 build_packages=(ccache cmake g++ ninja-build qt6-base-dev qt6-serialport-dev libcups2-dev
                 libqcustomplot-dev pandoc)
@@ -14,11 +14,11 @@ is_installed() {
     dpkg-query -W -f '${Status}' "$1" 2>/dev/null | grep -q ' ok installed$'
 }
 
-# install_packages NAME...: through apt, as root or with sudo.
+# install_packages NAME...: installs with apt, as root or with sudo.
 install_packages() {
     if ! command -v apt-get >/dev/null; then
-        printf 'This system has no apt. What follows needs the counterparts of these Debian packages:\n  %s\n' "$*" >&2
-        # Which of them are there cannot be told; without these two nothing can start.
+        printf 'This system has no apt. Install the equivalents of these Debian packages:\n  %s\n' "$*" >&2
+        # The other packages cannot be checked here; nothing works without these two.
         command -v cmake >/dev/null && command -v ninja >/dev/null
         return
     fi
@@ -28,7 +28,7 @@ install_packages() {
     done
     [ ${#missing[@]} -eq 0 ] && return 0
     if [ "$(id -u)" -ne 0 ] && ! command -v sudo >/dev/null; then
-        printf 'These packages are missing and need root to be installed:\n  apt-get install %s\n' "${missing[*]}" >&2
+        printf 'These packages are missing, and installing them needs root:\n  apt-get install %s\n' "${missing[*]}" >&2
         return 1
     fi
     printf 'Installing: %s\n' "${missing[*]}"

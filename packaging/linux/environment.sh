@@ -1,5 +1,5 @@
-# shellcheck shell=bash disable=SC2034 # names for those who source this
-# Sourced by the scripts beside it that look at a finished package.
+# shellcheck shell=bash disable=SC2034 # used by the sourcing scripts
+# Sourced by the scripts beside it that check a finished package.
 
 repository=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
 # shellcheck source-path=SCRIPTDIR source=../../scripts/setup.sh
@@ -10,9 +10,9 @@ fail() {
     exit 1
 }
 
-# choose_package [DEB]: the one named, seen from the caller's folder, or the one that was made; in $deb.
+# choose_package [DEB]: sets $deb to DEB, relative to the caller's folder, or to the package last built.
 choose_package() {
     local made=("$repository"/build/packages/monitor-autoclava_*.deb)
     deb=$(readlink -m "${1:-${made[0]}}")
-    [ -f "$deb" ] || fail "there is no package $deb: ./package linux makes it"
+    [ -f "$deb" ] || fail "no package $deb: build it with ./package linux"
 }

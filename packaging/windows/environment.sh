@@ -1,12 +1,11 @@
-# shellcheck shell=bash disable=SC2034 # names for those who source this
-# Sourced by the scripts beside it: which architectures there are, where things are kept, what is
-# needed to make them.
+# shellcheck shell=bash disable=SC2034 # used by the sourcing scripts
+# Sourced by the scripts beside it: architectures, folders, packages and common functions.
 
 repository=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
 # shellcheck source-path=SCRIPTDIR source=../../scripts/setup.sh
 . "$repository/scripts/setup.sh"
 
-# Qt for Windows is built once and outlives the clone that built it.
+# Qt for Windows is built once and outlives the clone.
 cache=$(realpath -m "${STATION_WINDOWS_CACHE:-${XDG_CACHE_HOME:-$HOME/.cache}/monitor_autoclava}")
 jobs=${STATION_JOBS:-$(nproc)}
 architectures=(x86_64 i686)
@@ -20,14 +19,14 @@ fail() {
     exit 1
 }
 
-# The host's Qt tools generate code for the Windows Qt: both must be the same version.
+# The host's Qt tools generate code for the Windows Qt, so both must have the same version.
 # shellcheck disable=SC2016 # a field of dpkg
 qt_version() { dpkg-query -W -f '${source:Version}' qt6-base-dev; }
 # shellcheck disable=SC2016
 qcustomplot_version() { dpkg-query -W -f '${source:Version}' libqcustomplot-dev; }
 
-# Whatever the libraries are built by and from has its part in the name of their folder: another
-# recipe, compiler or version never meets what an earlier one built.
+# The folder name contains a hash of recipe, compiler and versions: a change of any of them builds into a
+# new folder.
 qt_prefix() {
     local recipe
     recipe=$({
@@ -42,13 +41,13 @@ qt_prefix() {
 station_version() { sed -n 's/^project(monitor_autoclava VERSION \([0-9.]*\).*/\1/p' "$repository/CMakeLists.txt"; }
 
 [[ $cache != *[[:blank:]]* ]] ||
-    fail "Qt cannot be built in a folder with a blank in its name: let STATION_WINDOWS_CACHE name one without"
+    fail "Qt cannot be built in a folder with a space in its name: set STATION_WINDOWS_CACHE to one without"
 
 check_architecture() {
-    case " ${architectures[*]} " in *" $1 "*) ;; *) fail "architecture $1? It is one of: ${architectures[*]}" ;; esac
+    case " ${architectures[*]} " in *" $1 "*) ;; *) fail "unknown architecture $1; use one of: ${architectures[*]}" ;; esac
 }
 
-# build_host_tools NAME...: tools of the repository that have to run on this system, in $host_tools.
+# build_host_tools NAME...: builds tools of the repository that run on this system, in $host_tools.
 host_tools=$repository/build/host-tools/tools
 build_host_tools() {
     say "Building for this system: $*"
@@ -56,8 +55,8 @@ build_host_tools() {
     cmake --build "$repository/build/host-tools" --parallel "$jobs" --target "$@"
 }
 
-# configure_station ARCHITECTURE FOLDER OPTION...: the station for Windows, to be built in the folder. Where
-# an earlier configuration found its libraries is forgotten: another Qt may have been built since.
+# configure_station ARCHITECTURE FOLDER OPTION...: configures the station for Windows in the folder. --fresh
+# forgets where the libraries were: another Qt may have been built since.
 configure_station() {
     local architecture=$1 build=$2
     shift 2
