@@ -1,5 +1,5 @@
-# One way to declare a library, a program and a test, so that every target has the same
-# warnings, the same include root and the same sanitizers.
+# Declares libraries, programs and tests, so that every target has the same warnings, include root and
+# sanitizers.
 
 add_library(station_options INTERFACE)
 target_compile_features(station_options INTERFACE cxx_std_20)
@@ -8,7 +8,7 @@ if(MSVC)
 else()
     target_compile_options(station_options INTERFACE
         -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror)
-    # What is installed is the same bytes wherever the clone stands; debuggers need the true paths.
+    # A release has the same bytes wherever the clone is; debug builds keep the true paths.
     target_compile_options(station_options INTERFACE
         "$<$<AND:$<CONFIG:Release>,$<COMPILE_LANGUAGE:CXX>>:-ffile-prefix-map=${CMAKE_SOURCE_DIR}=.>")
     if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)

@@ -1,5 +1,5 @@
--- What pandoc's RTF lacks for this manual: pictures that fit the page and keep their captions, targets
--- for the table of contents, headings with space above that stay with their text, close rows of tables.
+-- Adds what pandoc's RTF lacks: pictures that fit the page, their captions, targets for the table of
+-- contents, headings that stay with their text, table rows without an empty line.
 
 local TEXT_WIDTH = 6      -- inches; A4 with the margins of help_doc.rtf
 local DOTS_PER_INCH = 120 -- of a picture that is narrower than the text
@@ -29,13 +29,13 @@ function Header(header)
     header.content:insert(1, pandoc.RawInline('rtf', '\\sb240\\keepn '))
     return header
   end
-  header.content:insert(1, pandoc.RawInline('rtf', '\\keepn ')) -- stands in the table of contents, too
-  header.identifier = header.identifier:gsub('-', '_')          -- names of bookmarks take no hyphens
+  header.content:insert(1, pandoc.RawInline('rtf', '\\keepn ')) -- harmless in the table of contents
+  header.identifier = header.identifier:gsub('-', '_')          -- bookmark names allow no hyphen
   local target = ('{\\*\\bkmkstart %s}{\\*\\bkmkend %s}'):gsub('%%s', header.identifier)
   return { pandoc.RawBlock('rtf', '{\\pard\\keepn' .. target .. '\\par}'), header }
 end
 
--- pandoc ends the text of a cell as a paragraph of its own and so leaves an empty line below it.
+-- pandoc ends the text of a cell with a paragraph mark of its own, which leaves an empty line below it.
 local function fill_cells(rows, format)
   for _, row in ipairs(rows) do
     for _, cell in ipairs(row.cells) do

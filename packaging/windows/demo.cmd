@@ -1,9 +1,9 @@
 @echo off
-rem Tries the station on the recorder that its settings name, without touching its data: a fresh
-rem folder, a dozen samples.
+rem Tries the station without touching its data: takes a dozen samples from the recorder that its
+rem settings name, in a fresh folder.
 rem
-rem   demo.cmd [FOLDER]     FOLDER, made when missing, keeps what the station wrote; one that holds a
-rem                         station already is left alone
+rem   demo.cmd [FOLDER]     keeps the station's files in FOLDER, which is created if missing; refuses a
+rem                         folder that already holds a station
 setlocal
 set "station=%~dp0"
 set "folder=%~f1"
@@ -23,5 +23,5 @@ if "%~1"=="" rmdir /s /q "%folder%"
 exit /b %result%
 
 :taken
-echo demo: there is a station in "%folder%" already; name another folder 1>&2
+echo demo: "%folder%" already holds a station; name another folder 1>&2
 exit /b 1

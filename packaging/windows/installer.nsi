@@ -62,7 +62,7 @@ VIAddVersionKey LegalCopyright GPL-3.0-or-later
 !insertmacro MUI_LANGUAGE English
 
 LangString programRuns ${LANG_ROMANIAN} "Programul este pornit, sau un fișier al lui este deschis în alt program. Închideți-l, apoi încercați din nou."
-LangString programRuns ${LANG_ENGLISH} "The program is running, or a file of it is open in another program. Close it, then try again."
+LangString programRuns ${LANG_ENGLISH} "The program is running, or another program has one of its files open. Close it, then try again."
 LangString tooOld ${LANG_ROMANIAN} "Programul are nevoie de Windows 10 sau mai nou."
 LangString tooOld ${LANG_ENGLISH} "The program needs Windows 10 or later."
 LangString diskFull ${LANG_ROMANIAN} "Nu este destul spațiu liber pe disc pentru $INSTDIR."
@@ -70,11 +70,11 @@ LangString diskFull ${LANG_ENGLISH} "There is not enough free space on the disk 
 LangString otherWordSize ${LANG_ROMANIAN} "Acest Windows este pe 64 de biți: folosiți programul de instalare win64."
 LangString otherWordSize ${LANG_ENGLISH} "This is a 64-bit Windows: use the win64 installer."
 LangString foreignFolder ${LANG_ROMANIAN} "Folderul $INSTDIR conține deja altceva. Alegeți un folder nou sau gol."
-LangString foreignFolder ${LANG_ENGLISH} "The folder $INSTDIR already holds something else. Choose a new or an empty one."
+LangString foreignFolder ${LANG_ENGLISH} "The folder $INSTDIR already holds other files. Choose a new or an empty folder."
 LangString notWritable ${LANG_ROMANIAN} "Programul este instalat, dar utilizatorii nu au primit dreptul de scriere în $INSTDIR. Acordați-l înainte de pornire."
-LangString notWritable ${LANG_ENGLISH} "The program is installed, but its users were not given the right to write in $INSTDIR. Grant it before the start."
+LangString notWritable ${LANG_ENGLISH} "The program is installed, but its users could not be granted write access to $INSTDIR. Grant it before you start the program."
 LangString dataStays ${LANG_ROMANIAN} "Setările, bazele de date și imaginile rămân în $INSTDIR."
-LangString dataStays ${LANG_ENGLISH} "Settings, databases and pictures stay in $INSTDIR."
+LangString dataStays ${LANG_ENGLISH} "Settings, databases and pictures are kept in $INSTDIR."
 
 !macro warn TEXT LEVEL
     MessageBox MB_OK|MB_ICONEXCLAMATION "$(${TEXT})" /SD IDOK

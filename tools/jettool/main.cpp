@@ -21,29 +21,26 @@ namespace
 constexpr std::string_view kUsage =
     "usage: jettool COMMAND FILE [ARGUMENTS]\n"
     "\n"
-    "  create FILE             make an empty database; FILE must not exist\n"
-    "  tables FILE             names of the tables, one per line\n"
-    "  schema FILE [TABLE]     columns and indexes as CREATE statements\n"
-    "  count FILE TABLE        number of records\n"
-    "  dump FILE [TABLE]       records as comma-separated values; without TABLE those of every "
-    "table,\n"
-    "                          each after a line \"# NAME\"\n"
+    "  create FILE             create an empty database; FILE must not exist\n"
+    "  tables FILE             list the tables, one per line\n"
+    "  schema FILE [TABLE]     print columns and indexes as CREATE statements\n"
+    "  count FILE TABLE        print the number of records\n"
+    "  dump FILE [TABLE]       print records as comma-separated values; without TABLE those of\n"
+    "                          every table, each table after a line \"# NAME\"\n"
     "  dump --json FILE [TABLE]\n"
-    "                          records as JSON lines; without TABLE each line is\n"
+    "                          print records as JSON lines; without TABLE each line is\n"
     "                          {\"table\": NAME, \"record\": {...}}\n"
-    "  check FILE              walk every page, map, row and index; exit code 1 when something is\n"
-    "                          wrong, with the page and the reason on each line; pages that "
-    "belong\n"
-    "                          to nothing are only noted\n"
-    "  compact FILE            write all tables into a new file that replaces FILE\n"
+    "  check FILE              check every page, map, row and index; print one line with page and\n"
+    "                          reason for each error; unused pages are only counted\n"
+    "  compact FILE            write all tables to a new file that replaces FILE\n"
     "\n"
-    "Only create and compact write. Exit code: 0 done, 1 damage found or failed, 2 wrong usage.\n";
+    "Only create and compact write. Exit code: 0 success, 1 failed or damaged, 2 wrong usage.\n";
 
 constexpr std::string_view kJsonOption = "--json"; // of dump
 constexpr int kFailed = 1;
 constexpr int kWrongUsage = 2;
 
-/// Thrown for a command line that means nothing.
+/// A command line that cannot be understood.
 struct UsageError {
     std::string what;
 };

@@ -34,24 +34,21 @@ const QMap<QString, Fault> &faults()
 void describeOptions(QCommandLineParser &parser)
 {
     parser.setApplicationDescription(
-        "Plays a TOHO TRM-10C recorder on a pseudo-terminal of its own, whose port is printed on\n"
-        "standard output as one line, or on a serial port. What is received and answered is told\n"
-        "on standard error. Ends with Ctrl+C, or when the line has vanished.");
+        "Simulates a TOHO TRM-10C recorder on a new pseudo-terminal or on a serial port. Prints\n"
+        "its port's name on standard output, and requests and replies on standard error. Ends\n"
+        "with Ctrl+C, or when the line vanishes.");
     parser.addHelpOption();
     parser.addOptions({
         {"port",
-         "Serial port to play on, 9600 baud, such as ttyS1 or COM2: a cable joins it with the "
-         "station's.",
+         "Serial port to use at 9600 baud, such as ttyS1 or COM2, wired to the station's port.",
          "name"},
-        {"link", "Symbolic link to make to the pseudo-terminal's port; an old link is replaced.",
-         "name"},
-        {"seed", "Seed of the readings' noise: the same seed gives the same readings.", "number",
-         "1"},
+        {"link", "Symbolic link to create to the pseudo-terminal; replaces an old link.", "name"},
+        {"seed", "Seed of the noise: the same seed gives the same readings.", "number", "1"},
         {"plateau", "Sterilisation temperature in degrees Celsius, 105 to 140.", "degrees", "121"},
-        {"speed", "Seconds of the sterilisation per second, above 0.", "factor", "1"},
-        {"fault", "What goes wrong: " + QStringList(faults().keys()).join(", ") + ".", "kind",
+        {"speed", "Simulated seconds per second, above 0.", "factor", "1"},
+        {"fault", "Fault to simulate: " + QStringList(faults().keys()).join(", ") + ".", "kind",
          "none"},
-        {"fault-at", "Only that exchange goes wrong, counted from 1; 0 means every one.", "n", "0"},
+        {"fault-at", "Exchange that fails, counted from 1; 0 means every exchange.", "n", "0"},
     });
 }
 
@@ -60,7 +57,7 @@ double numberIn(const QCommandLineParser &parser, const QString &option, double 
     bool isNumber = false;
     const double number = parser.value(option).toDouble(&isNumber);
     if (!isNumber || !(number >= least && number <= most))
-        throw UsageError(QStringLiteral("--%1 wants a number from %2 to %3, not \"%4\"")
+        throw UsageError(QStringLiteral("--%1 needs a number from %2 to %3, not \"%4\"")
                              .arg(option)
                              .arg(least, 0, 'g', 12)
                              .arg(most, 0, 'g', 12)
@@ -73,7 +70,7 @@ unsigned wholeNumber(const QCommandLineParser &parser, const QString &option)
 {
     const double number = numberIn(parser, option, 0, std::numeric_limits<unsigned>::max());
     if (number != std::floor(number))
-        throw UsageError("--" + option.toStdString() + " wants a whole number");
+        throw UsageError("--" + option.toStdString() + " needs a whole number");
     return static_cast<unsigned>(number);
 }
 
@@ -81,10 +78,10 @@ RecorderSettings settingsFrom(const QCommandLineParser &parser)
 {
     const QStringList extra = parser.positionalArguments();
     if (!extra.isEmpty())
-        throw UsageError("does not know what to do with " + extra.first().toStdString());
+        throw UsageError("unexpected argument: " + extra.first().toStdString());
     const QString fault = parser.value("fault");
     if (!faults().contains(fault))
-        throw UsageError("--fault wants one of " +
+        throw UsageError("--fault needs one of " +
                          QStringList(faults().keys()).join(", ").toStdString() + ", not \"" +
                          fault.toStdString() + "\"");
     RecorderSettings settings;
@@ -110,7 +107,7 @@ RecorderLine lineFrom(const QCommandLineParser &parser)
     if (!parser.isSet("port"))
         return openPseudoTerminal(parser.value("link"));
     if (parser.isSet("link"))
-        throw UsageError("--link is for a pseudo-terminal, not for the port of --port");
+        throw UsageError("--link names a pseudo-terminal; it cannot be used with --port");
     return serialPort(parser.value("port"));
 }
 
