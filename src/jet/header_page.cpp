@@ -143,7 +143,8 @@ Bytes makeHeaderPage()
     writeRowPointer(page, kMaskOffset, {kGlobalMapPage, 0});
     writeRowPointer(page, kMaskOffset + 4, {kGlobalMapPage, 1});
     for (std::uint32_t table = 0; table < 4; ++table)
-        writeU32(page, kSystemTablesOffset + 4 * table, kObjectsDefinitionPage + table);
+        writeU32(page, kSystemTablesOffset + std::size_t{4} * table,
+                 kObjectsDefinitionPage + table);
     writeU16(page, kCodePageOffset, 1252);
     writeBytes(page, kCreationDateOffset, kCreationDate);
     const std::uint32_t key = passwordKey(readF64(page, kCreationDateOffset));

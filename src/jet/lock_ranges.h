@@ -29,7 +29,7 @@ inline constexpr LockRange kProgramUsers{0x10000001, 255};
 
 // Content of a lock file made here. It stands behind the database program's 255 user records of 64
 // bytes; earlier versions kept a number there.
-inline constexpr std::uint64_t kLockMarkOffset = 255 * 64;
+inline constexpr std::uint64_t kLockMarkOffset = std::uint64_t{255} * 64;
 inline constexpr std::array<std::uint8_t, 8> kLockMark{'J', 'E', 'T', 'L', 'O', 'C', 'K', '1'};
 inline constexpr std::uint64_t kLockFileSize = kLockMarkOffset + kLockMark.size();
 
