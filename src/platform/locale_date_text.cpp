@@ -21,7 +21,7 @@ QString dateTimeText(const QDateTime &moment, const QLocale &locale)
     const QTime wholeSeconds(moment.time().hour(), moment.time().minute(), moment.time().second());
     if (moment.date() == zeroDateTime().date())
         return timeText(wholeSeconds, locale);
-    const QString date = dateText(moment.date(), locale);
+    QString date = dateText(moment.date(), locale);
     if (wholeSeconds == QTime(0, 0))
         return date;
     return date + QLatin1Char(' ') + timeText(wholeSeconds, locale);

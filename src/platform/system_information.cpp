@@ -18,7 +18,7 @@ QString systemInformationTool()
                             QStringLiteral("hardinfo")};
 #endif
     for (const QString &tool : tools)
-        if (const QString path = QStandardPaths::findExecutable(tool); !path.isEmpty())
+        if (QString path = QStandardPaths::findExecutable(tool); !path.isEmpty())
             return path;
     return {};
 }

@@ -20,7 +20,7 @@ constexpr std::array<char16_t, 32> kCodePage1252{
 QString decoded(QByteArrayView bytes)
 {
     QStringDecoder utf8(QStringDecoder::Utf8, QStringConverter::Flag::Stateless);
-    const QString text = utf8.decode(bytes);
+    QString text = utf8.decode(bytes);
     if (!utf8.hasError())
         return text;
     QString ansi = QString::fromLatin1(bytes);

@@ -15,7 +15,7 @@ QByteArray Settings::readFile() const
     QFile file(m_station.configPath());
     if (!file.open(QIODevice::ReadOnly))
         throw fileError(file);
-    const QByteArray content = file.readAll();
+    QByteArray content = file.readAll();
     if (file.error() != QFileDevice::NoError)
         throw fileError(file);
     return content;
