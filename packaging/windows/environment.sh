@@ -25,12 +25,12 @@ qt_version() { dpkg-query -W -f '${source:Version}' qt6-base-dev; }
 # shellcheck disable=SC2016
 qcustomplot_version() { dpkg-query -W -f '${source:Version}' libqcustomplot-dev; }
 
-# The folder name contains a hash of recipe, compiler and versions: a change of any of them builds into a
-# new folder.
+# The folder name contains a hash of recipe (without comments), compiler and versions: a change of any of
+# them builds into a new folder.
 qt_prefix() {
     local recipe
     recipe=$({
-        (cd "$repository/packaging/windows" && cat build_qt toolchain.cmake.in qcustomplot/CMakeLists.txt)
+        (cd "$repository/packaging/windows" && grep -hv '^ *#' build_qt toolchain.cmake.in qcustomplot/CMakeLists.txt)
         # shellcheck disable=SC2016
         dpkg-query -W -f '${Package} ${Version}\n' "g++-mingw-w64-${1/_/-}-posix" "mingw-w64-${1/_/-}-dev" googletest
         qcustomplot_version
