@@ -6,8 +6,8 @@
 // history_bench PART FOLDER   one part: window, charts or peer
 
 #include "app/settings/settings.h"
-#include "bench/process_memory.h"
 #include "bench/painted.h"
+#include "bench/process_memory.h"
 #include "bench/report.h"
 #include "chart/chart_view.h"
 #include "diagrams/form_ado_chart.h"
