@@ -3,6 +3,7 @@
 #include "platform/window_frame.h"
 
 #include <QAction>
+#include <QApplication>
 #include <QCloseEvent>
 #include <QFontInfo>
 #include <QMdiArea>

@@ -3,6 +3,7 @@
 #include "diagrams/form1.h"
 #include "diagrams/form_ado_chart.h"
 #include "platform/message_box_operator.h"
+#include "program/texts.h"
 #include "tools/screenshots/posed_station.h"
 
 #include <QApplication>
@@ -94,7 +95,7 @@ void Photographer::takeMessage() const
         save(*box, QStringLiteral("message"));
         box->close();
     });
-    MessageBoxOperator(texts::app::applicationTitle()).ask(texts::app::askArchiveNow());
+    MessageBoxOperator(texts::app::applicationTitle()).ask(texts::program::askArchiveNow());
 }
 
 void Photographer::takeDialog(const QString &item, const QString &dialog,
