@@ -44,7 +44,7 @@ TEST_F(Jettool, LooksChecksAndCompacts)
     EXPECT_EQ(run({"tables", m_path.string()}), "Tabel\nexit 0\n");
     EXPECT_EQ(run({"count", m_path.string(), "tabel"}), "40\nexit 0\n");
     EXPECT_EQ(run({"check", m_path.string()}), "exit 0\n");
-    const std::string csv = run({"dump", m_path.string(), "Tabel"});
+    const std::string csv = run({"dump", "--csv", m_path.string(), "Tabel"});
     EXPECT_TRUE(csv.starts_with("\"Id\",\"Senzor1\"")) << csv.substr(0, 80);
     EXPECT_NE(csv.find("\n7,24.5,25.5,26.5,27.5,28.5,29.5,\"Yes\",\"2026-11-21\",\"00:00:07\"\n"),
               std::string::npos);
@@ -182,6 +182,7 @@ TEST_F(Jettool, SaysWhatIsWrong)
         {{"frobnicate"}, "jettool: unknown command 'frobnicate'\n\nusage:", "\nexit 2\n"},
         {{"count", m_path.string()}, "jettool: too few arguments\n\nusage:", "\nexit 2\n"},
         {{"check", "a", "b"}, "jettool: too many arguments\n\nusage:", "\nexit 2\n"},
+        {{"dump", "--csv", "--json", "a"}, "jettool: either --csv or --json", "\nexit 2\n"},
         {{"check", "--json", "a"}, "jettool: unknown option '--json'", "\nexit 2\n"},
         {{"--help"}, "usage: jettool COMMAND FILE", "\nexit 0\n"},
     };

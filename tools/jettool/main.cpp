@@ -25,7 +25,8 @@ constexpr std::string_view kUsage =
     "  tables FILE             list the tables, one per line\n"
     "  schema FILE [TABLE]     print columns and indexes as CREATE statements\n"
     "  count FILE TABLE        print the number of records\n"
-    "  dump FILE [TABLE]       print records as comma-separated values; without TABLE those of\n"
+    "  dump [--csv] FILE [TABLE]\n"
+    "                          print records as comma-separated values; without TABLE those of\n"
     "                          every table, each table after a line \"# NAME\"\n"
     "  dump --json FILE [TABLE]\n"
     "                          print records as JSON lines; without TABLE each line is\n"
@@ -36,6 +37,7 @@ constexpr std::string_view kUsage =
     "\n"
     "Only create and compact write. Exit code: 0 success, 1 failed or damaged, 2 wrong usage.\n";
 
+constexpr std::string_view kCsvOption = "--csv";   // of dump, where it is the default
 constexpr std::string_view kJsonOption = "--json"; // of dump
 constexpr int kFailed = 1;
 constexpr int kWrongUsage = 2;
@@ -120,7 +122,10 @@ int count(const Arguments &arguments)
 
 int dump(Arguments arguments)
 {
+    const bool csv = std::erase(arguments, kCsvOption) != 0;
     const bool json = std::erase(arguments, kJsonOption) != 0;
+    if (csv && json)
+        throw UsageError{"either --csv or --json"};
     wantArguments(arguments, 1, 2);
     const jet::Database database = openForReading(arguments[0]);
     const jet::Snapshot snapshot(database);
@@ -182,7 +187,8 @@ int run(const Arguments &words)
         if (name != command)
             continue;
         for (const std::string &argument : arguments) {
-            if (argument.starts_with("--") && (name != "dump" || argument != kJsonOption))
+            if (argument.starts_with("--") &&
+                (name != "dump" || (argument != kCsvOption && argument != kJsonOption)))
                 throw UsageError{"unknown option '" + argument + "' of " + command};
         }
         return function(arguments);
