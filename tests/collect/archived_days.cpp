@@ -1,0 +1,75 @@
+// Makes archives as a station writes them, one file a day with evenly spaced samples from midnight
+// on.
+//
+//   archived_days FOLDER FIRST_DAY DAYS SAMPLES SEED      FIRST_DAY as 2026-03-01, SAMPLES a day
+
+#include "jet/database.h"
+#include "platform/clock.h"
+#include "storage/tabel.h"
+#include "tools/trm10c_simulator/autoclave_cycle.h"
+
+#include <QStringList>
+#include <cmath>
+#include <cstdio>
+
+namespace
+{
+
+constexpr int kSecondsPerDay = 86400;
+
+jet::Row sample(std::int32_t number, QDate day, int second,
+                const AutoclaveCycle::Readings &readings)
+{
+    constexpr double kAlarmLimit = 135; // passed now and then on a plateau of 134
+    jet::Row row{number};
+    bool alarm = false;
+    for (const double reading : readings) {
+        const double shown = std::round(reading * 10) / 10; // the recorder sends tenths
+        row.push_back(shown);
+        alarm = alarm || shown > kAlarmLimit;
+    }
+    row.push_back(alarm ? jet::Value(tabel::kYes) : jet::Value());
+    row.push_back(tabel::dateValue(day));
+    row.push_back(tabel::timeValue(QTime::fromMSecsSinceStartOfDay(second * 1000)));
+    return row;
+}
+
+void writeDay(const QString &path, QDate day, int samples, AutoclaveCycle &cycle)
+{
+    jet::OpenOptions options;
+    options.durability = jet::Durability::Unsynced;
+    jet::Database database = jet::Database::create(
+        path.toStdU16String(), tabel::momentValue(wallTime(day, QTime(0, 0))), options);
+    jet::Table table =
+        database.createTable(tabel::design(), tabel::momentValue(wallTime(day, QTime(0, 0))));
+    jet::Transaction transaction(database);
+    for (int i = 0; i < samples; ++i) {
+        const int second = static_cast<int>(std::int64_t{kSecondsPerDay} * i / samples);
+        table.appendRow(sample(i + 1, day, second, cycle.read(std::chrono::seconds(second))));
+    }
+    transaction.commit();
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    if (argc != 6) {
+        std::fprintf(stderr, "usage: archived_days FOLDER FIRST_DAY DAYS SAMPLES SEED\n");
+        return 2;
+    }
+    const QString folder = QString::fromLocal8Bit(argv[1]);
+    const QDate first = QDate::fromString(QString::fromLatin1(argv[2]), Qt::ISODate);
+    AutoclaveCycle cycle(134, QByteArray(argv[5]).toUInt());
+    try {
+        for (int i = 0; i < QByteArray(argv[3]).toInt(); ++i) {
+            const QDate day = first.addDays(i);
+            const QString name = day.toString(QStringLiteral("'arh_'dd.MM.yyyy'_autoclava1.mdb'"));
+            writeDay(folder + u'/' + name, day, QByteArray(argv[4]).toInt(), cycle);
+        }
+    } catch (const std::exception &error) {
+        std::fprintf(stderr, "archived_days: %s\n", error.what());
+        return 1;
+    }
+    return 0;
+}
