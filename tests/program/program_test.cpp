@@ -28,7 +28,7 @@ protected:
 TEST_F(ProgramTest, KeysStartAndStopMonitoringAndSamplesReachChartAndFile)
 {
     start();
-    EXPECT_EQ(program->window().windowTitle(), "Monitorizare PLC v2.0.0");
+    EXPECT_EQ(program->window().windowTitle(), "Monitorizare PLC v2.1.0");
     EXPECT_FALSE(program->station().monitorActive);
     EXPECT_TRUE(program->window().findChild<QObject *>("ControlPlc"));
     hit(Qt::Key_F1);
