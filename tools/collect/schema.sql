@@ -103,8 +103,10 @@ BEGIN
     IF NOT FOUND THEN
         INSERT INTO station (name) VALUES (station_name) RETURNING id INTO station_id;
     END IF;
+    -- The same bytes again, from two collectors at once, replace nothing: the index refuses them.
     UPDATE archive SET replaced = now()
-    WHERE station = station_id AND name = archive_name AND replaced IS NULL;
+    WHERE station = station_id AND name = archive_name AND replaced IS NULL
+      AND archive.sha256 <> add_archive.sha256;
     INSERT INTO archive (station, name, size, modified, sha256, samples)
     VALUES (station_id, archive_name, add_archive.size, add_archive.modified, add_archive.sha256,
             add_archive.samples);
