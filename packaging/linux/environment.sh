@@ -10,9 +10,14 @@ fail() {
     exit 1
 }
 
-# choose_package [DEB]: sets $deb to DEB, relative to the caller's folder, or to the package last built.
-choose_package() {
-    local made=("$repository"/build/packages/monitor-autoclava_*.deb)
+# choose_packages [DEB]: sets $deb to the station's package DEB, relative to the caller's folder, or to the
+# one last built; $jettool_deb and $collect_deb to those beside it; $version.
+choose_packages() {
+    local made=("$repository"/build/packages/monitor-autoclava_*.deb) folder file
     deb=$(readlink -m "${1:-${made[0]}}")
     [ -f "$deb" ] || fail "no package $deb: build it with ./package linux"
+    version=$(dpkg-deb -f "$deb" Version) folder=$(dirname "$deb")
+    jettool_deb=$folder/jettool_${version}_$(dpkg-deb -f "$deb" Architecture).deb
+    collect_deb=$folder/monitor-autoclava-collect_${version}_all.deb
+    for file in "$jettool_deb" "$collect_deb"; do [ -f "$file" ] || fail "no package $file"; done
 }
