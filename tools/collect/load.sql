@@ -6,7 +6,7 @@ SET search_path = pg_temp;
 
 CREATE TEMPORARY TABLE incoming (:columns) ON COMMIT DROP;
 \copy incoming FROM pstdin WITH (FORMAT csv, HEADER)
--- A table designed elsewhere need not have every column; Id, Data and Ora it must have.
+-- A table designed in another program may lack a column, but not Id, Data or Ora.
 ALTER TABLE incoming
     ADD COLUMN IF NOT EXISTS senzor1 double precision,
     ADD COLUMN IF NOT EXISTS senzor2 double precision,

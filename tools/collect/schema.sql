@@ -2,8 +2,8 @@
 --
 --   psql -X -1 -v ON_ERROR_STOP=1 -d autoclaves -f schema.sql
 --
--- Nothing here is ever deleted or overwritten by `collect`: an archive that was written anew is
--- stored beside its earlier version, which is marked as replaced in the same transaction.
+-- `collect` never deletes or overwrites: a rewritten archive is stored beside its earlier version, which
+-- is marked as replaced in the same transaction.
 
 -- Roles that grant rights; a login becomes a member of one. They belong to the whole server, which
 -- may have them already.
