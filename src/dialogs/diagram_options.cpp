@@ -159,7 +159,8 @@ void DiagramOptions::takeSavedTab(OptionTab tab, const QStringList &values)
 
 void DiagramOptions::takeSavedScanOptions(const QStringList &values)
 {
-    std::array<qint16, 2 * channels::kDiagrams> numbers{}; // all converted before one is stored
+    // All are converted before one is stored.
+    std::array<qint16, std::size_t{2} * channels::kDiagrams> numbers{};
     for (std::size_t i = 0; i < numbers.size(); ++i)
         numbers[i] = int16FromText(values.at(static_cast<qsizetype>(i)));
     for (std::size_t diagram = 0; diagram < channels::kDiagrams; ++diagram) {
