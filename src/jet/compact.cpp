@@ -1,13 +1,13 @@
 #include "jet/compact.h"
 
-#include "jet/draft.h"
-#include "jet/header_page.h"
-#include "jet/new_database.h"
-#include "jet/session.h"
-#include "jet/table_builder.h"
+#include "jet/file/draft.h"
+#include "jet/format/header_page.h"
+#include "jet/format/text_codec.h"
+#include "jet/store/new_database.h"
+#include "jet/store/session.h"
+#include "jet/store/table_builder.h"
+#include "jet/store/verify.h"
 #include "jet/table_design.h"
-#include "jet/text_codec.h"
-#include "jet/verify.h"
 
 #include <algorithm>
 

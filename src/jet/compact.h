@@ -1,6 +1,6 @@
 #pragma once
 
-#include "jet/file.h"
+#include "jet/file/file.h"
 #include "jet/value.h"
 
 #include <filesystem>

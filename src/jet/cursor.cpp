@@ -1,8 +1,8 @@
 #include "jet/cursor.h"
 
-#include "jet/assignment.h"
-#include "jet/row_walk.h"
-#include "jet/session.h"
+#include "jet/store/assignment.h"
+#include "jet/store/row_walk.h"
+#include "jet/store/session.h"
 
 #include <utility>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "jet/bytes.h"
+#include "jet/format/bytes.h"
 #include "jet/value.h"
 
 #include <cstdint>

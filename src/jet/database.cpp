@@ -1,9 +1,9 @@
 #include "jet/database.h"
 
-#include "jet/new_database.h"
-#include "jet/session.h"
-#include "jet/table_builder.h"
-#include "jet/verify.h"
+#include "jet/store/new_database.h"
+#include "jet/store/session.h"
+#include "jet/store/table_builder.h"
+#include "jet/store/verify.h"
 
 namespace jet
 {

@@ -1,9 +1,9 @@
 #include "jet/table.h"
 
-#include "jet/assignment.h"
-#include "jet/row_walk.h"
-#include "jet/session.h"
-#include "jet/text_codec.h"
+#include "jet/format/text_codec.h"
+#include "jet/store/assignment.h"
+#include "jet/store/row_walk.h"
+#include "jet/store/session.h"
 #include "jet/value_conversion.h"
 
 #include <algorithm>

@@ -1,7 +1,7 @@
 #include "jet/table_design.h"
 
-#include "jet/table_store.h"
-#include "jet/text_codec.h"
+#include "jet/format/text_codec.h"
+#include "jet/store/table_store.h"
 
 #include <algorithm>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "jet/table_definition.h"
+#include "jet/format/table_definition.h"
 
 #include <vector>
 

@@ -1,11 +1,11 @@
 #include "jet/value_conversion.h"
 
-#include "jet/date_text.h"
-#include "jet/guid.h"
-#include "jet/hex_text.h"
-#include "jet/numeric.h"
-#include "jet/text_codec.h"
-#include "jet/value_access.h"
+#include "jet/format/date_time_text.h"
+#include "jet/format/guid.h"
+#include "jet/format/hex_text.h"
+#include "jet/format/numeric.h"
+#include "jet/format/text_codec.h"
+#include "jet/format/value_access.h"
 
 #include <algorithm>
 #include <charconv>

@@ -1,5 +1,5 @@
 #include "storage/storage_file.h"
-#include "jet/new_database.h"
+#include "jet/store/new_database.h"
 #include "storage/tabel.h"
 
 std::filesystem::path nativePath(const QString &path)

@@ -1,7 +1,7 @@
 #include "app/settings/chart_settings.h"
 #include "diagrams/history_date.h"
 #include "diagrams/history_layout.h"
-#include "jet/file.h"
+#include "jet/file/file.h"
 #include "platform/file_date.h"
 #include "platform/runtime_error.h"
 #include "storage/storage_names.h"

@@ -2,8 +2,8 @@
 #include "tests/jet/sample_database.h"
 
 #include "jet/compact.h"
-#include "jet/journal.h"
-#include "jet/new_database.h"
+#include "jet/file/journal.h"
+#include "jet/store/new_database.h"
 
 #include <gtest/gtest.h>
 

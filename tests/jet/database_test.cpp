@@ -1,6 +1,6 @@
 #include "manual_example.h" // the code of docs/jet-engine.md, made from it by CMake
 
-#include "jet/session.h"
+#include "jet/store/session.h"
 #include "tests/jet/new_database.h"
 
 #include <limits>

@@ -1,10 +1,10 @@
 #pragma once
 
-#include "jet/data_page.h"
-#include "jet/index_page.h"
-#include "jet/journal.h"
-#include "jet/row_codec.h"
-#include "jet/table_definition_codec.h"
+#include "jet/file/journal.h"
+#include "jet/format/data_page.h"
+#include "jet/format/index_page.h"
+#include "jet/format/row_codec.h"
+#include "jet/format/table_definition_codec.h"
 
 #include <algorithm>
 #include <filesystem>

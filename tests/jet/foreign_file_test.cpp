@@ -1,6 +1,6 @@
 #include "jet/compact.h"
-#include "jet/session.h"
-#include "jet/table_builder.h"
+#include "jet/store/session.h"
+#include "jet/store/table_builder.h"
 #include "tests/jet/file_image.h"
 #include "tests/jet/sample_database.h"
 

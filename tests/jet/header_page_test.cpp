@@ -1,4 +1,4 @@
-#include "jet/header_page.h"
+#include "jet/format/header_page.h"
 #include "tests/jet/jet_testing.h"
 
 #include <gtest/gtest.h>

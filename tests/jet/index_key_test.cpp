@@ -1,4 +1,4 @@
-#include "jet/index_key.h"
+#include "jet/format/index_key.h"
 #include "tests/jet/jet_testing.h"
 
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "jet/file.h"
+#include "jet/file/file.h"
 #include "tests/jet/file_image.h"
 #include "tests/jet/sample_database.h"
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "jet/bytes.h"
-#include "jet/table_definition.h"
+#include "jet/format/bytes.h"
+#include "jet/format/table_definition.h"
 
 #include <charconv>
 #include <optional>

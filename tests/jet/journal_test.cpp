@@ -1,4 +1,4 @@
-#include "jet/journal.h"
+#include "jet/file/journal.h"
 
 #include "tests/jet/interrupted_append.h"
 

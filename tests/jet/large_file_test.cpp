@@ -1,4 +1,4 @@
-#include "jet/page.h"
+#include "jet/format/page.h"
 #include "tests/jet/sample_database.h"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include "jet/row_codec.h"
+#include "jet/format/row_codec.h"
 #include "tests/jet/sample_database.h"
 
 #include <gtest/gtest.h>

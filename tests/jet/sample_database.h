@@ -1,7 +1,7 @@
 #pragma once
 
 #include "jet/database.h"
-#include "jet/text_codec.h"
+#include "jet/format/text_codec.h"
 #include "tests/jet/jet_testing.h"
 #include "tests/jet/mdbtools.h"
 

@@ -1,6 +1,6 @@
 #include "jet/compact.h"
-#include "jet/new_database.h"
-#include "jet/session.h"
+#include "jet/store/new_database.h"
+#include "jet/store/session.h"
 
 #include "tests/jet/interrupted_append.h"
 

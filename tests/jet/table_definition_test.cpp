@@ -1,6 +1,6 @@
-#include "jet/header_page.h"
-#include "jet/system_tables.h"
-#include "jet/table_definition_codec.h"
+#include "jet/format/header_page.h"
+#include "jet/format/table_definition_codec.h"
+#include "jet/store/system_tables.h"
 #include "tests/jet/sample_database.h"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include "jet/text_codec.h"
+#include "jet/format/text_codec.h"
 #include "jet/value_conversion.h"
 #include "tests/jet/jet_testing.h"
 

@@ -1,5 +1,5 @@
 #include "jet/database.h"
-#include "jet/file.h"
+#include "jet/file/file.h"
 #include "storage/measurement_store.h"
 #include "storage/recordset_model.h"
 #include "storage/storage_file.h"

@@ -5,8 +5,8 @@
 
 #include "jet/compact.h"
 #include "jet/database.h"
-#include "jet/date_text.h"
-#include "jet/text_codec.h"
+#include "jet/format/date_time_text.h"
+#include "jet/format/text_codec.h"
 
 #include <chrono>
 #include <ctime>

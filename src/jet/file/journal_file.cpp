@@ -1,0 +1,131 @@
+#include "jet/file/journal_file.h"
+
+#include "jet/error.h"
+
+#include <algorithm>
+#include <string>
+#include <utility>
+
+namespace jet
+{
+namespace
+{
+
+/// What a long statement took of the disk is given back.
+constexpr std::uint64_t kLargestKept = 1 << 20;
+constexpr std::uint64_t kSizeWhenCut = 65536;
+
+} // namespace
+
+JournalFile::JournalFile(FileSystem &files, std::filesystem::path database,
+                         const OpenOptions &options)
+    : m_files(files), m_database(std::move(database)), m_path(journalPath(m_database)),
+      m_options(options)
+{
+}
+
+/// Opens the file that has the name now; false when there is none.
+bool JournalFile::find()
+{
+    if (m_file && m_file->isNamed(m_path))
+        return true;
+    m_file.reset();
+    if (!m_files.exists(m_path))
+        return false;
+    try {
+        m_file = m_files.open(m_path, m_options.readOnly ? FileSystem::Access::Read
+                                                         : FileSystem::Access::Write);
+        if (!m_options.readOnly)
+            m_files.matchAccess(m_path, m_database); // which may have been given to others since
+        m_mark = {};
+        m_file->read(0, m_mark);
+    } catch (const Error &error) {
+        if (error.code() != ErrorCode::FileNotFound)
+            throw;
+        return false; // removed meanwhile
+    }
+    return true;
+}
+
+bool JournalFile::hasStatement()
+{
+    if (!find())
+        return false;
+    JournalMark mark{};
+    m_file->read(kStatementOffset, mark);
+    return mark == kStatementMark || m_mark == kOldStatementMark;
+}
+
+std::optional<Journal> JournalFile::read()
+{
+    return find() ? Journal::read(*m_file) : std::nullopt;
+}
+
+void JournalFile::write(PageNo pagesBefore, PageNo pagesAfter,
+                        std::span<const PageWitness> witnesses, std::span<const PageChange> changes)
+{
+    if (!find())
+        make();
+    try {
+        m_end = Journal::write(*m_file, pagesBefore, pagesAfter, witnesses, changes);
+        if (m_options.durability == Durability::Synced) {
+            m_file->sync();
+            makeNameDurable();
+        }
+    } catch (const Error &) {
+        clear();
+        throw;
+    }
+}
+
+void JournalFile::make()
+{
+    m_file = m_files.open(m_path, FileSystem::Access::Create);
+    m_files.matchAccess(m_path, m_database);
+    m_mark = {};
+}
+
+/// Without its name on the disk the journal would be lost with the power. That the file is there
+/// does not show whether its maker came as far as that; the mark does.
+void JournalFile::makeNameDurable()
+{
+    if (m_mark == kDurableNameMark)
+        return;
+    m_files.syncFolder(m_path.parent_path());
+    m_file->write(0, kDurableNameMark);
+    m_mark = kDurableNameMark;
+}
+
+void JournalFile::clear() noexcept
+{
+    try {
+        if (m_mark == kOldStatementMark) {
+            m_file->resize(0);
+            m_mark = {};
+            return;
+        }
+        m_file->write(kStatementOffset, JournalMark{});
+        if (std::exchange(m_end, 0) > kLargestKept)
+            m_file->resize(kSizeWhenCut);
+    } catch (const Error &) {
+        return;
+    }
+}
+
+std::filesystem::path JournalFile::keepAside()
+{
+    m_file.reset();
+    for (int number = 1;; ++number) {
+        std::filesystem::path name = m_path;
+        name += number == 1 ? ".kept" : ".kept" + std::to_string(number);
+        try {
+            m_files.place(m_path, name);
+            return name;
+        } catch (const Error &error) {
+            if (error.code() != ErrorCode::FileExists)
+                throw;
+        }
+    }
+}
+
+} // namespace jet

@@ -1,0 +1,397 @@
+#include "jet/file/pager.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace jet
+{
+Pager::Pager(std::shared_ptr<FileSystem> files, const std::filesystem::path &path,
+             const OpenOptions &options, Use use, SoundnessCheck isSound)
+    : m_files(std::move(files)), m_name(path), m_path(m_files->resolve(path)), m_options(options),
+      m_use(use), m_isSound(std::move(isSound)), m_journal(*m_files, m_path, options),
+      m_cache(options.cachedPages)
+{
+    const auto access = m_options.readOnly ? FileSystem::Access::Read : FileSystem::Access::Write;
+    openFile(access);
+    openLockFile(access);
+}
+
+Pager::~Pager()
+{
+    rollback();
+}
+
+void Pager::openFile(FileSystem::Access access)
+{
+    do {
+        m_file = m_files->open(m_path, access);
+        lock(LockPart::Opener, LockMode::Shared,
+             "the file is opened exclusively by another program");
+        // While the lock was waited for, another file may have taken this one's place.
+    } while (!m_file->isNamed(m_path));
+}
+
+void Pager::openLockFile(FileSystem::Access access)
+{
+    const std::filesystem::path path = lockPath(m_path);
+    if (m_use == Use::Draft || path == m_path) // a database may be called name.ldb itself
+        return;
+    do {
+        m_lockFile = m_files->openLock(path, access);
+        if (!m_lockFile)
+            return;
+        if (m_lockFile->isNew())
+            m_files->matchAccess(path, m_path);
+        if (!m_lockFile->lock(LockMode::Shared, m_options.lockTimeout))
+            throw Error(ErrorCode::InUse,
+                        "Could not use '" + displayName(m_path) +
+                            "': the file is opened exclusively by another program.");
+        // The last user may have removed it after this one had opened it.
+    } while (!m_lockFile->isNamed());
+}
+
+/// Users remove lock files that look left over. The database program would then lock another one.
+void Pager::renewLockFile()
+{
+    if (m_lockFile && !m_lockFile->isNamed())
+        openLockFile(FileSystem::Access::Write);
+}
+
+/// What is written to a file that nobody can find any more is lost.
+void Pager::requireName()
+{
+    if (m_file->isNamed(m_name))
+        return;
+    if (!m_files->exists(m_name))
+        throwFileNotFound(m_name);
+    throw Error(ErrorCode::DiskError, "'" + displayName(m_name) +
+                                          "' was replaced by another file while it was open. "
+                                          "The change was not stored.");
+}
+
+PageRef Pager::read(PageNo page)
+{
+    if (m_inTransaction) {
+        if (const auto changed = m_changes.find(page); changed != m_changes.end())
+            return changed->second.after;
+        m_reliedOn.insert(page);
+    }
+    return load(page);
+}
+
+std::shared_ptr<PageBuffer> Pager::load(PageNo page)
+{
+    if (auto cached = m_cache.find(page))
+        return cached;
+    if (m_isGlancing)
+        endGlance();
+    if (page >= m_pageCount)
+        throwDamaged("a reference leads to page " + std::to_string(page) +
+                         " behind the end of the file",
+                     page);
+    auto content = std::make_shared<PageBuffer>();
+    if (const auto waiting = m_overlay.find(page); waiting != m_overlay.end())
+        *content = *waiting->second;
+    else if (m_file->read(fileOffset(page), *content) != kPageSize)
+        throwDamaged("the file ends inside page " + std::to_string(page), page);
+    m_cache.keep(page, content);
+    return content;
+}
+
+PageBuffer &Pager::edit(PageNo page)
+{
+    if (!m_inTransaction)
+        throw Error(ErrorCode::NoTransaction, "A page was changed outside a transaction.");
+    ++m_version;
+    if (const auto changed = m_changes.find(page); changed != m_changes.end())
+        return *changed->second.after;
+    std::shared_ptr<PageBuffer> before = load(page);
+    auto after = std::make_shared<PageBuffer>(*before);
+    PageBuffer &result = *after;
+    m_changes.emplace(page, ChangedPage{std::move(before), std::move(after)});
+    return result;
+}
+
+PageNo Pager::extend()
+{
+    if (!m_inTransaction)
+        throw Error(ErrorCode::NoTransaction, "A page was added outside a transaction.");
+    constexpr PageNo kMaxPages = 0x80000; // 2 GiB, the format's limit
+    if (m_pageCount >= kMaxPages)
+        throw Error(ErrorCode::DiskFull, "The database has reached its largest size.");
+    ++m_version;
+    m_changes.emplace(m_pageCount, ChangedPage{nullptr, std::make_shared<PageBuffer>()});
+    return m_pageCount++;
+}
+
+void Pager::begin()
+{
+    if (m_options.readOnly)
+        throw Error(ErrorCode::ReadOnly, "'" + displayName(m_path) +
+                                             "' is open for reading only and cannot be changed.");
+    if (m_inTransaction)
+        throw Error(ErrorCode::InvalidArgument, "A transaction is already running.");
+    lockWriter();
+    try {
+        renewLockFile();
+        lookAtFile(); // nobody else changes it now
+    } catch (...) {
+        m_mustLook = true;
+        unlockWriter();
+        throw;
+    }
+    m_pageCountBefore = m_pageCount;
+    m_inTransaction = true;
+}
+
+void Pager::commit()
+{
+    if (!m_inTransaction)
+        throw Error(ErrorCode::NoTransaction, "There is no transaction to commit.");
+    if (m_changes.empty()) {
+        endTransaction();
+        return;
+    }
+    try {
+        countChange(edit(kHeaderPage));
+        lockPages(LockMode::Exclusive, "another program is reading it");
+        requireName();
+        applyChanges();
+    } catch (...) {
+        rollback();
+        m_mustLook = true;
+        throw;
+    }
+    m_counter = counterOf(*m_changes.at(kHeaderPage).after);
+    for (auto &[page, change] : m_changes)
+        m_cache.keep(page, std::move(change.after));
+    endTransaction();
+}
+
+std::vector<PageChange> Pager::sortedChanges() const
+{
+    std::vector<PageChange> changes;
+    changes.reserve(m_changes.size());
+    for (const auto &[page, change] : m_changes)
+        changes.push_back({page, change.before.get(), change.after.get()});
+    std::ranges::sort(changes, {}, &PageChange::page);
+    return changes;
+}
+
+/// Other programs leave traces on page 1, and on page 0, which always changes, whatever they write.
+std::vector<PageWitness> Pager::witnesses()
+{
+    m_reliedOn.insert(kGlobalMapPage);
+    std::vector<PageWitness> result;
+    for (const PageNo page : m_reliedOn) {
+        if (!m_changes.contains(page))
+            result.push_back({page, hashBytes(*load(page))});
+    }
+    return result;
+}
+
+void Pager::applyChanges()
+{
+    const std::vector<PageChange> changes = sortedChanges();
+    if (m_use == Use::Draft) {
+        writePages(*m_file, changes);
+        return;
+    }
+    m_journal.write(m_pageCountBefore, m_pageCount, witnesses(), changes);
+    writeOrUndo(changes);
+    m_journal.clear();
+}
+
+void Pager::writeOrUndo(const std::vector<PageChange> &changes)
+{
+    try {
+        writePages(*m_file, changes);
+        syncIfWanted();
+    } catch (const Error &failure) {
+        try {
+            undoChanges();
+        } catch (const Error &) {
+            throw Error(failure.code(), std::string(failure.what()) +
+                                            " The change is kept beside the file and is finished "
+                                            "as soon as the disk can be written again.");
+        }
+        m_journal.clear();
+        throw;
+    }
+}
+
+void Pager::undoChanges()
+{
+    std::vector<PageChange> changes;
+    for (const auto &[page, change] : m_changes) {
+        if (change.before)
+            changes.push_back({page, nullptr, change.before.get()});
+    }
+    std::ranges::sort(changes, {}, &PageChange::page);
+    writePages(*m_file, changes);
+    m_file->resize(fileOffset(m_pageCountBefore));
+    syncIfWanted();
+}
+
+void Pager::rollback()
+{
+    if (!m_inTransaction)
+        return;
+    m_pageCount = m_pageCountBefore;
+    ++m_version;
+    ++m_foreignVersion;
+    endTransaction();
+}
+
+void Pager::endTransaction()
+{
+    m_changes.clear();
+    m_reliedOn.clear();
+    m_inTransaction = false;
+    releasePages();
+    unlockWriter();
+}
+
+void Pager::releasePages()
+{
+    if (m_readDepth > 0)
+        weaken(LockPart::Pages);
+    else
+        m_file->unlock(LockPart::Pages);
+}
+
+void Pager::beginRead()
+{
+    if (!isReading()) {
+        lockPages(LockMode::Shared, "another program is writing to it");
+        try {
+            lookAtFile();
+        } catch (...) {
+            m_mustLook = true; // what was to be seen has not been seen yet
+            m_file->unlock(LockPart::Pages);
+            throw;
+        }
+    }
+    ++m_readDepth;
+}
+
+void Pager::endRead()
+{
+    if (--m_readDepth == 0 && !m_inTransaction && !m_isGlancing)
+        m_file->unlock(LockPart::Pages);
+    if (m_readDepth == 0)
+        m_isGlancing = false;
+}
+
+bool Pager::isUnchanged()
+{
+    return isReading() || (!m_mustLook && storedCounter() == m_counter);
+}
+
+void Pager::beginGlance()
+{
+    m_isGlancing = m_isGlancing || !isReading();
+    ++m_readDepth;
+}
+
+/// A page can be trusted under the lock only.
+void Pager::endGlance()
+{
+    lockPages(LockMode::Shared, "another program is writing to it");
+    m_isGlancing = false;
+    if (storedCounter() != m_counter)
+        throw Overtaken();
+}
+
+void Pager::lock(LockPart part, LockMode mode, const char *who)
+{
+    if (m_use == Use::Draft)
+        return;
+    if (!m_file->lock(part, mode, m_options.lockTimeout))
+        throw Error(ErrorCode::InUse,
+                    "Could not use '" + displayName(m_path) + "': " + std::string(who) + ".");
+}
+
+/// Readers that come one after the other would otherwise keep a writer waiting for ever.
+void Pager::lockPages(LockMode mode, const char *who)
+{
+    lock(LockPart::Turn, mode, who);
+    try {
+        lock(LockPart::Pages, mode, who);
+    } catch (...) {
+        m_file->unlock(LockPart::Turn);
+        throw;
+    }
+    m_file->unlock(LockPart::Turn);
+}
+
+void Pager::lockWriter()
+{
+    lock(LockPart::Writer, LockMode::Exclusive, "another program is writing to it");
+    m_holdsWriter = true;
+}
+
+void Pager::unlockWriter()
+{
+    m_file->unlock(LockPart::Writer);
+    m_holdsWriter = false;
+}
+
+void Pager::syncIfWanted()
+{
+    if (m_options.durability == Durability::Synced)
+        m_file->sync();
+}
+
+void Pager::forgetPages()
+{
+    m_cache.clear();
+    m_overlay.clear();
+    ++m_version;
+    ++m_foreignVersion;
+}
+
+void Pager::refreshPageCount()
+{
+    std::uint64_t pages = m_file->size() / kPageSize;
+    if (!m_overlay.empty())
+        pages = std::max<std::uint64_t>(pages, m_overlay.rbegin()->first + std::uint64_t{1});
+    m_pageCount = static_cast<PageNo>(std::min<std::uint64_t>(pages, 0xFFFFFF));
+}
+
+void Pager::lockOpeners()
+{
+    if (m_file->lock(LockPart::Opener, LockMode::Exclusive, m_options.lockTimeout)) {
+        if (!m_lockFile || m_lockFile->lock(LockMode::Exclusive, m_options.lockTimeout))
+            return;
+        weaken(LockPart::Opener);
+    }
+    throw Error(ErrorCode::TableLocked, "Could not lock a table of '" + displayName(m_path) +
+                                            "': another program has the database open.");
+}
+
+void Pager::unlockOpeners()
+{
+    weaken(LockPart::Opener);
+}
+
+void Pager::releaseName()
+{
+    m_journal.release();
+    m_file->releaseName();
+}
+
+/// Called while an object is destroyed. A lock that cannot be weakened stays the stronger one:
+/// others wait longer, nothing is lost.
+void Pager::weaken(LockPart part) noexcept
+{
+    try {
+        m_file->tryLock(part, LockMode::Shared);
+        if (part == LockPart::Opener && m_lockFile)
+            m_lockFile->tryLock(LockMode::Shared);
+    } catch (const Error &) {
+        return;
+    }
+}
+
+} // namespace jet

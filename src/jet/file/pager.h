@@ -1,0 +1,188 @@
+#pragma once
+
+#include "jet/file/file.h"
+#include "jet/file/journal_file.h"
+#include "jet/file/page_cache.h"
+#include "jet/format/header_page.h"
+#include "jet/open_options.h"
+
+#include <filesystem>
+#include <functional>
+#include <map>
+#include <memory>
+#include <unordered_map>
+#include <unordered_set>
+#include <vector>
+
+namespace jet
+{
+
+// The pages of one database file: a bounded cache, transactions, and the agreement with other
+// openers. A transaction collects the new content of pages in memory; commit() writes them through
+// the journal (see journal.h), so the file goes from one consistent state to the next in one step
+// for every other opener and across every kind of stop.
+//
+// Each commit changes the change counter in page 0, and page 0 is the first page it writes. What an
+// opener keeps in memory is therefore true as long as the counter is the one it was read under, and
+// pages are loaded only under the lock that keeps writers out.
+class Pager
+{
+public:
+    enum class Use {
+        Shared,
+        Draft, ///< nobody else knows the file, and a stop makes it worthless: no locks, no journal
+    };
+    /// True when all pages fit together.
+    using SoundnessCheck = std::function<bool(Pager &)>;
+
+    /// Opens the file. What an interrupted statement left is finished or dropped at the first look
+    /// at the file; a read-only opener only sees the file as it will be then. `isSound` decides
+    /// where the journal alone does not tell whether it belongs to the file. Throws
+    /// Error(FileNotFound), Error(ReadOnly), Error(InUse).
+    Pager(std::shared_ptr<FileSystem> files, const std::filesystem::path &path,
+          const OpenOptions &options, Use use, SoundnessCheck isSound);
+    ~Pager();
+    Pager(const Pager &) = delete;
+    Pager &operator=(const Pager &) = delete;
+
+    /// Pages of the file, with those a running transaction has added.
+    PageNo pageCount() const { return m_pageCount; }
+
+    /// The content of a page. Throws Error(Damaged) for a page behind the end of the file.
+    PageRef read(PageNo page);
+
+    /// The page for changing; the reference stays valid until the transaction ends.
+    PageBuffer &edit(PageNo page);
+    /// A page of zeros behind the last one.
+    PageNo extend();
+
+    /// Starts a transaction. Throws Error(ReadOnly), Error(InUse) when another opener writes, and
+    /// what a look at the file throws.
+    void begin();
+    /// Writes the transaction. On failure the file is put back and the transaction rolled back; on
+    /// a disk that does not even take the old pages back, the journal keeps the transaction, the
+    /// error's description says so, and the next opener or statement finishes it. Throws
+    /// Error(FileNotFound), Error(DiskError) when the name does not lead to the file any more.
+    void commit();
+    void rollback();
+    bool inTransaction() const { return m_inTransaction; }
+
+    /// While one lives, no other opener changes the file; pages and versions read under it belong
+    /// together. May be nested. Throws Error(InUse), Error(NotADatabase) for a file of less than
+    /// one page, Error(Damaged) when an interrupted statement fits the file neither way.
+    class ReadScope
+    {
+    public:
+        explicit ReadScope(Pager &pager) : m_pager(pager) { m_pager.beginRead(); }
+        ~ReadScope() { m_pager.endRead(); }
+        ReadScope(const ReadScope &) = delete;
+        ReadScope &operator=(const ReadScope &) = delete;
+
+    private:
+        Pager &m_pager;
+    };
+
+    /// The same without a lock until a page has to be loaded, only when isUnchanged(). When the
+    /// file has changed by then, loading throws Overtaken, and what was read so far is old.
+    class Glance
+    {
+    public:
+        explicit Glance(Pager &pager) : m_pager(pager) { m_pager.beginGlance(); }
+        ~Glance() { m_pager.endRead(); }
+        Glance(const Glance &) = delete;
+        Glance &operator=(const Glance &) = delete;
+
+    private:
+        Pager &m_pager;
+    };
+    struct Overtaken {
+    };
+    /// True while nobody has changed the file since it was looked at last.
+    bool isUnchanged();
+    bool isReading() const { return m_readDepth > 0 || m_inTransaction; }
+
+    /// Changes with every change of any page, by this opener or another: what was worked out from
+    /// pages under another version has to be worked out again.
+    std::uint64_t version() const { return m_version; }
+    /// Changes when definitions may have changed: after a rollback or a change by another opener.
+    std::uint64_t foreignVersion() const { return m_foreignVersion; }
+
+    /// Keeps every other opener out until unlockOpeners(). Throws Error(TableLocked).
+    void lockOpeners();
+    void unlockOpeners();
+
+    /// Lets another file take the name; the locks are kept as long as the system lets. Nothing else
+    /// may follow.
+    void releaseName();
+
+    const std::filesystem::path &path() const { return m_path; }
+
+private:
+    struct ChangedPage {
+        PageRef before; ///< null for a new page
+        std::shared_ptr<PageBuffer> after;
+    };
+    enum class Remedy { Drop, Finish, KeepAside };
+
+    void openFile(FileSystem::Access access);
+    void openLockFile(FileSystem::Access access);
+    void renewLockFile();
+    void requireName();
+    void beginRead();
+    void beginGlance();
+    void endRead();
+    void endGlance();
+    void lock(LockPart part, LockMode mode, const char *who);
+    void lockPages(LockMode mode, const char *who);
+    void lockWriter();
+    void unlockWriter();
+    void releasePages();
+    void weaken(LockPart part) noexcept;
+    ChangeCounter storedCounter();
+    void lookAtFile();
+    void recover();
+    void loadOverlay();
+    void finishJournal();
+    void finish(const Journal &journal);
+    Remedy remedyFor(const Journal &journal);
+    bool isSoundWith(const std::map<PageNo, PageRef> &pages);
+    std::vector<PageChange> sortedChanges() const;
+    std::vector<PageWitness> witnesses();
+    void applyChanges();
+    void writeOrUndo(const std::vector<PageChange> &changes);
+    void undoChanges();
+    void syncIfWanted();
+    void endTransaction();
+    std::shared_ptr<PageBuffer> load(PageNo page);
+    void forgetPages();
+    void refreshPageCount();
+
+    std::shared_ptr<FileSystem> m_files;
+    std::filesystem::path m_name; ///< as it was given
+    std::filesystem::path m_path; ///< where it led
+    OpenOptions m_options;
+    Use m_use;
+    SoundnessCheck m_isSound;
+    JournalFile m_journal;
+    std::unique_ptr<File> m_file;
+    std::unique_ptr<LockFile> m_lockFile; ///< null where there can be none
+
+    PageNo m_pageCount = 0;
+    PageNo m_pageCountBefore = 0; ///< when the transaction began
+    std::uint64_t m_version = 1;
+    std::uint64_t m_foreignVersion = 1;
+    ChangeCounter m_counter = 0; ///< that the pages in memory belong to
+    int m_readDepth = 0;
+    bool m_isGlancing = false; ///< reading without a lock
+    bool m_inTransaction = false;
+    bool m_holdsWriter = false;
+    bool m_mustLook = true; ///< what is in memory may not be what is in the file
+
+    PageCache m_cache;
+    /// Pages of a journal that a read-only opener may not apply.
+    std::map<PageNo, PageRef> m_overlay;
+    std::unordered_map<PageNo, ChangedPage> m_changes;
+    std::unordered_set<PageNo> m_reliedOn; ///< pages that the transaction has read
+};
+
+} // namespace jet

@@ -1,0 +1,70 @@
+#pragma once
+
+#include "jet/format/page.h"
+
+#include <optional>
+
+namespace jet
+{
+
+// Data page; offsets from the page start:
+//   0 u8 1 | 1 u8 1 | 2 u16 free bytes | 4 u32 definition page of the owning table | 8 u32 0 |
+//  12 u16 slot count n, deleted rows included | 14 u16 slot[n]: flags and start of the row
+// Rows fill the page from its end downwards in slot order: row i lies in [start(i), start(i - 1)).
+// Page and slot are a row's identity, so slots keep their place. Usage maps and long values lie on
+// pages of the same form.
+
+inline constexpr std::size_t kDataPageHeader = 14;
+/// Slot numbers are one byte in row pointers.
+inline constexpr std::size_t kMaxSlots = 255;
+/// Owner field of a long-value page.
+inline constexpr std::uint32_t kLongValueOwner = 0x4C41564C; // "LVAL"
+/// Owner field of a page of usage maps.
+inline constexpr std::uint32_t kUsageMapOwner = 0;
+
+namespace SlotFlag
+{
+inline constexpr std::uint16_t Moved = 0x8000;   ///< skipped by scans: a row's image moved here
+inline constexpr std::uint16_t Pointer = 0x4000; ///< the slot holds a pointer to the image
+inline constexpr std::uint16_t Deleted = 0xC000;
+} // namespace SlotFlag
+
+struct Slot {
+    std::size_t start = 0;
+    std::size_t length = 0;
+    std::uint16_t flags = 0;
+
+    bool isDeleted() const { return (flags & SlotFlag::Deleted) == SlotFlag::Deleted; }
+    bool isPointer() const { return (flags & SlotFlag::Deleted) == SlotFlag::Pointer; }
+    bool isMoved() const { return (flags & SlotFlag::Deleted) == SlotFlag::Moved; }
+    /// A scan of the table's pages stops here.
+    bool isRow() const { return (flags & SlotFlag::Moved) == 0; }
+};
+
+void initDataPage(MutablePageBytes page, std::uint32_t owner);
+
+/// Throws Error(Damaged) when the page is no data page of this owner or its slots do not fit it.
+void checkDataPage(PageBytes page, PageNo pageNo, std::uint32_t owner);
+
+std::size_t slotCount(PageBytes page);
+std::size_t freeBytes(PageBytes page);
+
+/// Throws Error(Damaged) when there is no such slot or its bounds lie outside the page.
+Slot slotAt(PageBytes page, PageNo pageNo, std::size_t slot);
+/// Bytes of a slot, valid until the page is changed. Throws as slotAt() does.
+ByteView rowAt(PageBytes page, PageNo pageNo, std::size_t slot);
+
+/// Adds a row; nothing when it does not fit.
+std::optional<std::uint8_t> insertRow(MutablePageBytes page, ByteView row);
+
+/// Gives a slot new bytes and flags and moves the rows below it; false when they do not fit.
+[[nodiscard]] bool replaceRow(MutablePageBytes page, PageNo pageNo, std::size_t slot, ByteView row,
+                              std::uint16_t flags = 0);
+
+/// Removes a row's bytes; its slot stays, marked as deleted.
+void deleteRow(MutablePageBytes page, PageNo pageNo, std::size_t slot);
+
+/// True when no slot holds anything any more, so that the page can be given back.
+bool isEmptyOfRows(PageBytes page, PageNo pageNo);
+
+} // namespace jet

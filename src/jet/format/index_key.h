@@ -1,0 +1,53 @@
+#pragma once
+
+#include "jet/format/bytes.h"
+#include "jet/format/table_definition.h"
+#include "jet/value.h"
+
+#include <span>
+#include <string_view>
+#include <vector>
+
+namespace jet
+{
+
+// Keys of an index. Comparing two keys byte by byte (unsigned, a prefix is smaller) orders them as
+// the index does. Each column adds: flag 7F, then the value in an ascending byte form; null is the
+// single byte 00. Descending columns have every byte complemented (so 80... and FF).
+
+struct KeyColumn {
+    ColumnType type = ColumnType::Long;
+    bool ascending = true;
+    /// Text and Memo: the sort order of the column.
+    std::uint16_t sortOrder = kGeneralSortOrder;
+    std::uint8_t sortVersion = 0;
+    /// For sorting in memory only: nothing is refused, what has no known place in an index gets
+    /// one of its own (unknown characters after all others, OLE and Block as Binary).
+    bool inMemory = false;
+};
+
+/// The columns of a real index in key order. Throws Error(Damaged) for an unknown column number.
+std::vector<KeyColumn> keyColumns(const TableDefinition &table, const RealIndex &index);
+
+struct IndexKey {
+    Bytes bytes;
+    bool anyNull = false; ///< exempt from uniqueness; forbidden in a required index
+    bool allNull = true;  ///< has no entry in an index that ignores nulls
+};
+
+/// `values` are those of the key's columns, in key order, each Null or of the column's type; a
+/// Memo column takes its Text. Throws Error(NotSupported) for what the engine cannot order as the
+/// database program does: OLE, descending Numeric, text of another sort order or with a character
+/// outside the known part of the General order; Error(TypeConversion) for a value of another type.
+IndexKey encodeIndexKey(std::span<const Value> values, std::span<const KeyColumn> columns);
+
+/// Adds one more column to a key; throws as encodeIndexKey() does.
+void appendKeyColumn(IndexKey &key, const Value &value, const KeyColumn &column);
+
+/// The sort bytes of a text in the General order, without flag byte: characters, 01, accents and
+/// specials when there are any, 00. Upper and lower case are equal, trailing spaces do not count,
+/// nor do characters after the 255th. A character that is not known throws Error(NotSupported), or
+/// with `sortUnknown` comes after all others.
+Bytes generalSortKey(std::u16string_view text, bool sortUnknown = false);
+
+} // namespace jet

@@ -1,0 +1,41 @@
+#pragma once
+
+#include "jet/format/bytes.h"
+
+#include <array>
+#include <memory>
+
+namespace jet
+{
+
+/// The content of one page.
+using PageBuffer = std::array<std::uint8_t, kPageSize>;
+
+/// Keeps a page's content alive, also when the cache has let go of it.
+using PageRef = std::shared_ptr<const PageBuffer>;
+
+/// The pages whose place is fixed.
+inline constexpr PageNo kHeaderPage = 0;
+inline constexpr PageNo kGlobalMapPage = 1;
+
+/// First byte of a page.
+enum class PageType : std::uint8_t {
+    Header = 0,
+    Data = 1,
+    TableDefinition = 2,
+    IndexNode = 3,
+    IndexLeaf = 4,
+    UsageBitmap = 5,
+};
+
+inline bool hasType(PageBytes page, PageType type)
+{
+    return page[0] == static_cast<std::uint8_t>(type) && page[1] == 1;
+}
+
+inline std::uint64_t fileOffset(PageNo page)
+{
+    return std::uint64_t{page} * kPageSize;
+}
+
+} // namespace jet

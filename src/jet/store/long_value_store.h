@@ -1,0 +1,32 @@
+#pragma once
+
+#include "jet/format/long_value.h"
+#include "jet/store/row_store.h"
+
+namespace jet
+{
+
+/// The long values (Memo, OLE) of one column, kept outside the rows.
+class LongValueStore
+{
+public:
+    LongValueStore(Pager &pager, const LongValueMaps &maps)
+        : m_pager(pager), m_rows(pager, kLongValueOwner, maps.ownedPages, maps.freeSpacePages)
+    {
+    }
+
+    /// Throws Error(Damaged) when a part is missing or the parts are not as long as the whole.
+    Bytes read(const LongValueRef &reference) const;
+    /// The reference a row gets for data; its place is not yet set, but it takes as many bytes.
+    static LongValueRef plan(ByteView data);
+    /// Stores the data. Throws Error(ValueTooLong).
+    LongValueRef write(ByteView data);
+    void erase(const LongValueRef &reference);
+    [[nodiscard]] std::vector<PageNo> clear() { return m_rows.clear(); }
+
+private:
+    Pager &m_pager;
+    RowStore m_rows;
+};
+
+} // namespace jet

@@ -1,0 +1,31 @@
+#pragma once
+
+#include "jet/file/pager.h"
+#include "jet/finding.h"
+
+#include <optional>
+#include <vector>
+
+namespace jet
+{
+
+class TableStore;
+
+/// Walks every page, map, row and index of a database and reports what does not fit together. Only
+/// reads. Damage that keeps a table from being read is reported once, and the next one is walked.
+std::vector<Finding> verify(Pager &pager);
+
+/// An entry that an index should hold.
+struct ExpectedEntry {
+    Bytes bytes;
+    bool anyNull = false; ///< its key may stand more than once
+};
+
+/// The part for one index: order, links, copies in the nodes, and that it holds exactly
+/// `expected`, the entries of the table's rows. Adds the pages of the tree to `pages`. `expected`
+/// is nothing when the keys of the index cannot be worked out.
+void verifyIndex(const TableStore &table, std::size_t realIndex,
+                 std::optional<std::vector<ExpectedEntry>> expected, std::vector<PageNo> &pages,
+                 std::vector<Finding> &findings);
+
+} // namespace jet
