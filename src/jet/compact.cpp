@@ -2,12 +2,12 @@
 
 #include "jet/file/draft.h"
 #include "jet/format/header_page.h"
-#include "jet/format/text_codec.h"
+#include "jet/format/make_definition.h"
 #include "jet/store/new_database.h"
 #include "jet/store/session.h"
 #include "jet/store/table_builder.h"
 #include "jet/store/verify.h"
-#include "jet/table_design.h"
+#include "jet/utf8.h"
 
 #include <algorithm>
 
@@ -96,6 +96,11 @@ void copyTables(Session &source, const std::shared_ptr<FileSystem> &files, Draft
 }
 
 } // namespace
+
+void compactDatabase(const std::filesystem::path &path, DateTime now)
+{
+    compactDatabase(path, now, makeSystemFiles());
+}
 
 void compactDatabase(const std::filesystem::path &path, DateTime now,
                      const std::shared_ptr<FileSystem> &files)

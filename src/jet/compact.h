@@ -1,12 +1,14 @@
 #pragma once
 
-#include "jet/file/file.h"
 #include "jet/value.h"
 
 #include <filesystem>
+#include <memory>
 
 namespace jet
 {
+
+class FileSystem;
 
 /// Writes every table of a database into a new file, without lost space, and puts it in place of
 /// the old one in one step. Nobody else may have the file open. Relationships, queries and other
@@ -14,8 +16,9 @@ namespace jet
 /// the engine cannot make, is refused with Error(NotSupported), and a damaged one with
 /// Error(Damaged), as what cannot be read would be lost. Throws Error(InUse), Error(DiskFull); the
 /// old file then is as it was. Owner and rights of the file are kept as far as the system lets.
-/// `files` are others than the system's only in tests.
+void compactDatabase(const std::filesystem::path &path, DateTime now);
+/// The same on other files than the system's, for tests.
 void compactDatabase(const std::filesystem::path &path, DateTime now,
-                     const std::shared_ptr<FileSystem> &files = makeSystemFiles());
+                     const std::shared_ptr<FileSystem> &files);
 
 } // namespace jet

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "jet/format/bytes.h"
+#include "jet/row_pointer.h"
 #include "jet/value.h"
 
 #include <cstdint>
@@ -19,9 +19,6 @@ class RowWalk;
 class Session;
 struct StoredRow;
 class TableStore;
-
-/// Values for columns named in any order.
-using Assignments = std::vector<std::pair<Text, Value>>;
 
 enum class Order { Ascending, Descending };
 

@@ -1,5 +1,6 @@
 #include "jet/database.h"
 
+#include "jet/format/make_definition.h"
 #include "jet/store/new_database.h"
 #include "jet/store/session.h"
 #include "jet/store/table_builder.h"

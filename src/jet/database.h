@@ -52,7 +52,9 @@ public:
     /// Names are compared without regard to case. Throws Error(NoSuchTable).
     Table table(const Text &name) const;
 
-    /// Throws Error(ObjectExists) and what makeDefinition() throws.
+    /// Throws Error(ObjectExists), Error(InvalidName), Error(DuplicateItem), Error(NoSuchItem) for
+    /// an index on a column that is not there, Error(TooManyColumns), Error(RecordTooLarge),
+    /// Error(InvalidArgument) for anything else the format cannot hold.
     Table createTable(const TableDesign &design, DateTime now);
     /// Throws Error(NoSuchTable), Error(TableLocked) while anybody else has the database open.
     void dropTable(const Text &name);

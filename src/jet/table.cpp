@@ -1,10 +1,11 @@
 #include "jet/table.h"
 
-#include "jet/format/text_codec.h"
+#include "jet/format/column_value.h"
+#include "jet/format/make_definition.h"
 #include "jet/store/assignment.h"
 #include "jet/store/row_walk.h"
 #include "jet/store/session.h"
-#include "jet/value_conversion.h"
+#include "jet/utf8.h"
 
 #include <algorithm>
 
@@ -60,7 +61,7 @@ void Table::appendRow(Row values)
         if (values.size() != columns.size())
             throw Error(ErrorCode::InvalidArgument, "A record needs one value for every column.");
         for (std::size_t column = 0; column < columns.size(); ++column)
-            values[column] = convertValue(values[column], columns[column]);
+            values[column] = columnValue(values[column], columns[column]);
         table.insert(std::move(values));
     });
 }

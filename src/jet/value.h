@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <utility>
 #include <variant>
 #include <vector>
 
@@ -69,6 +70,9 @@ using Value = std::variant<Null, bool, std::uint8_t, std::int16_t, std::int32_t,
 
 /// The values of a record, in the order of its table's columns.
 using Row = std::vector<Value>;
+
+/// Values for columns named in any order.
+using Assignments = std::vector<std::pair<Text, Value>>;
 
 inline bool isNull(const Value &value)
 {

@@ -1,11 +1,11 @@
 #include "jet/value_conversion.h"
 
+#include "jet/format/bytes.h"
 #include "jet/format/date_time_text.h"
 #include "jet/format/guid.h"
-#include "jet/format/hex_text.h"
 #include "jet/format/numeric.h"
-#include "jet/format/text_codec.h"
 #include "jet/format/value_access.h"
+#include "jet/utf8.h"
 
 #include <algorithm>
 #include <charconv>
@@ -145,14 +145,6 @@ Numeric toDecimal(const Value &value)
     return valueOrThrow(parseNumeric(numberText(toNumber(value), kDoubleDigits)));
 }
 
-Value toNumericColumn(const Value &value, const ColumnDefinition &column)
-{
-    const Numeric number = valueOrThrow(withScale(toDecimal(value), column.scale));
-    if (digitCount(number) > column.precision)
-        throwTypeConversion();
-    return number;
-}
-
 Value toDateTime(const Value &value)
 {
     std::optional<DateTime> moment;
@@ -165,28 +157,18 @@ Value toDateTime(const Value &value)
     return *moment;
 }
 
-Value toTextColumn(const Value &value, const ColumnDefinition &column)
+Value asText(const Value &value)
 {
     if (std::holds_alternative<Bytes>(value))
         throwTypeConversion();
-    Text text =
-        std::holds_alternative<Text>(value) ? std::get<Text>(value) : fromUtf8(defaultText(value));
-    if (column.type == ColumnType::Text && 2 * text.size() > column.length)
-        throwValueTooLong();
-    return text;
+    return std::holds_alternative<Text>(value) ? value : fromUtf8(defaultText(value));
 }
 
-Value toBinary(const Value &value, const ColumnDefinition &column)
+Value toBinary(const Value &value, ColumnType type)
 {
-    const auto *bytes = std::get_if<Bytes>(&value);
-    if (bytes == nullptr)
-        throwTypeConversion();
-    if (column.type != ColumnType::Ole && bytes->size() > column.length)
-        throwValueTooLong();
+    const auto &bytes = valueAs<Bytes>(value);
     // Nothing would mark the end of its key in an index, so other programs find that out of order.
-    if (column.type == ColumnType::Binary && bytes->empty())
-        return Null{};
-    return *bytes;
+    return type == ColumnType::Binary && bytes.empty() ? Value{} : value;
 }
 
 Value toGuid(const Value &value)
@@ -219,11 +201,11 @@ struct AsText {
 
 } // namespace
 
-Value convertValue(const Value &value, const ColumnDefinition &column)
+Value convertValue(const Value &value, ColumnType type)
 {
     if (isNull(value))
-        return column.type == ColumnType::Boolean ? Value{false} : value;
-    switch (column.type) {
+        return type == ColumnType::Boolean ? Value{false} : value;
+    switch (type) {
     case ColumnType::Boolean:
         return toBoolean(value);
     case ColumnType::Byte:
@@ -242,15 +224,15 @@ Value convertValue(const Value &value, const ColumnDefinition &column)
         return toDateTime(value);
     case ColumnType::Text:
     case ColumnType::Memo:
-        return toTextColumn(value, column);
+        return asText(value);
     case ColumnType::Binary:
     case ColumnType::Ole:
     case ColumnType::Block:
-        return toBinary(value, column);
+        return toBinary(value, type);
     case ColumnType::Guid:
         return toGuid(value);
     case ColumnType::Numeric:
-        return toNumericColumn(value, column);
+        return toDecimal(value);
     }
     throwTypeConversion();
 }

@@ -22,9 +22,7 @@ double converted(const jet::Value &value, jet::ColumnType type, double (*number)
 {
     if (const auto *held = std::get_if<Number>(&value))
         return number(*held);
-    jet::ColumnDefinition column;
-    column.type = type;
-    const jet::Value result = jet::convertValue(value, column);
+    const jet::Value result = jet::convertValue(value, type);
     return jet::isNull(result) ? none : number(std::get<Number>(result));
 }
 

@@ -1,5 +1,5 @@
 #include "storage/storage_file.h"
-#include "jet/store/new_database.h"
+#include "jet/database.h"
 #include "storage/tabel.h"
 
 std::filesystem::path nativePath(const QString &path)
@@ -9,6 +9,5 @@ std::filesystem::path nativePath(const QString &path)
 
 void createStorageFile(const QString &path, const QDateTime &now)
 {
-    jet::makeNewDatabase(nativePath(path), tabel::momentValue(now), jet::makeSystemFiles(),
-                         {tabel::design()});
+    jet::Database::create(nativePath(path), tabel::momentValue(now), {}, {tabel::design()});
 }

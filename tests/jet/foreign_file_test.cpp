@@ -1,4 +1,5 @@
 #include "jet/compact.h"
+#include "jet/format/make_definition.h"
 #include "jet/store/session.h"
 #include "jet/store/table_builder.h"
 #include "tests/jet/file_image.h"

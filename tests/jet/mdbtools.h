@@ -1,7 +1,7 @@
 #pragma once
 
 #include "jet/cursor.h"
-#include "jet/format/text_codec.h"
+#include "jet/utf8.h"
 #include "jet/value_conversion.h"
 #include "tests/jet/command.h"
 

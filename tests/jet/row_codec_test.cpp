@@ -1,4 +1,6 @@
+#include "jet/format/make_definition.h"
 #include "jet/format/row_codec.h"
+#include "jet/format/text_codec.h"
 #include "tests/jet/sample_database.h"
 
 #include <gtest/gtest.h>

@@ -1,7 +1,8 @@
 #pragma once
 
 #include "jet/database.h"
-#include "jet/format/text_codec.h"
+#include "jet/format/make_definition.h"
+#include "jet/utf8.h"
 #include "tests/jet/jet_testing.h"
 #include "tests/jet/mdbtools.h"
 

@@ -1,4 +1,5 @@
 #include "jet/format/header_page.h"
+#include "jet/format/make_definition.h"
 #include "jet/format/table_definition_codec.h"
 #include "jet/store/system_tables.h"
 #include "tests/jet/sample_database.h"

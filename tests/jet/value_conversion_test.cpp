@@ -1,4 +1,5 @@
-#include "jet/format/text_codec.h"
+#include "jet/format/column_value.h"
+#include "jet/utf8.h"
 #include "jet/value_conversion.h"
 #include "tests/jet/jet_testing.h"
 
@@ -95,7 +96,7 @@ TEST(ValueConversion, AssignsAsDaoDoes)
               jet::Guid{{0x33, 0x22, 0x11, 0, 0x55, 0x44, 0x77, 0x66, 0x88, 0x99, 0xAA, 0xBB, 0xCC,
                          0xDD, 0xEE, 0xFF}}},
          }) {
-        const Value stored = convertValue(test.assigned, columnOf(test.type));
+        const Value stored = columnValue(test.assigned, columnOf(test.type));
         EXPECT_EQ(stored, test.stored) << textOf(test.assigned) << " became " << textOf(stored);
     }
 }
@@ -137,7 +138,7 @@ TEST(ValueConversion, RefusesWhatTheColumnCannotHold)
              {text("eleven char"), ColumnType::Text, 3163},
              {Bytes{1}, ColumnType::Binary, 3163},
          }) {
-        const auto error = errorOf([&] { convertValue(test.assigned, columnOf(test.type)); });
+        const auto error = errorOf([&] { columnValue(test.assigned, columnOf(test.type)); });
         ASSERT_TRUE(error) << textOf(test.assigned);
         EXPECT_EQ(static_cast<int>(*error), test.error) << textOf(test.assigned);
     }

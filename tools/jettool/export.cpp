@@ -1,6 +1,6 @@
 #include "tools/jettool/export.h"
 
-#include "jet/format/text_codec.h"
+#include "jet/utf8.h"
 #include "jet/value_conversion.h"
 
 #include <cmath>

@@ -5,8 +5,7 @@
 
 #include "jet/compact.h"
 #include "jet/database.h"
-#include "jet/format/date_time_text.h"
-#include "jet/format/text_codec.h"
+#include "jet/utf8.h"
 
 #include <chrono>
 #include <ctime>

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "jet/error.h"
+#include "jet/row_pointer.h"
 #include "jet/value.h"
 
 #include <algorithm>
@@ -11,6 +12,7 @@
 #include <cstring>
 #include <span>
 #include <string>
+#include <string_view>
 #include <utility>
 
 // Reading and writing numbers at an offset of a piece of the file. Integers are little-endian
@@ -173,15 +175,7 @@ inline void appendBytes(Bytes &bytes, ByteView source)
     bytes.insert(bytes.end(), source.begin(), source.end());
 }
 
-/// Place of a row: page and slot. In definitions, long values and overflow rows it takes 4 bytes,
-/// u8 row then u24 page; all zero means "none" there.
-struct RowPointer {
-    PageNo page = 0;
-    std::uint8_t row = 0;
-    auto operator<=>(const RowPointer &) const = default;
-    bool isNone() const { return page == 0 && row == 0; }
-};
-
+/// The form a row pointer has in definitions, long values and overflow rows: u8 row, u24 page.
 inline RowPointer readRowPointer(ByteView bytes, std::size_t offset)
 {
     return {readU24(bytes, offset + 1), readU8(bytes, offset)};
@@ -203,6 +197,19 @@ inline RowPointer readRowId(ByteView bytes, std::size_t offset)
 inline void appendRowId(Bytes &bytes, RowPointer pointer)
 {
     appendBigEndian<4>(bytes, toNumber(pointer));
+}
+
+/// Two upper-case digits per byte.
+inline std::string hexText(ByteView bytes)
+{
+    constexpr std::string_view kDigits = "0123456789ABCDEF";
+    std::string text;
+    text.reserve(2 * bytes.size());
+    for (const std::uint8_t byte : bytes) {
+        text.push_back(kDigits[byte >> 4]);
+        text.push_back(kDigits[byte & 15]);
+    }
+    return text;
 }
 
 } // namespace jet

@@ -1,6 +1,6 @@
 #include "jet/format/guid.h"
 
-#include "jet/format/hex_text.h"
+#include "jet/format/bytes.h"
 
 #include <charconv>
 

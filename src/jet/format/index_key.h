@@ -50,4 +50,8 @@ void appendKeyColumn(IndexKey &key, const Value &value, const KeyColumn &column)
 /// with `sortUnknown` comes after all others.
 Bytes generalSortKey(std::u16string_view text, bool sortUnknown = false);
 
+/// True when two names of objects or columns are the same to the database program: upper and lower
+/// case of ASCII letters and of the letters the General order knows are equal.
+bool sameName(std::u16string_view left, std::u16string_view right);
+
 } // namespace jet

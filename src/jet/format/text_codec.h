@@ -3,7 +3,6 @@
 #include "jet/format/bytes.h"
 #include "jet/value.h"
 
-#include <string>
 #include <string_view>
 
 namespace jet
@@ -18,11 +17,5 @@ Text decodeText(ByteView stored);
 
 /// Compressed when the column allows it and it makes the value shorter.
 Bytes encodeText(std::u16string_view text, bool compressible);
-
-/// UTF-8 for messages, names on the command line and exports; a lone surrogate becomes U+FFFD.
-std::string toUtf8(std::u16string_view text);
-
-/// A malformed sequence becomes U+FFFD.
-Text fromUtf8(std::string_view text);
 
 } // namespace jet

@@ -152,4 +152,15 @@ Bytes generalSortKey(std::u16string_view text, bool sortUnknown)
     return key;
 }
 
+bool sameName(std::u16string_view left, std::u16string_view right)
+{
+    if (left == right)
+        return true;
+    try {
+        return generalSortKey(left) == generalSortKey(right);
+    } catch (const Error &) {
+        return false; // letters outside the known part of the order: only themselves
+    }
+}
+
 } // namespace jet

@@ -1,7 +1,7 @@
 #include "jet/store/assignment.h"
 
-#include "jet/format/text_codec.h"
-#include "jet/value_conversion.h"
+#include "jet/format/column_value.h"
+#include "jet/utf8.h"
 
 namespace jet
 {
@@ -26,7 +26,7 @@ void assign(const TableStore &table, const Assignments &assignments, Row &row,
 {
     for (const auto &[name, value] : assignments) {
         const std::size_t place = columnPlace(table, name);
-        row[place] = convertValue(value, table.definition().columns[place]);
+        row[place] = columnValue(value, table.definition().columns[place]);
         if (changed != nullptr)
             (*changed)[place] = true;
     }

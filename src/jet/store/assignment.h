@@ -1,7 +1,7 @@
 #pragma once
 
-#include "jet/cursor.h"
 #include "jet/store/table_store.h"
+#include "jet/value.h"
 
 namespace jet
 {

@@ -1,8 +1,8 @@
 #include "jet/store/catalog.h"
 
 #include "jet/format/header_page.h"
-#include "jet/format/text_codec.h"
 #include "jet/store/index_cursor.h"
+#include "jet/utf8.h"
 
 #include <algorithm>
 

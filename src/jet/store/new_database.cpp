@@ -5,6 +5,7 @@
 #include "jet/format/data_page.h"
 #include "jet/format/header_page.h"
 #include "jet/format/index_page.h"
+#include "jet/format/make_definition.h"
 #include "jet/format/table_definition_codec.h"
 #include "jet/store/session.h"
 #include "jet/store/system_tables.h"

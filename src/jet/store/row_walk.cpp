@@ -1,7 +1,7 @@
 #include "jet/store/row_walk.h"
 
+#include "jet/format/column_value.h"
 #include "jet/store/usage_map.h"
-#include "jet/value_conversion.h"
 
 #include <algorithm>
 #include <string>
@@ -124,7 +124,7 @@ public:
         Row values;
         for (std::size_t i = 0; i < key.size(); ++i)
             values.push_back(
-                convertValue(key[i], table.definition().columns[table.keyPlaces(m_index)[i]]));
+                columnValue(key[i], table.definition().columns[table.keyPlaces(m_index)[i]]));
         const Bytes bytes = encodeIndexKey(values, std::span(columns).first(key.size())).bytes;
         if (!m_backward)
             return m_cursor.seek(bytes);

@@ -30,9 +30,8 @@ enum class ObjectType : std::int16_t {
     Link = 6
 };
 
-/// Bits of column Flags of MSysObjects that mark a table of the system.
+/// Bits of column Flags of MSysObjects that a system table has.
 inline constexpr std::uint32_t kSystemObjectFlags = 0x80000002;
-inline constexpr std::uint32_t kHiddenObjectFlag = 0x08;
 
 /// Security ids as they are stored in a file with the creation date of makeHeaderPage().
 struct SecurityIds {

@@ -45,17 +45,6 @@ std::vector<PageNo> definitionPages(Pager &pager, PageNo page)
     return pages;
 }
 
-bool sameName(std::u16string_view left, std::u16string_view right)
-{
-    if (left == right)
-        return true;
-    try {
-        return generalSortKey(left) == generalSortKey(right);
-    } catch (const Error &) {
-        return false; // letters outside the known part of the order: only themselves
-    }
-}
-
 TableStore::TableStore(Pager &pager, PageNo definitionPage)
     : m_pager(pager), m_page(definitionPage), m_definition(loadDefinition(pager, definitionPage)),
       m_layout(makeRowLayout(m_definition)),

@@ -114,8 +114,4 @@ private:
 /// Bytes of an index entry: the key, then the row id.
 Bytes indexEntry(Bytes key, RowPointer row);
 
-/// True when two names of objects or columns are the same to the database program: upper and lower
-/// case of ASCII letters and of the letters the General order knows are equal.
-bool sameName(std::u16string_view left, std::u16string_view right);
-
 } // namespace jet

@@ -3,9 +3,9 @@
 #include "tests/jet/file_image.h"
 #include "tests/jet/sample_database.h"
 
-#include "jet/format/text_codec.h"
 #include "jet/store/session.h"
 #include "jet/store/usage_map.h"
+#include "jet/utf8.h"
 
 #include <string>
 #include <vector>

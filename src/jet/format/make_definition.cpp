@@ -1,7 +1,7 @@
-#include "jet/table_design.h"
+#include "jet/format/make_definition.h"
 
-#include "jet/format/text_codec.h"
-#include "jet/store/table_store.h"
+#include "jet/format/index_key.h"
+#include "jet/utf8.h"
 
 #include <algorithm>
 

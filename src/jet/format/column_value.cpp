@@ -1,0 +1,42 @@
+#include "jet/format/column_value.h"
+
+#include "jet/format/numeric.h"
+#include "jet/format/value_access.h"
+#include "jet/value_conversion.h"
+
+namespace jet
+{
+namespace
+{
+
+Numeric fittedNumber(const Numeric &value, const ColumnDefinition &column)
+{
+    const auto number = withScale(value, column.scale);
+    if (!number || digitCount(*number) > column.precision)
+        throwTypeConversion();
+    return *number;
+}
+
+bool isTooLong(const Value &value, const ColumnDefinition &column)
+{
+    if (column.isLongValue())
+        return false;
+    if (const auto *text = std::get_if<Text>(&value))
+        return 2 * text->size() > column.length;
+    const auto *bytes = std::get_if<Bytes>(&value);
+    return bytes != nullptr && bytes->size() > column.length;
+}
+
+} // namespace
+
+Value columnValue(const Value &value, const ColumnDefinition &column)
+{
+    Value converted = convertValue(value, column.type);
+    if (const auto *number = std::get_if<Numeric>(&converted))
+        return fittedNumber(*number, column);
+    if (isTooLong(converted, column))
+        throwValueTooLong();
+    return converted;
+}
+
+} // namespace jet
