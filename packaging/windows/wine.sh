@@ -36,8 +36,11 @@ make_wine_prefix() {
     remove_server_folder
     rm -rf "$work/prefix" "$work"/*.log
     mkdir "$work/prefix"
-    logged wineserver wineserver -p
     logged wineboot wine wineboot --init
+    # wineboot returns while its services still fill the prefix: programs are missing in it until then. The
+    # server ends with the last of them.
+    logged wineserver timeout 120 wineserver -w
+    logged wineserver wineserver -p
     logged wineboot wine winecfg -v win10
     # Wine lacks the fonts of Windows' own windows.
     local font
