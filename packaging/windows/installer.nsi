@@ -2,10 +2,10 @@
 ; install), ICON, OUTPUT, the includes REFUSALS, SETTINGS_AND_DATA and REMOVAL (see make_installer), and
 ; for 64 bit WIN64.
 ;
-; Settings, databases and pictures are laid once; neither an update nor the uninstaller touches them.
+; Settings, databases and pictures are installed once; neither an update nor the uninstaller touches them.
 ;
-; Its error level: 2 when it refused and changed nothing, 3 when the station is installed but only
-; administrators may write in its folder, 4 when it was stopped in the middle and must be run again.
+; Error levels: 2 refused, nothing changed; 3 installed, but only administrators may write in the folder;
+; 4 interrupted, to be run again.
 
 Unicode true
 !ifdef WIN64
@@ -20,7 +20,7 @@ Target amd64-unicode
 !define NAME "Monitorizare PLC"
 !define PROGRAM monitor_autoclava.exe
 !define FOLDER monitor_autoclava
-; Not in the station's folder: whoever may write there would choose what an administrator runs.
+; Not in the station's folder: every user may write there and could replace what an administrator runs.
 !ifdef WIN64
 !define UNINSTALLER_FOLDER "$PROGRAMFILES64\${FOLDER}"
 !else
@@ -34,7 +34,7 @@ OutFile "${OUTPUT}"
 RequestExecutionLevel admin
 SetCompressor /SOLID lzma
 AllowSkipFiles off
-; Replaced in .onInit. Its last part is what the browser for folders appends to the chosen one.
+; Replaced in .onInit. The folder page appends the last part to the folder that the user picks.
 InstallDir "$WINDIR\${FOLDER}"
 InstallDirRegKey HKLM "${UNINSTALL_KEY}" InstallLocation
 ShowInstDetails nevershow
@@ -86,7 +86,7 @@ LangString dataStays ${LANG_ENGLISH} "Settings, databases and pictures are kept 
     Quit
 !macroend
 
-; Under another name until it is whole: a cut one would be taken for the operator's the next time.
+; Under a temporary name until complete: the next run would take a truncated file for the operator's.
 !macro layOnce FOLDER NAME
     ${IfNot} ${FileExists} "$INSTDIR\${FOLDER}\${NAME}"
         SetOutPath "$INSTDIR\${FOLDER}"
@@ -99,8 +99,8 @@ LangString dataStays ${LANG_ENGLISH} "Settings, databases and pictures are kept 
     ${EndIf}
 !macroend
 
-; A file in use cannot be written: a half-replaced program would not start again.
-; REFUSALS uses it for each file of the program.
+; Refuses while a file is in use: a program replaced in part would not start. REFUSALS calls it for each
+; file of the program.
 !macro refuseWhileUsed FILE
     ${If} ${FileExists} "$INSTDIR\${FILE}"
         ClearErrors
@@ -128,8 +128,8 @@ Function .onInit
     ${EndIf}
 FunctionEnd
 
-; $0 becomes 1 for a folder that holds something but no station, nor the beginning of one: all in it
-; would become writable for every user.
+; Sets $0 to 1 for a folder that is not empty and holds neither a station nor an interrupted installation:
+; everything in it would become writable for every user.
 Function lookIntoFolder
     StrCpy $0 0
     ReadRegStr $1 HKLM "${UNINSTALL_KEY}" InstallLocation
@@ -148,13 +148,13 @@ Function checkChosenFolder
     ${EndIf}
 FunctionEnd
 
-; By the desktop, which has the rights of whoever is at work; the installer has an administrator's.
+; Started by the desktop, so with the user's rights instead of the installer's administrator rights.
 Function startStation
     SetShellVarContext all
     Exec '"$WINDIR\explorer.exe" "$SMPROGRAMS\${NAME}.lnk"'
 FunctionEnd
 
-; Not before the right to write is there.
+; Only after write access has been granted.
 Function offerStart
     GetErrorLevel $0
     ${If} $0 == 3
@@ -175,7 +175,7 @@ Section "-${NAME}" station
     !include "${REFUSALS}"
     SetShellVarContext all
 
-    ; The installed version knows by name what it laid; the new one may not have all of it.
+    ; The installed version's list names every file it installed; the new version may lack some of them.
     ReadRegStr $0 HKLM "${UNINSTALL_KEY}" InstallLocation
     ${If} $0 == $INSTDIR
     ${AndIf} ${FileExists} "${UNINSTALLER}"
@@ -185,7 +185,7 @@ Section "-${NAME}" station
         ${EndIf}
     ${EndIf}
 
-    ; Before the first file: when this is stopped in the middle, the folder is known the next time.
+    ; Before the first file, so that an interrupted installation is recognised by the next run.
     WriteRegStr HKLM "${UNINSTALL_KEY}" InstallLocation "$INSTDIR"
     SetOutPath "$INSTDIR"
     File /r /x config /x mdb /x img /x defaults "${STAGE}\*"
@@ -194,7 +194,7 @@ Section "-${NAME}" station
     !include "${SETTINGS_AND_DATA}"
     CreateDirectory "$INSTDIR\mdb\arhive"
     CreateDirectory "$INSTDIR\img"
-    ; Every operator of this computer: the group of its users, by its number in every language.
+    ; Every operator of this computer: the group Users, by its SID, as its name depends on the language.
     nsExec::Exec '"$SYSDIR\icacls.exe" "$INSTDIR" /grant "*S-1-5-32-545:(OI)(CI)M" /Q'
     Pop $0
     ${If} $0 != 0
@@ -219,9 +219,8 @@ Section "-${NAME}" station
     WriteRegDWORD HKLM "${UNINSTALL_KEY}" NoRepair 1
 SectionEnd
 
-; The old program is removed before the new one is laid: on a full disk neither would be left. In MiB:
-; numbers have 32 bits here. Errors mean that the free space is not known. Stands behind the section
-; whose size it asks for.
+; The old program is removed before the new one is copied: on a full disk neither would be left. In MiB, as
+; numbers have 32 bits. An error flag means unknown free space. Must follow the section whose size it reads.
 Function refuseFullDisk
     SectionGetSize ${station} $1 ; KiB
     IntOp $1 $1 / 1024
@@ -244,7 +243,7 @@ Section Uninstall
     !include "${REFUSALS}"
     SetShellVarContext all
 
-    ; By name: the folder may hold what others put there.
+    ; File by file: the folder may hold files of others.
     !include "${REMOVAL}"
     ${GetParameters} $0
     ClearErrors
