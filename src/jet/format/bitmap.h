@@ -8,7 +8,7 @@
 namespace jet
 {
 
-// Bits of a piece of the file, the lowest bit of a byte first.
+// A bitmap inside the file, least significant bit of a byte first.
 
 inline bool testBit(ByteView bits, std::size_t bit)
 {
@@ -27,7 +27,7 @@ inline std::size_t lowestBit(std::uint8_t byte)
     return static_cast<std::size_t>(std::countr_zero(byte));
 }
 
-/// The lowest set bit at or behind a place.
+/// The first set bit at a position or after it.
 inline std::optional<std::size_t> firstBit(ByteView bits, std::size_t from)
 {
     std::size_t byte = from / 8;
@@ -46,7 +46,7 @@ inline std::optional<std::size_t> firstBit(ByteView bits, std::size_t from)
     return std::nullopt;
 }
 
-/// The highest set bit before a place, which lies in the bitmap or at its end.
+/// The last set bit before a position, which lies in the bitmap or at its end.
 inline std::optional<std::size_t> lastBit(ByteView bits, std::size_t before)
 {
     const auto highest = [](unsigned byte) {

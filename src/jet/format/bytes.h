@@ -15,19 +15,19 @@
 #include <string_view>
 #include <utility>
 
-// Reading and writing numbers at an offset of a piece of the file. Integers are little-endian
-// unless the name says otherwise. A piece of a file is input from outside: an offset that lies
-// outside it is damage of the file, so it throws Error(Damaged) instead of asserting.
+// Reading and writing numbers at an offset of bytes from the file. Integers are little-endian
+// unless the name says otherwise. A file is untrusted input: an offset out of range throws
+// Error(Damaged) instead of asserting.
 
 namespace jet
 {
 
 inline constexpr std::size_t kPageSize = 4096;
 
-/// Bytes of any length that somebody else owns.
+/// Bytes of any length, not owned.
 using ByteView = std::span<const std::uint8_t>;
 using MutableBytes = std::span<std::uint8_t>;
-/// One page, owned by the pager or a buffer of the caller.
+/// One page, owned by the pager or the caller.
 using PageBytes = std::span<const std::uint8_t, kPageSize>;
 using MutablePageBytes = std::span<std::uint8_t, kPageSize>;
 
@@ -36,8 +36,7 @@ using MutablePageBytes = std::span<std::uint8_t, kPageSize>;
     throw Error(ErrorCode::Damaged, "The database is damaged: " + what, page);
 }
 
-/// Runs a decoder that does not know which page it works on; a damage report that names no page
-/// gets this one.
+/// Runs a decoder that does not know its page; an Error(Damaged) without a page gets this one.
 template <typename Decode>
 decltype(auto) onPage(PageNo page, Decode &&decode)
 {
@@ -50,10 +49,10 @@ decltype(auto) onPage(PageNo page, Decode &&decode)
     }
 }
 
-/// What slice() throws; kept out of it, so that reading a number stays a few instructions.
+/// Thrown by slice(); out of line, so that reading a number stays a few instructions.
 [[noreturn]] void throwOutside();
 
-/// Part of a view; throws Error(Damaged) when it does not lie inside.
+/// Part of a view. Throws Error(Damaged) when it is out of range.
 inline ByteView slice(ByteView bytes, std::size_t offset, std::size_t length)
 {
     if (offset > bytes.size() || length > bytes.size() - offset)
@@ -106,7 +105,7 @@ void appendLittleEndian(Bytes &bytes, std::uint64_t number)
     bytes.insert(bytes.end(), part.begin(), part.end());
 }
 
-/// Most significant byte first, as numbers stand inside index entries.
+/// Most significant byte first, as in index entries.
 template <std::size_t Size>
 void appendBigEndian(Bytes &bytes, std::uint64_t number)
 {
@@ -163,7 +162,7 @@ inline void writeU32(MutableBytes bytes, std::size_t offset, std::uint32_t numbe
 {
     writeLittleEndian<4>(bytes, offset, number);
 }
-/// Copies bytes to an offset; throws Error(Damaged) when they do not fit.
+/// Copies bytes to an offset. Throws Error(Damaged) when they do not fit.
 inline void writeBytes(MutableBytes bytes, std::size_t offset, ByteView source)
 {
     const MutableBytes part = mutableSlice(bytes, offset, source.size());

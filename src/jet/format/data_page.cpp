@@ -24,7 +24,7 @@ std::size_t startOf(PageBytes page, std::size_t slot)
     return readU16(page, slotOffset(slot)) & kStartMask;
 }
 
-/// Where the row of a slot ends, which is where that of the slot before starts.
+/// Where the row of a slot ends: where that of the previous slot starts.
 std::size_t endOf(PageBytes page, std::size_t slot)
 {
     return slot == 0 ? kPageSize : startOf(page, slot - 1);
@@ -145,13 +145,13 @@ bool replaceRow(MutablePageBytes page, PageNo pageNo, std::size_t slot, ByteView
 
 void deleteRow(MutablePageBytes page, PageNo pageNo, std::size_t slot)
 {
-    // No bytes always fit.
+    // An empty row always fits.
     static_cast<void>(replaceRow(page, pageNo, slot, {}, SlotFlag::Deleted));
 }
 
 bool isEmptyOfRows(PageBytes page, PageNo pageNo)
 {
-    // Rows are mostly deleted in their order, so the last ones are left longest.
+    // Rows are mostly deleted in order, so the last one is the one most likely left.
     for (std::size_t slot = slotCount(page); slot-- > 0;) {
         const Slot place = slotAt(page, pageNo, slot);
         if (!place.isDeleted() && !(place.isMoved() && place.length == 0))

@@ -11,11 +11,11 @@ namespace jet
 //   0 u8 1 | 1 u8 1 | 2 u16 free bytes | 4 u32 definition page of the owning table | 8 u32 0 |
 //  12 u16 slot count n, deleted rows included | 14 u16 slot[n]: flags and start of the row
 // Rows fill the page from its end downwards in slot order: row i lies in [start(i), start(i - 1)).
-// Page and slot are a row's identity, so slots keep their place. Usage maps and long values lie on
-// pages of the same form.
+// Page and slot identify a row, so a slot never moves. Usage maps and long values are stored on
+// pages of the same layout.
 
 inline constexpr std::size_t kDataPageHeader = 14;
-/// Slot numbers are one byte in row pointers.
+/// A row pointer has one byte for the slot.
 inline constexpr std::size_t kMaxSlots = 255;
 /// Owner field of a long-value page.
 inline constexpr std::uint32_t kLongValueOwner = 0x4C41564C; // "LVAL"
@@ -43,7 +43,7 @@ struct Slot {
 
 void initDataPage(MutablePageBytes page, std::uint32_t owner);
 
-/// Throws Error(Damaged) when the page is no data page of this owner or its slots do not fit it.
+/// Throws Error(Damaged) when the page is not a data page of this owner or its slots overlap.
 void checkDataPage(PageBytes page, PageNo pageNo, std::uint32_t owner);
 
 std::size_t slotCount(PageBytes page);
@@ -54,17 +54,17 @@ Slot slotAt(PageBytes page, PageNo pageNo, std::size_t slot);
 /// Bytes of a slot, valid until the page is changed. Throws as slotAt() does.
 ByteView rowAt(PageBytes page, PageNo pageNo, std::size_t slot);
 
-/// Adds a row; nothing when it does not fit.
+/// Adds a row; nullopt when it does not fit.
 std::optional<std::uint8_t> insertRow(MutablePageBytes page, ByteView row);
 
-/// Gives a slot new bytes and flags and moves the rows below it; false when they do not fit.
+/// Replaces a slot's bytes and flags and moves the rows below it; false when they do not fit.
 [[nodiscard]] bool replaceRow(MutablePageBytes page, PageNo pageNo, std::size_t slot, ByteView row,
                               std::uint16_t flags = 0);
 
-/// Removes a row's bytes; its slot stays, marked as deleted.
+/// Removes a row's bytes; its slot stays and is marked as deleted.
 void deleteRow(MutablePageBytes page, PageNo pageNo, std::size_t slot);
 
-/// True when no slot holds anything any more, so that the page can be given back.
+/// True when every slot is deleted, so that the page can be released.
 bool isEmptyOfRows(PageBytes page, PageNo pageNo);
 
 } // namespace jet

@@ -11,7 +11,7 @@ namespace jet
 inline constexpr std::size_t kEndsOffset = 27;
 inline constexpr std::size_t kEndsSize = kEntryArea - kEndsOffset;
 
-/// The bitmap taken out of its page, to move a part of it.
+/// A copy of the bitmap in words, so that part of it can be shifted.
 class EntryEnds
 {
 public:
@@ -30,7 +30,7 @@ public:
     }
 
     void set(std::size_t bit) { m_words[bit / 64] |= std::uint64_t{1} << bit % 64; }
-    /// Takes bits out; those behind them move down.
+    /// Removes bits and shifts the following ones down.
     void remove(std::size_t at, std::size_t count)
     {
         const Words old = m_words;
@@ -42,7 +42,7 @@ public:
             m_words[i] = (old[i] & kept) | ((word(from) >> count % 64 | carried) & ~kept);
         }
     }
-    /// Puts zeros in; the bits from there on move up.
+    /// Inserts zeros and shifts the following bits up.
     void insert(std::size_t at, std::size_t count)
     {
         const Words old = m_words;
@@ -63,7 +63,7 @@ private:
     using Words = std::array<std::uint64_t, kWholeWords + 1>;
 
     static std::size_t offsetOf(std::size_t word) { return kEndsOffset + 8 * word; }
-    /// The bits of a word that stand before a place.
+    /// The bits of a word before a position.
     static std::uint64_t below(std::size_t place, std::size_t word)
     {
         if (place <= 64 * word)

@@ -9,14 +9,14 @@
 namespace jet
 {
 
-/// The bytes in the order of the written form, which is also their sort order: the file keeps the
-/// first three fields little-endian.
+/// The bytes in the order of the text form, which is also the sort order; the file stores the first
+/// three fields little-endian.
 std::array<std::uint8_t, 16> inWrittenOrder(const Guid &guid);
 
 /// "{XXXXXXXX-XXXX-XXXX-XXXX-XXXXXXXXXXXX}".
 std::string toText(const Guid &guid);
 
-/// Reads that form in either case; nothing for any other text.
+/// Parses that form in either case; nullopt for any other text.
 std::optional<Guid> parseGuid(std::string_view text);
 
 } // namespace jet

@@ -32,7 +32,7 @@ constexpr std::size_t kSortVersionOffset = 0x71;
 constexpr std::size_t kCreationDateOffset = 0x72;
 constexpr std::size_t kCommitOffset = 0xE00;
 
-/// The security ids of system_tables.h are stored scrambled with this very date.
+/// The security ids of system_tables.h are encoded with this date.
 constexpr std::array<std::uint8_t, 8> kCreationDate{0xBC, 0x72, 0x1F, 0x7D, 0xF1, 0x9F, 0xE2, 0x40};
 constexpr std::uint32_t kBuild = 8618; ///< of the last Jet 4 service pack
 

@@ -13,24 +13,23 @@ namespace jet
 //   0x3E u32 encoding key, 0 | 0x42 40 bytes password | 0x6A u32 build | 0x6E u16 sort order |
 //   0x71 u8 sort version | 0x72 f64 creation date | 0x98 "4.0" | 0xE00 256 commit pairs
 //
-// The database program gives each of its users a commit pair, u16, at rest 0x0100 or more, and
-// counts in it so that the others see that the file has changed. The last four pairs, of users it
-// hardly ever has, are this engine's change counter: their low bytes make one number, the high
-// bytes stay 1.
+// The database program assigns each of its users a commit pair, u16, at rest 0x0100 or more, and
+// increments it so that the others see a change. The last four pairs, which it hardly ever assigns,
+// are this engine's change counter: their low bytes form one number, their high bytes stay 1.
 
 inline constexpr PageNo kObjectsDefinitionPage = 2; ///< definition of MSysObjects
-/// The header, the global map and the four system tables: never given away.
+/// The header, the global map and the four system tables: never allocated.
 inline constexpr PageNo kFirstAllocatablePage = 6;
 
 inline constexpr std::size_t kChangeCounterOffset = 0xFF8;
 
-/// The eight bytes as they stand in page 0: different after every change of the file.
+/// The eight bytes as stored in page 0: they differ after every change of the file.
 using ChangeCounter = std::uint64_t;
 
 ChangeCounter counterOf(PageBytes headerPage);
-/// Makes the counter of a page 0 the next one.
+/// Increments the counter in a page 0.
 void countChange(MutablePageBytes page);
-/// False for bytes that neither this engine nor the database program leaves there.
+/// False for bytes that neither this engine nor the database program writes there.
 bool isChangeCounter(ChangeCounter counter);
 
 struct HeaderInfo {
@@ -40,12 +39,12 @@ struct HeaderInfo {
     double creationDate = 0; ///< days since 1899-12-30
 };
 
-/// Checks that page 0 belongs to a file the engine can use. Throws Error(NotADatabase),
+/// Checks that the engine supports the file of this page 0. Throws Error(NotADatabase),
 /// Error(PasswordNeeded), Error(NotSupported) for an encoded file or one of a newer version.
 HeaderInfo readHeaderPage(PageBytes page);
 
-/// Page 0 of a new database. Its creation date is fixed: the security ids that stand in the
-/// system tables (see system_tables.h) depend on it.
+/// Page 0 of a new database. Its creation date is fixed: the security ids in the system tables (see
+/// system_tables.h) depend on it.
 Bytes makeHeaderPage();
 
 } // namespace jet

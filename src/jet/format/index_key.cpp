@@ -100,7 +100,7 @@ void appendValue(Bytes &key, const Value &value, const KeyColumn &column)
         return appendText(key, valueAs<Text>(value), column);
     case ColumnType::Numeric:
         if (!column.ascending && !column.inMemory)
-            break; // known to differ between versions of the database program
+            break; // differs between versions of the database program
         return appendNumeric(key, valueAs<Numeric>(value));
     case ColumnType::Binary:
     case ColumnType::Guid:
@@ -136,7 +136,7 @@ void appendColumn(Bytes &key, const Value &value, const KeyColumn &column)
         return;
     complement(key, start);
     if (column.type == ColumnType::Text || column.type == ColumnType::Memo)
-        key.push_back(0x00); // the complemented end of text alone would not end it
+        key.push_back(0x00); // a complemented end of text does not terminate the key
 }
 
 } // namespace
@@ -162,7 +162,7 @@ IndexKey encodeIndexKey(std::span<const Value> values, std::span<const KeyColumn
 
 void appendKeyColumn(IndexKey &key, const Value &value, const KeyColumn &column)
 {
-    // a Boolean column knows no null: what is not true is false
+    // a Boolean column has no null
     const bool null = isNull(value) && column.type != ColumnType::Boolean;
     key.anyNull = key.anyNull || null;
     key.allNull = key.allNull && null;

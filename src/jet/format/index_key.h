@@ -21,8 +21,8 @@ struct KeyColumn {
     /// Text and Memo: the sort order of the column.
     std::uint16_t sortOrder = kGeneralSortOrder;
     std::uint8_t sortVersion = 0;
-    /// For sorting in memory only: nothing is refused, what has no known place in an index gets
-    /// one of its own (unknown characters after all others, OLE and Block as Binary).
+    /// For sorting in memory only: nothing is refused. Unknown characters sort after all others,
+    /// OLE and Block as Binary.
     bool inMemory = false;
 };
 
@@ -31,7 +31,7 @@ std::vector<KeyColumn> keyColumns(const TableDefinition &table, const RealIndex 
 
 struct IndexKey {
     Bytes bytes;
-    bool anyNull = false; ///< exempt from uniqueness; forbidden in a required index
+    bool anyNull = false; ///< exempt from uniqueness, refused by a required index
     bool allNull = true;  ///< has no entry in an index that ignores nulls
 };
 
@@ -41,17 +41,17 @@ struct IndexKey {
 /// outside the known part of the General order; Error(TypeConversion) for a value of another type.
 IndexKey encodeIndexKey(std::span<const Value> values, std::span<const KeyColumn> columns);
 
-/// Adds one more column to a key; throws as encodeIndexKey() does.
+/// Appends one column to a key. Throws as encodeIndexKey() does.
 void appendKeyColumn(IndexKey &key, const Value &value, const KeyColumn &column);
 
 /// The sort bytes of a text in the General order, without flag byte: characters, 01, accents and
 /// specials when there are any, 00. Upper and lower case are equal, trailing spaces do not count,
-/// nor do characters after the 255th. A character that is not known throws Error(NotSupported), or
-/// with `sortUnknown` comes after all others.
+/// nor do characters after the 255th. An unknown character throws Error(NotSupported), or with
+/// `sortUnknown` sorts after all others.
 Bytes generalSortKey(std::u16string_view text, bool sortUnknown = false);
 
-/// True when two names of objects or columns are the same to the database program: upper and lower
-/// case of ASCII letters and of the letters the General order knows are equal.
+/// True when the database program takes two names of objects or columns for the same: it ignores
+/// the case of ASCII letters and of the letters in the General order.
 bool sameName(std::u16string_view left, std::u16string_view right);
 
 } // namespace jet

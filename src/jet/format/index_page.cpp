@@ -79,7 +79,7 @@ void IndexPage::fail(const char *what) const
     throwDamaged("page " + std::to_string(m_pageNo) + " " + what, m_pageNo);
 }
 
-/// Finds the last entry, which is all that adding at the end needs.
+/// Finds the last entry only: appending needs no other.
 void IndexPage::findLast()
 {
     const auto end = lastBit(bitmapOf(*m_page), kBitmapBits);
@@ -179,7 +179,7 @@ Bytes IndexPage::entry(std::size_t index) const
 RowPointer IndexPage::row(std::size_t index) const
 {
     const ByteView bytes = stored(index);
-    // A long prefix may take in the page part of the row id.
+    // A long prefix may extend into the page number of the row id.
     if (bytes.size() >= kRowIdSize)
         return readRowId(bytes, bytes.size() - kRowIdSize);
     const Bytes whole = entry(index);
@@ -205,7 +205,7 @@ bool IndexPage::endsBefore(ByteView entry) const
 
 std::size_t IndexPage::lowerBound(ByteView entry) const
 {
-    // Tables mostly grow at the end of their index and are emptied from its start.
+    // Most tables grow at the end of an index and are emptied from its start.
     if (endsBefore(entry))
         return count();
     if (compare(stored(0), true, entry) >= 0)
@@ -304,8 +304,8 @@ void writeNode(MutablePageBytes page, PageNo owner, IndexLinks links, std::uint8
 namespace
 {
 
-/// The part of an entry that is stored behind the page's prefix; nothing when it does not share the
-/// prefix or there is no room.
+/// The part of an entry after the page's prefix; nullopt when it does not share the prefix or there
+/// is no room.
 std::optional<ByteView> storedPart(PageBytes page, const IndexPage &view, bool isFirst,
                                    ByteView entry)
 {
@@ -359,7 +359,7 @@ void eraseEntry(MutablePageBytes page, const IndexPage &view, std::size_t index)
     std::size_t start = view.startOf(index);
     const bool isOnly = index == 0 && end == used;
     if (index == 0 && !isOnly) {
-        // The next entry becomes the first one and is stored whole: the prefix stays in its place.
+        // The next entry becomes the first one and is stored whole; the prefix stays where it is.
         start += view.prefixLength();
     }
     std::uint8_t *area = page.data() + kEntryArea;

@@ -22,11 +22,11 @@ namespace jet
 
 inline constexpr std::size_t kEntryArea = 480;
 inline constexpr std::size_t kEntryAreaSize = kPageSize - kEntryArea;
-/// Bits of the bitmap, a few more than the area has bytes.
+/// Bits of the bitmap: slightly more than the area has bytes.
 inline constexpr std::size_t kBitmapBits = (kEntryArea - 27) * 8;
 inline constexpr std::size_t kRowIdSize = 4;
 inline constexpr std::size_t kChildSize = 4;
-/// Longer entries could not be split into two pages.
+/// A page of longer entries could not be split.
 inline constexpr std::size_t kMaxEntrySize = kEntryAreaSize / 2 - kChildSize;
 
 /// A child of a node. `last` is the greatest entry below it; unknown for a tail.
@@ -59,7 +59,7 @@ public:
     Bytes entry(std::size_t index) const;
     void copyEntry(std::size_t index, Bytes &entry) const;
     RowPointer row(std::size_t index) const;
-    /// True when every entry is less than `entry`; faster than asking for their number.
+    /// True when every entry is less than `entry`; faster than counting them.
     bool endsBefore(ByteView entry) const;
     /// Number of entries less than `entry`.
     std::size_t lowerBound(ByteView entry) const;
@@ -69,7 +69,7 @@ public:
     std::vector<Bytes> entries() const;
     /// Of a node: all children, the tail included.
     std::vector<IndexChild> children() const;
-    /// Of a node: the child below which an entry belongs, as a place in children(); nothing for the
+    /// Of a node: the child that an entry belongs to, as an index into children(); nullopt for the
     /// tail.
     std::optional<std::size_t> childFor(ByteView entry) const;
     /// Of a node: the page of a child that is not the tail.
@@ -95,7 +95,7 @@ private:
     std::size_t m_prefix;
     std::size_t m_lastStart = 0;
     std::size_t m_lastEnd = 0;
-    /// Worked out when it is asked for, as the others are.
+    /// Computed on first use, as the others are.
     mutable std::optional<std::size_t> m_count;
     mutable bool m_endsKnown = false;
     mutable std::array<std::uint16_t, kBitmapBits> m_ends;
@@ -108,12 +108,12 @@ void writeNode(MutablePageBytes page, PageNo owner, IndexLinks links, std::uint8
                std::span<const IndexChild> children);
 void setLinks(MutablePageBytes page, IndexLinks links);
 
-/// Puts an entry behind the last one of a leaf; false when there is no room in the page as it is
-/// stored.
+/// Appends an entry to a leaf; false when the page, as it is compressed, has no room.
 bool appendEntry(MutablePageBytes page, const IndexPage &view, ByteView entry);
-/// The same before another one. What the view has not worked out yet is that of the changed page.
+/// Inserts an entry before another one. What the view has not computed yet it will read from the
+/// changed page.
 bool insertEntry(MutablePageBytes page, const IndexPage &view, std::size_t index, ByteView entry);
-/// Takes an entry out of a leaf.
+/// Removes an entry from a leaf.
 void eraseEntry(MutablePageBytes page, const IndexPage &view, std::size_t index);
 
 } // namespace jet

@@ -5,13 +5,13 @@
 namespace jet
 {
 
-// Long value (Memo, OLE) as it stands in a row; offsets from the start of the stored bytes:
+// Long value (Memo, OLE) as stored in a row; offsets from the start of its bytes:
 //   0 u32 length of the data | form in the top bits | 4 row pointer | 8 u32 0 | 12 inline data
 // Forms: 0x80000000 the data follows inline; 0x40000000 one row of a long-value page;
 // 0 a chain of rows, each beginning with the pointer of the next one (all zero ends the chain).
 
 inline constexpr std::size_t kLongValueHeaderSize = 12;
-/// Longer data goes to a page of its own.
+/// Longer data is stored outside the row.
 inline constexpr std::size_t kMaxInlineLongValue = 64;
 inline constexpr std::size_t kMaxLongValueRow = 4076;
 /// Data bytes of one row of a chain, after the pointer to the next row.
@@ -33,7 +33,7 @@ struct LongValueRef {
     bool operator==(const LongValueRef &) const = default;
 };
 
-/// Throws Error(Damaged) when the stored bytes are too short or no form is known.
+/// Throws Error(Damaged) when the stored bytes are too short or of an unknown form.
 LongValueRef decodeLongValueRef(ByteView stored);
 Bytes encodeLongValueRef(const LongValueRef &reference);
 

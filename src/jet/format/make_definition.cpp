@@ -18,7 +18,7 @@ constexpr std::size_t kMaxIndexes = 32;
     throw Error(ErrorCode::InvalidArgument, what);
 }
 
-/// Throws when a name stands twice in a list of things that have one.
+/// Throws when a name occurs twice in a list of columns or indexes.
 template <typename List>
 void checkNames(const List &list)
 {

@@ -6,8 +6,8 @@
 namespace jet
 {
 
-/// Throws Error(InvalidName) for a name the database program would not take: it has 1 to 64
-/// characters, none of . ! [ ] ` or control characters, and does not begin with a blank.
+/// Throws Error(InvalidName) for a name that the database program would refuse: a valid one has 1
+/// to 64 characters, none of . ! [ ] ` or control characters, and does not begin with a blank.
 void checkName(const Text &name);
 
 /// The definition of a designed table; pages and maps are not filled in. Throws
@@ -16,7 +16,7 @@ void checkName(const Text &name);
 /// the format cannot hold.
 TableDefinition makeDefinition(const TableDesign &design);
 
-/// The design of a table that is there, to make another one like it.
+/// The design of an existing table, to create another one like it.
 TableDesign designOf(const Text &name, const TableDefinition &definition);
 
 } // namespace jet

@@ -12,7 +12,7 @@ namespace
 using Magnitude = std::array<std::uint32_t, 4>;
 
 constexpr std::uint8_t kCurrencyScale = 4;
-/// Exponents beyond are zero or out of range whatever the digits.
+/// Larger exponents give zero or overflow whatever the digits.
 constexpr int kMaxExponent = 400;
 
 /// magnitude * 10 + digit; false when it no longer fits 128 bits.
@@ -27,7 +27,7 @@ bool pushDigit(Magnitude &magnitude, std::uint32_t digit)
     return carry == 0;
 }
 
-/// Divides by ten in place and returns the digit that fell off.
+/// Divides by ten in place and returns the remainder.
 std::uint32_t popDigit(Magnitude &magnitude)
 {
     std::uint64_t remainder = 0;
@@ -107,8 +107,7 @@ std::string_view trimmed(std::string_view text)
     return text.substr(first, text.find_last_not_of(" \t") - first + 1);
 }
 
-/// The number behind "e" or "E", brought to just beyond kMaxExponent where it is farther; nothing
-/// when malformed.
+/// The number after "e" or "E", clamped to just beyond kMaxExponent; nullopt when malformed.
 std::optional<int> parseExponent(std::string_view text)
 {
     const bool negative = text.starts_with('-');
@@ -145,7 +144,7 @@ std::optional<Numeric> parseNumeric(std::string_view text)
         if (text[i] < '0' || text[i] > '9')
             return std::nullopt;
         digitSeen = true;
-        // digits past what 128 bits hold can only be zeros or decimals nobody can store
+        // digits beyond 128 bits are zeros or decimals that cannot be stored
         Magnitude longer = magnitude;
         if (pushDigit(longer, static_cast<std::uint32_t>(text[i] - '0'))) {
             magnitude = longer;

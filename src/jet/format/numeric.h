@@ -10,14 +10,14 @@
 namespace jet
 {
 
-/// Digits that a Numeric can hold and the largest scale, as in the database program.
+/// The most digits and the largest scale of a Numeric, as in the database program.
 inline constexpr std::uint8_t kMaxNumericPrecision = 28;
 
-/// Reads a decimal number exactly: sign, digits with "." or "," as the separator, exponent; blanks
-/// around it. Nothing for any other text or more than 28 digits before the point.
+/// Parses a decimal number exactly: sign, digits with "." or "," as the separator, exponent, blanks
+/// around it. nullopt for any other text or more than 28 digits before the point.
 std::optional<Numeric> parseNumeric(std::string_view text);
 
-/// The number with another scale, rounded half to even; nothing when it grows past 28 digits.
+/// The number with another scale, rounded half to even; nullopt when it exceeds 28 digits.
 std::optional<Numeric> withScale(const Numeric &number, std::uint8_t scale);
 
 /// Decimal digits of the magnitude; 1 for zero.
@@ -28,7 +28,7 @@ std::string toText(const Numeric &number);
 
 double toDouble(const Numeric &number);
 
-/// Money with exactly four digits after the point; nothing when out of range.
+/// Money with exactly four digits after the point; nullopt when out of range.
 std::optional<Currency> toCurrency(const Numeric &number);
 Numeric toNumeric(Currency amount);
 

@@ -11,10 +11,10 @@ namespace jet
 /// The content of one page.
 using PageBuffer = std::array<std::uint8_t, kPageSize>;
 
-/// Keeps a page's content alive, also when the cache has let go of it.
+/// Keeps a page's content alive after the cache has evicted it.
 using PageRef = std::shared_ptr<const PageBuffer>;
 
-/// The pages whose place is fixed.
+/// The pages with a fixed number.
 inline constexpr PageNo kHeaderPage = 0;
 inline constexpr PageNo kGlobalMapPage = 1;
 

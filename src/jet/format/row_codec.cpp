@@ -47,7 +47,7 @@ Guid decodeGuid(ByteView stored)
     return guid;
 }
 
-/// Assigning in place spares a row that is used again its texts' memory.
+/// Assigning in place reuses the memory of the row's texts.
 void decodeValue(ByteView stored, const RowLayout::Column &column, Value &value)
 {
     switch (column.type) {
@@ -95,7 +95,7 @@ void decodeValue(ByteView stored, const RowLayout::Column &column, Value &value)
 
 void appendText(Bytes &out, const Text &text, const RowLayout::Column &column)
 {
-    // the declared length counts characters, however few bytes the compressed form takes
+    // the declared length limits the characters, not the bytes of the compressed form
     if (2 * text.size() > column.length)
         throwValueTooLong();
     appendBytes(out, encodeText(text, column.compressible && column.variable));
@@ -154,7 +154,7 @@ void appendValue(Bytes &out, const Value &value, const RowLayout::Column &column
     throwTypeConversion();
 }
 
-/// Values of the fixed columns into their places; a null leaves zeros there.
+/// Writes the fixed columns; a null leaves zeros.
 void writeFixedArea(Bytes &row, std::span<const Value> values, const RowLayout &layout)
 {
     Bytes stored;
@@ -169,7 +169,7 @@ void writeFixedArea(Bytes &row, std::span<const Value> values, const RowLayout &
     }
 }
 
-/// Variable values behind the fixed area, then the table of their offsets, last one first.
+/// Writes the variable values after the fixed area, then their offsets, last one first.
 void appendVariableValues(Bytes &row, std::span<const Value> values, const RowLayout &layout)
 {
     std::array<std::size_t, kMaxColumns> starts;

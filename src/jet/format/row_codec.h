@@ -12,14 +12,14 @@ namespace jet
 {
 
 // A row; offsets from its start:
-//   0 u16 number of columns when the row was written (later columns are null)
+//   0 u16 number of columns when the row was written; later columns are null
 //   2 fixed area: the values of the fixed columns at their offsets; null ones keep their place
 //     variable values in the order of their index, null ones take no bytes
 //     only in tables with variable columns: u16 end of the last value | u16 offset of each value,
 //     the last one first | u16 number of variable values
 //     null mask, bit = column number, 1 = not null; the bit of a Boolean column is its value
 
-/// What the row codec needs of a table definition, worked out once.
+/// What the row codec needs of a table definition, computed once.
 struct RowLayout {
     struct Column {
         ColumnType type = ColumnType::Long;
@@ -42,8 +42,8 @@ struct RowLayout {
 
 RowLayout makeRowLayout(const TableDefinition &table);
 
-/// Reads single columns of a row without copying the others. The bytes and the layout must
-/// outlive it. `column` is always the place in RowLayout::columns.
+/// Reads single columns of a row without copying the others. The bytes and the layout must outlive
+/// it. `column` is an index into RowLayout::columns.
 class RowView
 {
 public:
@@ -56,7 +56,7 @@ public:
     /// The column's value. A Memo or OLE column yields its stored reference as Bytes, for
     /// decodeLongValueRef(). Throws Error(Damaged).
     Value value(std::size_t column) const;
-    /// The same into a value that is used again, which is faster for many rows.
+    /// The same into an existing value, which is faster for many rows.
     void read(std::size_t column, Value &value) const;
 
     /// The stored bytes of a column that is not null and not Boolean.
@@ -70,7 +70,7 @@ private:
     const RowLayout *m_layout;
     std::size_t m_columnCount = 0;
     std::size_t m_maskStart = 0;
-    std::size_t m_variableCount = 0; ///< values the row's own table has
+    std::size_t m_variableCount = 0; ///< as the row itself states it
     std::size_t m_fixedEnd = 0;      ///< first byte after the fixed area
 };
 

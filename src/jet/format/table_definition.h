@@ -12,9 +12,9 @@ namespace jet
 inline constexpr std::size_t kMaxColumns = 255;
 inline constexpr std::size_t kMaxIndexColumns = 10;
 inline constexpr std::size_t kMaxNameLength = 64; ///< characters
-/// Bytes of a row at most; a longer one does not fit a page as other programs write it.
+/// Most bytes of a row; other programs write no longer one to a page.
 inline constexpr std::size_t kMaxRowSize = 4060;
-/// Bytes of a Text or Binary value at most (255 characters).
+/// Most bytes of a Text or Binary value (255 characters).
 inline constexpr std::size_t kMaxTextBytes = 510;
 /// Sort order of text: the only one whose index keys the engine can make.
 inline constexpr std::uint16_t kGeneralSortOrder = 0x0409;
@@ -45,7 +45,7 @@ struct ColumnDefinition {
     std::uint8_t precision = 0;                  ///< Numeric only: decimal digits
     std::uint8_t scale = 0;                      ///< Numeric only: digits after the point
 
-    /// Its value stands in the fixed area of a row, or in the null mask (Boolean).
+    /// Its value is stored in the fixed area of a row, or in the null mask (Boolean).
     bool isFixed() const
     {
         return (flags & ColumnFlag::FixedLength) != 0 || type == ColumnType::Boolean;
@@ -120,18 +120,19 @@ struct TableDefinition {
     std::vector<LogicalIndex> logicalIndexes; ///< sorted by name in files of other programs
     std::vector<LongValueMaps> longValueMaps;
 
-    /// Place in `columns` of the column with this number; throws Error(Damaged) when none has it.
+    /// Index into `columns` of the column with this number. Throws Error(Damaged) when there is
+    /// none.
     std::size_t columnAt(std::uint16_t number) const;
 };
 
-/// Bytes of a value of a type with one size; 0 for Text, Binary, Memo and OLE. A Boolean takes no
+/// Bytes of a value of a fixed-size type; 0 for Text, Binary, Memo and OLE. A Boolean takes no
 /// bytes in a row although its definition says 1.
 std::size_t fixedSize(ColumnType type);
 
-/// Gives the columns of a new table their numbers, ordinals, flags and places in a row, in list
-/// order: fixed columns packed without gaps, variable ones first the ordinary then the long values.
-/// Keeps ColumnFlag::Autonumber. Throws Error(TooManyColumns) or, when the fixed columns alone fill
-/// more than a row, Error(RecordTooLarge).
+/// Assigns numbers, ordinals, flags and places in a row to the columns of a new table, in list
+/// order: fixed columns packed without gaps; variable columns ordinary ones first, then long
+/// values. Keeps ColumnFlag::Autonumber. Throws Error(TooManyColumns) or, when the fixed columns
+/// alone fill more than a row, Error(RecordTooLarge).
 void layOutColumns(TableDefinition &table);
 
 } // namespace jet

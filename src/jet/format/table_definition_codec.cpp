@@ -24,7 +24,7 @@ constexpr std::uint16_t kNone = 0xFFFF;
 /// read for a damaged definition.
 constexpr std::size_t kMaxDefinitionLength = 1u << 20;
 
-/// Takes the fields of a definition one after the other.
+/// Reads the fields of a definition in order.
 class Reader
 {
 public:
@@ -48,7 +48,7 @@ public:
             name.push_back(static_cast<char16_t>(readU16(stored, i)));
         return name;
     }
-    /// Checks a count against the bytes that are left before anything is reserved for it.
+    /// Checks a count against the remaining bytes before memory is reserved for it.
     std::size_t checkedCount(std::size_t count, std::size_t bytesEach) const
     {
         if (count > (m_bytes.size() - m_position) / bytesEach)
@@ -234,7 +234,7 @@ void parseLongValueMaps(Reader &reader, TableDefinition &table)
     }
 }
 
-/// Length of the definition by its own statement.
+/// Length of the definition as it states itself.
 std::size_t statedLength(ByteView definition)
 {
     const std::size_t length = readU32(definition, kLengthOffset);

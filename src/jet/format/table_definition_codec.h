@@ -24,7 +24,7 @@ namespace jet
 //     25 per column, names | 52 per real index | 28 per logical index, names |
 //     10 per long-value column | u16 FFFF
 
-/// Offsets of what changes with the rows; the first page holds them all up to 335 real indexes.
+/// Offsets of the counters; with up to 335 real indexes all of them lie on the first page.
 inline constexpr std::size_t kRowCountOffset = 16;
 inline constexpr std::size_t kAutonumberOffset = 20;
 /// Offset of the count of different keys in a real index.
@@ -40,11 +40,11 @@ TableDefinition parseTableDefinition(ByteView definition);
 /// splitDefinition().
 Bytes encodeTableDefinition(const TableDefinition &table);
 
-/// Pages that a definition of this many bytes takes.
+/// Pages needed by a definition of this many bytes.
 std::size_t definitionPageCount(std::size_t definitionLength);
 
-/// Writes definition bytes to their pages and links these; `pages` are the page numbers in order,
-/// definitionPageCount() of them. Result: one 4096-byte image per page.
+/// Splits definition bytes into linked pages. `pages`: the page numbers in order,
+/// definitionPageCount() of them. Returns one 4096-byte image per page.
 std::vector<Bytes> splitDefinition(ByteView definition, std::span<const PageNo> pages);
 
 /// Adds one page of the chain to the definition bytes read so far (empty for the first page) and

@@ -52,7 +52,7 @@ constexpr AccentedLetter kAccentedLetters[] = {
     {u'Ü', u'ü', u'U', 0x13},
 };
 
-/// The comma-below letters came after this sort order: it passes over them.
+/// The comma-below letters are younger than this sort order, which ignores them.
 constexpr bool isIgnored(char16_t unit)
 {
     return unit == u'\0' || (unit >= u'\u0218' && unit <= u'\u021B');
@@ -159,7 +159,7 @@ bool sameName(std::u16string_view left, std::u16string_view right)
     try {
         return generalSortKey(left) == generalSortKey(right);
     } catch (const Error &) {
-        return false; // letters outside the known part of the order: only themselves
+        return false; // letters outside the known part of the order are only equal to themselves
     }
 }
 

@@ -17,7 +17,7 @@ namespace jet
                 "The field is too small to accept the amount of data you attempted to add.");
 }
 
-/// What a value holds; throws Error(TypeConversion) when that is of another type.
+/// The held alternative. Throws Error(TypeConversion) when the value holds another one.
 template <typename Alternative>
 const Alternative &valueAs(const Value &value)
 {
