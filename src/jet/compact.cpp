@@ -16,7 +16,7 @@ namespace jet
 namespace
 {
 
-/// Enough rows per transaction to make the syncs cheap, few enough to stay in memory.
+/// Rows per transaction: enough to amortise the syncs, few enough for the memory.
 constexpr std::uint32_t kRowsAtOnce = 20000;
 
 void copyRows(const TableStore &from, Session &target, const Text &name)
@@ -32,7 +32,7 @@ void copyRows(const TableStore &from, Session &target, const Text &name)
     }
 }
 
-/// What a design does not tell of the columns.
+/// Copies what a design does not say about the columns.
 void keepColumnDetails(const TableDefinition &from, TableDefinition &to)
 {
     for (ColumnDefinition &column : to.columns) {
@@ -46,7 +46,7 @@ void keepColumnDetails(const TableDefinition &from, TableDefinition &to)
     }
 }
 
-/// Throws Error(NotSupported) for a table that only the database program can make.
+/// Throws Error(NotSupported) for a table that the engine cannot create.
 TableDefinition definitionOfCopy(const Text &name, const TableDefinition &from)
 {
     try {
@@ -59,7 +59,7 @@ TableDefinition definitionOfCopy(const Text &name, const TableDefinition &from)
     }
 }
 
-/// What cannot be read would be missing in the copy.
+/// Unreadable records would be missing in the copy.
 void refuseDamaged(Pager &pager)
 {
     for (const Finding &finding : verify(pager)) {

@@ -22,7 +22,7 @@ TableStore &Cursor::store() const
 {
     if (!m_store || m_structure != m_session->structure()) {
         auto found = m_session->table(m_table);
-        // The place of a cursor means nothing in another table, even one of the same name.
+        // A cursor's place is void in another table, even one of the same name.
         if (m_store && found->page() != m_store->page())
             throw Error(ErrorCode::RecordDeleted, "The table of the records was replaced.");
         m_store = std::move(found);
@@ -82,8 +82,8 @@ bool Cursor::next()
     return m_place == Place::On && (stepWithinPage() || step(true));
 }
 
-/// Forward without a look into the file, as long as nothing has changed; false when that does not
-/// lead to the next record.
+/// Moves forward without reading the file while nothing has changed; false when the next record
+/// needs a read.
 bool Cursor::stepWithinPage()
 {
     if (!m_forward || !m_moved.empty() || m_movedTo || !m_store || !m_session->isUnchanged() ||
@@ -195,7 +195,7 @@ void Cursor::erase()
         requireUserTable(table);
         const RowPointer row = current();
         table.erase(row);
-        m_moved.erase(row); // a new record may get the place
+        m_moved.erase(row); // a new record may take its place
     });
 }
 

@@ -22,12 +22,12 @@ class TableStore;
 
 enum class Order { Ascending, Descending };
 
-/// Goes through the records of a table, in both directions, while the table may be changed: a
-/// record deleted ahead is not met, one added ahead is, unless the cursor is sorted by a column
-/// without index. A record that the cursor itself changes is met once in a pass, wherever the
-/// change puts it; first(), last(), seek() and turning round begin a new pass. Functions that need
-/// a current record throw Error(NoCurrentRecord), or Error(RecordDeleted) when it has been deleted
-/// and its place not been given to a new record since; a Snapshot rules that out.
+/// Iterates over the records of a table, in both directions, while the table may be changed: a
+/// record deleted ahead is not visited, one added ahead is, unless the cursor is sorted by a column
+/// without index. A record that the cursor itself changes is visited once in a pass, wherever the
+/// change moves it; first(), last(), seek() and a change of direction begin a new pass. Functions
+/// that need a current record throw Error(NoCurrentRecord), or Error(RecordDeleted) when it was
+/// deleted and no new record has taken its place since; a Snapshot rules that out.
 class Cursor
 {
 public:
@@ -35,8 +35,8 @@ public:
     Cursor &operator=(Cursor &&) noexcept;
     ~Cursor();
 
-    /// Each returns false, and leaves no current record, when there is none that way. A new cursor
-    /// stands before the first record.
+    /// Each returns false, and leaves no current record, at the end. A new cursor is before the
+    /// first record.
     bool first();
     bool last();
     bool next();
@@ -54,8 +54,8 @@ public:
     Value value(std::size_t column) const;
     Value value(std::u16string_view column) const;
     Row row() const;
-    /// Reads into a row that is used again, which is faster for many. Once after each move it gives
-    /// the record as it was found then; later, and the others always, as it is now.
+    /// Reads into an existing row, which is faster for many. The first call after a move returns
+    /// the record as the move found it; later calls, and the other functions, as it is now.
     void read(Row &row) const;
 
     /// Changes the assigned columns of the current record; throws as Table::append() does.

@@ -81,7 +81,7 @@ Table Database::createTable(const TableDesign &design, DateTime now)
         catalog.add(design.name, page, now);
         m_session->structureChanged();
     });
-    return {m_session, design.name}; // no look at the file: the table is stored by now
+    return {m_session, design.name}; // the table is stored, so nothing is read
 }
 
 void Database::dropTable(const Text &name)

@@ -16,25 +16,25 @@ namespace jet
 class FileSystem;
 class Session;
 
-/// An open database file (Jet 4, .mdb). Several may be open on one file at a time, in one process
-/// or many: each statement sees the file before or after another one's, never between. All calls
-/// on one Database and what comes from it belong to one thread.
+/// An open database file (Jet 4, .mdb). Any number may be open on one file, in one process or
+/// several: each statement sees the file before or after another opener's statement, never between.
+/// Not thread-safe: use a Database and what comes from it in one thread.
 ///
 /// Every function throws jet::Error; the file is then as it was before the call.
 class Database
 {
 public:
-    /// Opens a file; when a program was stopped in the middle of a statement, that statement is
-    /// finished or dropped first. Throws Error(FileNotFound), Error(ReadOnly) when the system
-    /// denies the access, Error(NotADatabase), Error(PasswordNeeded), Error(NotSupported) for an
-    /// encoded file, Error(InUse), Error(Damaged).
+    /// Opens a file. A statement that a stopped program left in the middle is finished or dropped
+    /// first. Throws Error(FileNotFound), Error(ReadOnly) when the system denies the access,
+    /// Error(NotADatabase), Error(PasswordNeeded), Error(NotSupported) for an encoded file,
+    /// Error(InUse), Error(Damaged).
     static Database open(const std::filesystem::path &path, const OpenOptions &options = {});
     /// The same on other files than the system's, for tests.
     static Database open(const std::filesystem::path &path, const OpenOptions &options,
                          std::shared_ptr<FileSystem> files);
 
-    /// Makes a database with empty tables, if any, and opens it; `now` is noted as the date of its
-    /// system tables. The file appears complete or not at all. Throws Error(FileExists),
+    /// Creates a database with empty tables, if any, and opens it; `now` is the creation date in
+    /// its system tables. The file appears complete or not at all. Throws Error(FileExists),
     /// Error(FileNotFound) when there is no folder for it, Error(InUse).
     static Database create(const std::filesystem::path &path, DateTime now,
                            const OpenOptions &options = {},
@@ -47,9 +47,9 @@ public:
 
     const std::filesystem::path &path() const;
 
-    /// Names of the user's tables in the order they were made.
+    /// Names of the user's tables in the order of their creation.
     std::vector<Text> tables() const;
-    /// Names are compared without regard to case. Throws Error(NoSuchTable).
+    /// Names are case-insensitive. Throws Error(NoSuchTable).
     Table table(const Text &name) const;
 
     /// Throws Error(ObjectExists), Error(InvalidName), Error(DuplicateItem), Error(NoSuchItem) for
@@ -61,8 +61,9 @@ public:
     /// Throws as dropTable() does, Error(ObjectExists), Error(InvalidName).
     void renameTable(const Text &name, const Text &newName, DateTime now);
 
-    /// Walks every page, map, row and index; empty when all of them fit together. Pages that belong
-    /// to nothing are no damage: the database program leaves them until it compacts a file.
+    /// Checks every page, map, row and index; empty when all of them fit together. A page that
+    /// counts as used but belongs to nothing is reported as lost space, which is no damage: the
+    /// database program leaves such pages until it compacts a file.
     std::vector<Finding> check() const;
 
 private:
@@ -73,7 +74,7 @@ private:
     std::shared_ptr<Session> m_session;
 };
 
-/// Makes several statements one: all of them are stored by commit(), or none. One at a time.
+/// Groups statements: commit() stores all of them, or none. One transaction at a time.
 class Transaction
 {
 public:
@@ -93,9 +94,9 @@ private:
     bool m_running = true;
 };
 
-/// While one lives, everything read from the database belongs to one moment: others may not
-/// change it and get Error(InUse) when they cannot wait that long. Reading many rows is also faster
-/// inside one.
+/// While one exists, everything read from the database belongs to one moment: other openers cannot
+/// change it and get Error(InUse) after their lock timeout. Reading many rows is also faster inside
+/// one.
 class Snapshot
 {
 public:

@@ -15,8 +15,8 @@ namespace jet
 class Session;
 class TableStore;
 
-/// A table of an open database, found again by its name for every statement. It keeps the database
-/// open as long as it lives.
+/// A table of an open database, looked up by its name for every statement. It keeps the database
+/// open.
 class Table
 {
 public:
@@ -24,7 +24,7 @@ public:
 
     /// Columns in the order of their definition, and the indexes.
     TableDesign design() const;
-    /// Place of a column in a Row. Throws Error(NoSuchItem).
+    /// Index of a column in a Row. Throws Error(NoSuchItem).
     std::size_t column(std::u16string_view name) const;
 
     /// Number of records, without counting them. Throws Error(Damaged) when the file states more
@@ -41,15 +41,15 @@ public:
     /// The record that Cursor::bookmark() named. Throws Error(RecordDeleted).
     Row record(RowPointer bookmark) const;
 
-    /// Removes all records and gives their pages back.
+    /// Removes all records and frees their pages.
     void deleteAll();
 
-    /// Cursors stand before the first record. In table order:
+    /// A new cursor is before the first record. In table order:
     Cursor records() const;
     /// In the order of an index, by its name. Throws Error(NoSuchItem).
     Cursor byIndex(std::u16string_view index, Order order = Order::Ascending) const;
-    /// Sorted by a column: through an index when one begins with it; otherwise the keys of all
-    /// records are sorted in memory, their values are not loaded. Characters outside the known part
+    /// Sorted by a column: through an index that begins with it, if any; otherwise the keys of all
+    /// records are sorted in memory, without their other values. Characters outside the known part
     /// of the sort order come last. Throws Error(NoSuchItem).
     Cursor sortedBy(std::u16string_view column, Order order = Order::Ascending) const;
 

@@ -39,7 +39,7 @@ void appendUtf8(std::string &out, char32_t code)
     }
 }
 
-/// Reads one character at `i` and moves behind it; a malformed byte is skipped alone.
+/// Decodes the character at `i` and advances past it; a malformed byte is skipped alone.
 char32_t nextCodePoint(std::string_view text, std::size_t &i)
 {
     const auto byteAt = [&text](std::size_t at) { return static_cast<std::uint8_t>(text[at]); };

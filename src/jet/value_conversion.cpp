@@ -65,7 +65,7 @@ std::string numberText(double number, int significantDigits)
     return result;
 }
 
-/// The number a value stands for; nothing when it stands for none.
+/// The number that a value represents; nullopt when it represents none.
 struct AsNumber {
     std::optional<double> operator()(bool truth) const { return truth ? -1.0 : 0.0; }
     template <typename Arithmetic>
@@ -85,7 +85,7 @@ struct AsNumber {
         const auto [end, error] = std::from_chars(view.data(), view.data() + view.size(), number);
         if (error == std::errc::invalid_argument || end != view.data() + view.size())
             return std::nullopt;
-        // Too small for a double is zero, too large is no number.
+        // Underflow gives zero, overflow is refused.
         if (error == std::errc::result_out_of_range && !parseNumeric(digits))
             return std::nullopt;
         return number;
@@ -167,7 +167,7 @@ Value asText(const Value &value)
 Value toBinary(const Value &value, ColumnType type)
 {
     const auto &bytes = valueAs<Bytes>(value);
-    // Nothing would mark the end of its key in an index, so other programs find that out of order.
+    // Its key would have no end mark: other programs would find the index out of order.
     return type == ColumnType::Binary && bytes.empty() ? Value{} : value;
 }
 

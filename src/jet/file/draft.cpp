@@ -24,7 +24,7 @@ Draft::Draft(FileSystem &files, std::filesystem::path target, const char *extens
             throwInUse();
         throw;
     }
-    // Others may take a file without a lock for one that was left over.
+    // Others take a file without a lock for one that was left over.
     if (!m_file->tryLock(LockPart::Opener, LockMode::Exclusive) || !m_file->isNamed(m_path))
         throwInUse();
     if (replaces)
@@ -35,7 +35,7 @@ Draft::~Draft()
 {
     if (m_isInPlace)
         return;
-    // A draft that stays behind is removed by the next attempt.
+    // A draft that cannot be removed is removed by the next attempt.
     try {
         m_file->releaseName();
         removeFiles();
@@ -62,13 +62,13 @@ void Draft::takeFreeName()
     m_files.syncFolder(m_target.parent_path());
 }
 
-/// Makes both the draft and its name ready.
+/// Prepares both the draft and its target.
 void Draft::finish()
 {
     m_file->sync();
     m_file->releaseName();
     if (const auto journal = journalPath(m_target); m_files.exists(journal)) {
-        // It belongs to the file that had this name, and must not come back beside the new one.
+        // It belongs to the replaced file and must not be applied to the new one.
         m_files.remove(journal);
         m_files.syncFolder(m_target.parent_path());
     }

@@ -8,17 +8,17 @@
 namespace jet
 {
 
-/// A database file that is built under another name and then gets the name it is for in one step,
-/// so that nobody ever finds half of it. Only one at a time can be built for a name. When there is
-/// a file of that name, nobody may read the draft who may not read that.
+/// A database file that is built under a temporary name and then renamed to its target atomically,
+/// so that nobody ever opens an incomplete one. Only one draft of a target can exist at a time.
+/// When the target exists, whoever may not read it may not read the draft either.
 class Draft
 {
 public:
-    /// Makes the empty file, whose name is the target's with `extension` behind it; what an
-    /// interrupted attempt left there is removed. Throws Error(InUse) while another program builds
-    /// one. Keeps a reference to `files`.
+    /// Creates the empty file; its name is the target's with `extension` appended. Removes what an
+    /// interrupted attempt left there. Throws Error(InUse) while another program builds one. Keeps
+    /// a reference to `files`.
     Draft(FileSystem &files, std::filesystem::path target, const char *extension);
-    /// Removes what did not get the target's name.
+    /// Removes a draft that was not renamed.
     ~Draft();
     Draft(const Draft &) = delete;
     Draft &operator=(const Draft &) = delete;
@@ -26,10 +26,11 @@ public:
     const std::filesystem::path &path() const { return m_path; }
     File &file() { return *m_file; }
 
-    /// Brings the draft to the disk and puts it in the target's place. The caller sees to it that
-    /// nobody has the target open.
+    /// Syncs the draft and replaces the target with it. The caller ensures that nobody has the
+    /// target open.
     void replaceTarget();
-    /// Brings the draft to the disk and gives it the target's name. Throws Error(FileExists).
+    /// Syncs the draft and renames it to the target, which must not exist. Throws
+    /// Error(FileExists).
     void takeFreeName();
 
 private:

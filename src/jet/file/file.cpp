@@ -13,7 +13,7 @@ namespace
 template <typename Attempt>
 bool retry(Attempt attempt, std::chrono::milliseconds timeout)
 {
-    // Holders need milliseconds, so the first tries come close together.
+    // Locks are held for milliseconds, so the first retries follow quickly.
     using namespace std::chrono_literals;
     const auto end = std::chrono::steady_clock::now() + timeout;
     auto pause = 1ms;

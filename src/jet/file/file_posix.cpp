@@ -63,7 +63,7 @@ int openFlags(FileSystem::Access access)
 Descriptor openDescriptor(const std::filesystem::path &path, FileSystem::Access access)
 {
     const mode_t rights = access == FileSystem::Access::CreatePrivate ? 0600 : 0666;
-    // Not blocking: to open a pipe would wait for its other end.
+    // Non-blocking: opening a pipe would wait for its other end.
     return Descriptor(::open(path.c_str(), openFlags(access) | O_CLOEXEC | O_NONBLOCK, rights));
 }
 
@@ -134,8 +134,9 @@ void writeAt(int descriptor, std::uint64_t offset, ByteView bytes)
     }
 }
 
-/// 0 or the system's error number. Locks of the open file, not of the process: two openers in one
-/// process must see each other, and closing one must not take away the other's.
+/// Returns 0 or the system's error number. Locks of the open file description, not of the process:
+/// two openers in one process must exclude each other, and closing one must not release the other's
+/// locks.
 int requestLock(int descriptor, LockRange range, short type)
 {
     struct flock lock {
@@ -293,7 +294,7 @@ public:
         const bool isLink = std::filesystem::is_symlink(path, failure);
         const std::filesystem::path target =
             isLink ? std::filesystem::canonical(path, failure) : path;
-        return failure ? path : target; // a link to nothing fails where it is opened
+        return failure ? path : target; // opening a dangling link fails
     }
 
     void matchAccess(const std::filesystem::path &file, const std::filesystem::path &model) override
@@ -304,7 +305,7 @@ public:
         };
         if (::stat(model.c_str(), &wanted) != 0 || ::stat(file.c_str(), &found) != 0)
             return;
-        // Only root gives files away; for others the group has to do, which may be one of theirs.
+        // Only root may change the owner; others may set a group of their own.
         const auto give = [&](uid_t owner) {
             return ::chown(file.c_str(), owner, wanted.st_gid) == 0;
         };
@@ -321,8 +322,8 @@ public:
         const Descriptor descriptor(::open(name.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
         if (descriptor.isOpen() && ::fsync(descriptor.number()) == 0)
             return;
-        // A folder that may be written but not read, and file systems that do not know the call:
-        // there is no way to ask for more than they do by themselves.
+        // A folder that may not be read, or a file system without the call: nothing more can be
+        // asked for.
         if (errno == EACCES || errno == EINVAL || errno == ENOTSUP)
             return;
         throwSystemError("Writing the folder '" + displayName(name) + "' to the disk failed",

@@ -17,9 +17,9 @@ constexpr std::size_t kSectors = kPageSize / kSectorSize;
 constexpr std::size_t kRecordHeaderSize = 8 + 8 * kSectors;
 constexpr std::size_t kRecordSize = kRecordHeaderSize + kPageSize;
 constexpr std::size_t kHashSize = 8;
-/// The file grows by this much at a time: a changed size costs the next sync a second write.
+/// The file grows in steps of this: a changed size costs the next sync a second write.
 constexpr std::uint64_t kGrowth = 65536;
-/// Neighbouring pages written by one call; more gains nothing.
+/// Most adjacent pages written by one call; more gains nothing.
 constexpr std::size_t kRunLength = 64;
 
 ByteView sectorOf(PageBytes page, std::size_t sector)
@@ -42,7 +42,7 @@ void appendRecord(Bytes &bytes, const PageChange &change)
 
 std::filesystem::path journalPath(std::filesystem::path database)
 {
-    // Behind the whole name: files that differ in the extension alone must not share a journal.
+    // Appended to the whole name: files that differ only in the extension must not share a journal.
     return database += ".jrn";
 }
 
@@ -52,7 +52,7 @@ std::uint64_t hashBytes(ByteView bytes, std::uint64_t seed)
     std::uint64_t hash = seed;
     std::size_t at = 0;
     for (; at + 8 <= bytes.size(); at += 8) {
-        // The rotation carries the high bits back, which a word-wise multiplication never would.
+        // The rotation carries the high bits back, which the multiplication of words does not.
         hash = std::rotl((hash ^ readLittleEndian<std::uint64_t>(bytes, at)) * kPrime, 29);
     }
     for (; at < bytes.size(); ++at)
@@ -117,7 +117,7 @@ std::optional<Journal> Journal::readAt(File &file, std::uint64_t start,
     const std::uint64_t headSize = kHeaderSize + std::uint64_t{witnesses} * kWitnessSize;
     const std::uint64_t recordsStart = start + headSize;
     const std::uint64_t end = recordsStart + std::uint64_t{records} * kRecordSize;
-    // Also bounds the memory that a damaged count could ask for.
+    // Also bounds the memory for a damaged count.
     if (file.size() < end + kHashSize)
         return std::nullopt;
 
@@ -146,7 +146,7 @@ void Journal::readWitnesses(ByteView bytes)
         m_witnesses.push_back({readU32(bytes, at), readLittleEndian<std::uint64_t>(bytes, at + 8)});
 }
 
-/// False for a page that the database would not have.
+/// False for a page beyond the end of the database.
 bool Journal::readRecord(ByteView bytes)
 {
     const PageNo page = readU32(bytes, 0);
@@ -180,7 +180,7 @@ Journal::State Journal::stateOf(PageNo page, PageBytes found) const
 
 JournalTraces Journal::tracesIn(File &database) const
 {
-    // Other programs may leave a file that ends inside a page; no opener counts that part.
+    // Other programs may leave an incomplete page at the end of a file; no opener counts it.
     const std::uint64_t pages = database.size() / kPageSize;
     JournalTraces traces;
     traces.lengthFits = pages >= m_pagesBefore && pages <= m_pagesAfter;

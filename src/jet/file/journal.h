@@ -15,8 +15,8 @@ namespace jet
 
 // The journal, name.mdb.jrn beside the database, makes a statement all or nothing: it receives the
 // new content of every page before the first of them is written to the database. The file stays
-// when the database is closed and is overwritten in place by the next statement, so that neither
-// its name nor its size has to reach the disk again. Integers are little-endian:
+// when the database is closed, and the next statement overwrites it in place, so that neither its
+// name nor its size has to be synced again. Integers are little-endian:
 //    0 "JRNNAME" 0 once the name of the journal is known to be on the disk, else zeros
 //  512 the statement; its first 8 bytes are zeros when there is none to finish:
 //      0 "JETJRN3" 0 | 8 u32 pages of the database before | 12 u32 after | 16 u32 number of
@@ -28,21 +28,21 @@ namespace jet
 //      then anything, up to a multiple of 64 KiB
 // Earlier versions wrote "JETJRN2" and the same statement at offset 0; it is read as well.
 //
-// The first record is always page 0: it holds the change counter (header_page.h), which tells a
-// state of the database from every other one, also from those of its copies.
+// The first record is always page 0: it holds the change counter (header_page.h), which
+// distinguishes each state of the database from every other, and from those of its copies.
 //
 // Order of writes of a statement:
 //   1. the statement into the journal, sync; for a name not known to be on the disk: sync of the
 //      folder, then the mark at offset 0
 //   2. pages of the database, page 0 first, sync
 //   3. zeros over the statement's first bytes
-// Cut off anywhere before the sync of 1, the statement's own hash does not match and the database
-// is untouched. Cut off later, the pages are written again from the journal. The mark lies in a
-// sector of its own: lost or garbled, it only costs another sync of the folder. Step 3 needs no
-// sync: a statement that comes back after a loss of power only repeats what the database already
-// holds, and the next one replaces it before it touches the database.
+// Interrupted before the sync of 1, the statement's own hash does not match and the database is
+// untouched. Interrupted later, the pages are written again from the journal. The mark has a sector
+// of its own: lost or garbled, it only costs another sync of the folder. Step 3 needs no sync: a
+// statement that reappears after a loss of power only repeats what the database already holds, and
+// the next statement replaces it before it touches the database.
 
-inline constexpr std::size_t kSectorSize = 512; ///< what a disk writes in one piece
+inline constexpr std::size_t kSectorSize = 512; ///< what a disk writes atomically
 
 /// The change of one page by a statement.
 struct PageChange {
@@ -51,16 +51,16 @@ struct PageChange {
     const PageBuffer *after = nullptr;
 };
 
-/// A page that the statement relies on and leaves as it is.
+/// A page that the statement has read and does not change.
 struct PageWitness {
     PageNo page = 0;
     std::uint64_t hash = 0; ///< hashBytes() of it
 };
 
-/// What a statement and its database file show of each other.
+/// What the content of the database tells about a statement.
 struct JournalTraces {
     bool lengthFits = true;       ///< as many pages as before, after or between
-    bool reliedOnIsSame = true;   ///< every page that the statement relied on, page 0 aside
+    bool reliedOnIsSame = true;   ///< every witness, page 0 aside
     bool isBegun = false;         ///< something of the statement is in the file
     bool isTorn = false;          ///< a sector besides page 0 is neither the old nor the new one
     bool headerIsTorn = false;    ///< likewise in page 0, its change counter aside
@@ -75,7 +75,7 @@ public:
                                std::span<const PageWitness> witnesses,
                                std::span<const PageChange> changes);
 
-    /// The statement in a journal, or nothing when none was written whole.
+    /// The statement in a journal; nullopt when none is complete.
     static std::optional<Journal> read(File &file);
 
     JournalTraces tracesIn(File &database) const;
@@ -104,20 +104,20 @@ private:
     std::map<PageNo, OldPage> m_oldPages;
 };
 
-// Places and marks in the file, for the class that opens it (journal_file.h).
+// Offsets and marks in the file, for the class that opens it (journal_file.h).
 using JournalMark = std::array<std::uint8_t, 8>;
 inline constexpr JournalMark kDurableNameMark{'J', 'R', 'N', 'N', 'A', 'M', 'E', 0};
 inline constexpr JournalMark kOldStatementMark{'J', 'E', 'T', 'J', 'R', 'N', '2', 0};
 inline constexpr JournalMark kStatementMark{'J', 'E', 'T', 'J', 'R', 'N', '3', 0};
 inline constexpr std::uint64_t kStatementOffset = kSectorSize;
 
-/// Where the journal of a database stands.
+/// The path of a database's journal.
 std::filesystem::path journalPath(std::filesystem::path database);
 
-/// Hash against accidents (FNV-1a over words of 8 bytes), not against malice.
+/// Detects accidents, not malice: FNV-1a over words of 8 bytes.
 std::uint64_t hashBytes(ByteView bytes, std::uint64_t seed = 0xCBF29CE484222325);
 
-/// Writes pages to the database: neighbours together, ascending.
+/// Writes pages to the database in ascending order, adjacent ones in one call.
 void writePages(File &database, std::span<const PageChange> changes);
 
 } // namespace jet

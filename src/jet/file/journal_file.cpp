@@ -11,7 +11,7 @@ namespace jet
 namespace
 {
 
-/// What a long statement took of the disk is given back.
+/// A larger journal is truncated to this, which returns the space of a long statement.
 constexpr std::uint64_t kLargestKept = 1 << 20;
 constexpr std::uint64_t kSizeWhenCut = 65536;
 
@@ -24,7 +24,7 @@ JournalFile::JournalFile(FileSystem &files, std::filesystem::path database,
 {
 }
 
-/// Opens the file that has the name now; false when there is none.
+/// Opens the existing file; false when there is none.
 bool JournalFile::find()
 {
     if (m_file && m_file->isNamed(m_path))
@@ -36,7 +36,7 @@ bool JournalFile::find()
         m_file = m_files.open(m_path, m_options.readOnly ? FileSystem::Access::Read
                                                          : FileSystem::Access::Write);
         if (!m_options.readOnly)
-            m_files.matchAccess(m_path, m_database); // which may have been given to others since
+            m_files.matchAccess(m_path, m_database); // whose access rights may have changed since
         m_mark = {};
         m_file->read(0, m_mark);
     } catch (const Error &error) {
@@ -85,8 +85,8 @@ void JournalFile::make()
     m_mark = {};
 }
 
-/// Without its name on the disk the journal would be lost with the power. That the file is there
-/// does not show whether its maker came as far as that; the mark does.
+/// A journal whose name is not durable is lost with the power. That the file exists does not prove
+/// that its creator synced the folder; the mark does.
 void JournalFile::makeNameDurable()
 {
     if (m_mark == kDurableNameMark)

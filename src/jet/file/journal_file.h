@@ -10,25 +10,24 @@
 namespace jet
 {
 
-/// The file of a database's journal: where it stands, whether its name is on the disk, its end.
+/// The file of a database's journal: its path, whether its name is durable, its end.
 class JournalFile
 {
 public:
     /// Keeps a reference to `files`.
     JournalFile(FileSystem &files, std::filesystem::path database, const OpenOptions &options);
 
-    /// True when there is a statement in it, which may not be whole.
+    /// True when it holds a statement, which may be incomplete.
     bool hasStatement();
-    /// Nothing when there is no whole one.
+    /// nullopt when there is no complete one.
     std::optional<Journal> read();
-    /// Makes the file when it is missing. Afterwards the statement will be there whatever happens,
-    /// as far as the durability asks for that. On failure there is none.
+    /// Creates the file when it is missing. On return the statement is as durable as the options
+    /// ask for; on failure the journal holds none.
     void write(PageNo pagesBefore, PageNo pagesAfter, std::span<const PageWitness> witnesses,
                std::span<const PageChange> changes);
-    /// Forgets the statement, once it is carried out or undone. A failure harms nothing, see
-    /// journal.h.
+    /// Discards the statement after it was carried out or undone. Best effort, see journal.h.
     void clear() noexcept;
-    /// Gives a journal that is of no use here another name; returns that.
+    /// Renames a journal that does not fit the database; returns the new path.
     std::filesystem::path keepAside();
     /// Closes the file.
     void release() { m_file.reset(); }

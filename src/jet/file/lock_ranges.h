@@ -6,7 +6,7 @@
 #include <array>
 #include <cstdint>
 
-// Places of the locks. Nothing is ever stored there; only the locks on the bytes count.
+// Byte ranges of the locks. Nothing is stored there.
 
 namespace jet
 {
@@ -16,8 +16,8 @@ struct LockRange {
     std::uint32_t length = 0;
 };
 
-/// In the database: behind the 2 GiB that one can hold, as some systems refuse to read or write
-/// what another has locked.
+/// In the database: beyond the 2 GiB that a file can hold, as some systems refuse access to locked
+/// bytes.
 constexpr LockRange lockRange(LockPart part)
 {
     constexpr std::uint64_t kBehindEveryFile = 0x1'0000'0000;
@@ -27,13 +27,13 @@ constexpr LockRange lockRange(LockPart part)
 /// In the lock file: where the database program locks one byte for each of its users.
 inline constexpr LockRange kProgramUsers{0x10000001, 255};
 
-// Content of a lock file made here. It stands behind the database program's 255 user records of 64
-// bytes; earlier versions kept a number there.
+// Content of a lock file created here, after the database program's 255 user records of 64 bytes;
+// earlier versions stored a number there.
 inline constexpr std::uint64_t kLockMarkOffset = std::uint64_t{255} * 64;
 inline constexpr std::array<std::uint8_t, 8> kLockMark{'J', 'E', 'T', 'L', 'O', 'C', 'K', '1'};
 inline constexpr std::uint64_t kLockFileSize = kLockMarkOffset + kLockMark.size();
 
-/// True for a file that only this engine can have made, or that holds nothing.
+/// True for an empty file and for one that only this engine can have created.
 inline bool isOurLockFile(ByteView content)
 {
     if (content.empty())
