@@ -12,7 +12,7 @@ namespace
 {
 
 constexpr PageNo kPageOfId = 0x00FFFFFF; ///< the part of an object's id that is its page
-/// Creator is no user but a stand-in; its id differs from the system owner's in this bit pattern.
+/// Creator is a placeholder, no user; its id is the system owner's with this bit pattern inverted.
 constexpr std::uint8_t kCreatorMask = 0x07;
 
 std::size_t columnOf(const TableStore &table, std::u16string_view name)
@@ -129,7 +129,7 @@ std::optional<RowPointer> Catalog::rowNamed(const Text &name) const
                 throw;
         }
     }
-    // A name with letters whose order is not known can still be found by looking at all of them.
+    // A name with letters of unknown order is found by a scan.
     for (const Entry &entry : tables()) {
         if (entry.name == name)
             return entry.row;
@@ -202,7 +202,7 @@ std::vector<RowPointer> Catalog::permissionsOf(TableStore &aces, std::int32_t ob
     return found;
 }
 
-/// The stored id that stands for whoever made an object; Null when it cannot be told.
+/// The stored id for the creator of an object; Null when it is unknown.
 Value Catalog::creatorId() const
 {
     const auto self = rowNamed(u"MSysObjects");
@@ -215,7 +215,7 @@ Value Catalog::creatorId() const
     return Bytes{(*owner)[0], static_cast<std::uint8_t>((*owner)[1] ^ kCreatorMask)};
 }
 
-/// Gives a new table the permissions that all tables inherit.
+/// Adds the permissions that all tables inherit.
 void Catalog::addPermissions(std::int32_t object)
 {
     TableStore aces(m_pager, systemTablePage(SystemTable::Aces));

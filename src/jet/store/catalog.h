@@ -9,7 +9,7 @@
 namespace jet
 {
 
-/// The list of objects in a database, kept in its own system tables.
+/// The catalog: the list of objects in a database, kept in its system tables.
 class Catalog
 {
 public:
@@ -22,21 +22,21 @@ public:
 
     explicit Catalog(Pager &pager);
 
-    /// All tables of this file, in the order they were made; links to other files are no tables.
+    /// All tables of this file, in the order of their creation; links to other files do not count.
     std::vector<Entry> tables() const;
     std::optional<Entry> find(const Text &name) const;
 
     /// Throws Error(NotSupported) when there is anything but tables: queries, links, forms, or rows
     /// in system tables that a new database does not have.
     void refuseOtherObjects() const;
-    /// Throws Error(ObjectExists) when a table or query has the name already.
+    /// Throws Error(ObjectExists) when a table or query already has the name.
     void checkIsFree(const Text &name) const;
     void add(const Text &name, PageNo definition, DateTime now);
     void remove(const Entry &entry);
     void rename(const Entry &entry, const Text &name, DateTime now);
 
-    /// What the database program notes of a table and its columns, such as captions and default
-    /// values, as it is stored; the engine only carries it over.
+    /// The properties that the database program stores with a table and its columns, such as
+    /// captions and default values; the engine only copies them.
     Value properties(const Entry &entry) const;
     void setProperties(const Text &name, const Value &properties);
 

@@ -46,7 +46,7 @@ bool IndexCursor::step(bool forward)
     if (m_version != m_tree.pager().version()) {
         load(m_tree.leafFor(m_entry));
         m_index = m_leaf->lowerBound(m_entry);
-        // Where the entry itself is gone, the place already is that of the one after it.
+        // If the entry is gone, the position already is that of the following one.
         const bool gone = m_index == m_leaf->count() || m_leaf->entry(m_index) != m_entry;
         if (forward && gone)
             distance = 0;
@@ -55,13 +55,13 @@ bool IndexCursor::step(bool forward)
     m_before.swap(m_entry);
     if (!settle(forward))
         return false;
-    // Without this, a chain of leaves that leads in a circle would never end.
+    // Ends a circular chain of leaves in a damaged file.
     if (forward ? m_entry <= m_before : m_entry >= m_before)
         throwDamaged("the entries of an index are out of order");
     return true;
 }
 
-/// Goes on to the next leaf that has an entry where the place lies outside its own.
+/// Moves to the next leaf with an entry when the position is outside its leaf.
 bool IndexCursor::settle(bool forward)
 {
     PageNo steps = 0;

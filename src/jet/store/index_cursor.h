@@ -7,7 +7,7 @@
 namespace jet
 {
 
-/// A place between or on the entries of an index, kept through changes of the tree.
+/// A position on or between the entries of an index, which survives changes of the tree.
 class IndexCursor
 {
 public:
@@ -15,15 +15,15 @@ public:
 
     bool moveFirst() { return moveToEdge(false); }
     bool moveLast() { return moveToEdge(true); }
-    /// To the first entry not less than the given bytes.
+    /// Moves to the first entry not less than the given bytes.
     bool seek(ByteView entry);
     bool next() { return step(true); }
     bool previous() { return step(false); }
 
-    /// False before the first move and after a move that found no entry.
+    /// False before the first move and after one that found no entry.
     bool isValid() const { return m_valid; }
     RowPointer row() const;
-    /// Only on an entry: true when it is one of a key.
+    /// Precondition: isValid(). True for an entry of this key.
     bool hasKey(ByteView key) const;
     const Bytes &entry() const { return m_entry; }
 
@@ -35,7 +35,7 @@ private:
 
     IndexTree m_tree;
     std::optional<IndexPage> m_leaf;
-    std::size_t m_index = 0; ///< may be one past the end while settling
+    std::size_t m_index = 0; ///< settle() accepts one past the end
     std::uint64_t m_version = 0;
     Bytes m_entry;
     Bytes m_before; ///< the entry before the last step

@@ -10,8 +10,8 @@ namespace jet
 namespace
 {
 
-/// Cuts a list of sizes into runs of at most a page each, of about the same size; the result are
-/// the lengths of the runs.
+/// Splits a list of sizes into runs of similar size, each at most a page. Returns the lengths of
+/// the runs.
 std::vector<std::size_t> cutIntoPages(const std::vector<std::size_t> &sizes)
 {
     std::size_t total = 0;
@@ -125,8 +125,8 @@ void IndexTree::insert(const Path &path, ByteView entry)
         fixCopies(Bytes(entry.begin(), entry.end()));
 }
 
-/// Writes the entries of the leaf a path leads to, on more pages where they need them. `appended`:
-/// the last entry is new and the greatest of all, so the full page before it stays full.
+/// Writes the entries of the leaf at the end of a path, splitting it if necessary. `appended`: the
+/// last entry is new and the greatest of all, so the full page before it stays full.
 void IndexTree::storeLeaf(const Path &path, std::vector<Bytes> entries, bool appended)
 {
     const PageNo leaf = path.back().page;
@@ -146,7 +146,7 @@ void IndexTree::storeLeaf(const Path &path, std::vector<Bytes> entries, bool app
     if (appended && restFits)
         runs = {entries.size() - 1, 1};
 
-    // The root keeps its page, so all of its entries move to new ones.
+    // The root keeps its page, so all of its entries move to new pages.
     const bool isRoot = path.size() == 1;
     std::vector<PageNo> pages = addPages(isRoot ? 0 : leaf, runs.size() - (isRoot ? 0 : 1));
     if (!isRoot)
@@ -171,7 +171,7 @@ void IndexTree::storeLeaf(const Path &path, std::vector<Bytes> entries, bool app
     storeNode(path, path.size() - 2, std::move(children));
 }
 
-/// Writes the children of the node at a level of a path, on more pages where they need them.
+/// Writes the children of the node at a level of a path, splitting it if necessary.
 void IndexTree::storeNode(const Path &path, std::size_t level, std::vector<IndexChild> children)
 {
     const PageNo node = path[level].page;
@@ -185,7 +185,7 @@ void IndexTree::storeNode(const Path &path, std::size_t level, std::vector<Index
         sizes.push_back(sizeOf(child));
         total += sizes.back();
     }
-    // The last child becomes the tail, which takes no room.
+    // The last child becomes the tail, which has no entry.
     if (total - (children.size() > 1 ? sizes.back() : 0) <= kEntryAreaSize) {
         writeNode(m_pager.edit(node), m_owner, view.links(), height, children);
         return;
@@ -217,8 +217,8 @@ void IndexTree::storeNode(const Path &path, std::size_t level, std::vector<Index
     storeNode(path, level - 1, std::move(siblings));
 }
 
-/// New pages, linked into the level of a page behind it, or to each other when it is 0. They are
-/// empty leaves until they are written.
+/// Allocates pages and links them into a level after a page, or only to each other when it is 0.
+/// They are empty leaves until they are written.
 std::vector<PageNo> IndexTree::addPages(PageNo after, std::size_t count)
 {
     PageAllocator allocator(m_pager);
@@ -276,7 +276,7 @@ void IndexTree::erase(ByteView entry)
         fixCopies(page(leaf).entry(index - 1));
 }
 
-/// Takes the child that a path went through out of the node at a level.
+/// Removes the child on a path from the node at a level.
 void IndexTree::removeChild(const Path &path, std::size_t level)
 {
     const PageNo node = path[level].page;
@@ -301,8 +301,7 @@ void IndexTree::removeChild(const Path &path, std::size_t level)
     }
 }
 
-/// Nodes hold a copy of the greatest entry below a child; brings those on the way to the entry that
-/// is now the greatest of its leaf in order.
+/// Updates the copies in the nodes above a leaf after its greatest entry has changed.
 void IndexTree::fixCopies(const Bytes &greatest)
 {
     for (;;) {
@@ -317,7 +316,7 @@ void IndexTree::fixCopies(const Bytes &greatest)
                 std::vector<IndexChild> children = view.children();
                 children[child].last = greatest;
                 storeNode(path, level, std::move(children));
-                changed = true; // the node may have been split, so the way is looked up again
+                changed = true; // the node may have been split, so the path is searched again
             } else if (child + (view.tail() == 0 ? 1 : 0) < view.count()) {
                 return; // not the node's last child, so the levels above copy another entry
             }
@@ -349,7 +348,7 @@ std::vector<PageNo> IndexTree::pages() const
     for (std::size_t depth = 0; !level.empty(); ++depth) {
         std::vector<PageNo> below;
         for (const PageNo number : level) {
-            // Also ends a walk over a damaged tree whose nodes share children.
+            // Also ends on a damaged tree whose nodes share children.
             if (all.size() > m_pager.pageCount())
                 checkDepth(kMaxIndexDepth + 1, number);
             checkDepth(depth, number);

@@ -9,10 +9,10 @@
 namespace jet
 {
 
-/// Far more levels than a file of the largest size can need.
+/// More levels than a tree in the largest file can have.
 inline constexpr std::size_t kMaxIndexDepth = 24;
 
-/// The tree of one index. An entry is the key's bytes followed by the row id of its row.
+/// The B-tree of one index. An entry is the key's bytes followed by the row id.
 class IndexTree
 {
 public:
@@ -22,7 +22,7 @@ public:
     {
     }
 
-    /// One page on the way down and the place of the child taken; nothing for the tail of a node,
+    /// One page on the path down and the index of the child taken; nullopt for the tail of a node,
     /// and on the leaf.
     struct Step {
         PageNo page;
@@ -39,29 +39,29 @@ public:
     };
     using Path = std::vector<Step>;
 
-    /// The way to where an entry, or the first one of a key, is or would be.
+    /// The path to where an entry, or the first one of a key, is or would be.
     Path descend(ByteView entry) const;
     bool hasKey(ByteView key) const { return hasKey(descend(key), key); }
     bool hasKey(const Path &path, ByteView key) const;
-    /// Throws Error(RecordTooLarge) for a key whose entry no page could take.
+    /// Throws Error(RecordTooLarge) for a key that is too long for any page.
     static void checkSize(ByteView key);
     /// Throws as checkSize() does.
     void insert(ByteView entry) { insert(descend(entry), entry); }
-    /// The same for an entry of a key that the tree does not hold, with the way to the key.
+    /// The same for an entry of a key that the tree does not hold, with the path to the key.
     void insert(const Path &path, ByteView entry);
     /// Throws Error(Damaged) when the entry is missing.
     void erase(ByteView entry);
-    /// Makes the tree empty; the result are its former pages but the root, not yet released.
+    /// Empties the tree. Returns its former pages but the root, not yet released.
     [[nodiscard]] std::vector<PageNo> clear();
 
-    /// All pages, found by walking the tree; the root first.
+    /// All pages of the tree, the root first.
     std::vector<PageNo> pages() const;
     PageNo root() const { return m_root; }
     PageNo owner() const { return m_owner; }
     Pager &pager() const { return m_pager; }
 
     IndexPage page(PageNo page) const { return {m_pager.read(page), page, m_owner}; }
-    /// The leaf where an entry is or would be.
+    /// The leaf that holds an entry or would hold it.
     PageNo leafFor(ByteView entry) const;
     /// The first or the last leaf.
     PageNo edgeLeaf(bool last) const;

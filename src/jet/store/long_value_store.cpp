@@ -9,7 +9,7 @@ namespace
 
 constexpr std::size_t kNextPointerSize = 4;
 
-/// The rows of a chain in order, with the pointer to the next one still in front of the data.
+/// The rows of a chain in order, each with the pointer to the next one before its data.
 template <typename Visit>
 void walkChain(const Pager &pager, const RowStore &rows, const LongValueRef &reference,
                Visit &&visit)
@@ -51,7 +51,7 @@ LongValueRef LongValueStore::write(ByteView data)
         reference.first = m_rows.insert(data);
     if (reference.form != LongValueForm::Chain)
         return reference;
-    // From the last part to the first, as each one names the next.
+    // Last part first, as each one points to the next.
     std::size_t end = data.size();
     while (end > 0) {
         const std::size_t length =

@@ -6,7 +6,7 @@
 namespace jet
 {
 
-/// The long values (Memo, OLE) of one column, kept outside the rows.
+/// The long values (Memo, OLE) of one column, stored outside the rows.
 class LongValueStore
 {
 public:
@@ -15,9 +15,9 @@ public:
     {
     }
 
-    /// Throws Error(Damaged) when a part is missing or the parts are not as long as the whole.
+    /// Throws Error(Damaged) when a part is missing or the lengths do not add up.
     Bytes read(const LongValueRef &reference) const;
-    /// The reference a row gets for data; its place is not yet set, but it takes as many bytes.
+    /// A reference of the size that the data will have; its row pointer is not yet set.
     static LongValueRef plan(ByteView data);
     /// Stores the data. Throws Error(ValueTooLong).
     LongValueRef write(ByteView data);

@@ -21,7 +21,7 @@ namespace
 {
 
 constexpr PageNo kMapPage = 6;     ///< the usage maps of all system tables
-constexpr PageNo kFirstPages = 14; ///< pages before the first rows: the above and seven index roots
+constexpr PageNo kFirstPages = 14; ///< up to the map page, and seven index roots
 constexpr std::uint32_t kGlobalMapOwner = 1;
 
 using FirstPages = std::vector<PageBuffer>;
@@ -37,7 +37,7 @@ void makeGlobalMap(PageBuffer &page)
     insertRow(page, Bytes(kUsageMapRow, 0)); // a second map that is empty in every file
 }
 
-/// All maps without pages, but for the roots of the indexes.
+/// All maps, empty but for the roots of the indexes.
 void makeUsageMaps(PageBuffer &page, const std::vector<TableDefinition> &tables)
 {
     std::vector<Bytes> rows;
@@ -70,7 +70,7 @@ FirstPages makeFirstPages()
     for (const SystemTable system : kSystemTables) {
         const PageNo page = systemTablePage(system);
         TableDefinition table = systemTableDefinition(system);
-        table.rowCount = 0; // counted again as the rows are added
+        table.rowCount = 0; // counted as the rows are added
         for (RealIndex &index : table.realIndexes) {
             index.uniqueEntries = 0;
             writeLeaf(pages.at(index.root), page, {}, {});

@@ -11,10 +11,9 @@
 namespace jet
 {
 
-/// Makes the file of a database with its four system tables and empty tables of some designs. It is
-/// built under another name and appears complete. Throws Error(FileExists), Error(FileNotFound)
-/// when there is no folder for it, Error(InUse), and what makeDefinition() throws. `files` are the
-/// system's but in tests.
+/// Creates a database file with its four system tables and empty tables of the designs. It is built
+/// as a draft and appears complete. Throws Error(FileExists), Error(FileNotFound) when there is no
+/// folder for it, Error(InUse), and what makeDefinition() throws. Tests pass `files` of their own.
 void makeNewDatabase(const std::filesystem::path &path, DateTime now,
                      const std::shared_ptr<FileSystem> &files,
                      const std::vector<TableDesign> &tables = {});

@@ -9,7 +9,7 @@ namespace jet
 namespace
 {
 
-/// A row whose image moved points at it directly; longer chains are not written by anybody.
+/// A moved row has one pointer to its image; no program writes longer chains.
 constexpr int kMaxPointers = 4;
 
 [[noreturn]] void throwDeleted(RowPointer row)
@@ -56,7 +56,7 @@ StoredRow RowStore::readOwned(RowPointer row) const
     return read(row);
 }
 
-/// Nothing when the row does not fit the page.
+/// nullopt when the row does not fit the page.
 std::optional<RowPointer> RowStore::insertInto(PageNo number, ByteView bytes)
 {
     page(number);
@@ -78,7 +78,7 @@ RowPointer RowStore::insert(ByteView bytes)
     if (!m_free.isNone()) {
         UsageMap free(m_pager, m_free);
         while (const auto candidate = free.next(0)) {
-            // A page the table does not own would be lost, or belong to somebody else.
+            // A page that the table does not own would be lost, or another table's.
             if (owned.contains(*candidate)) {
                 if (const auto row = insertInto(*candidate, bytes))
                     return *row;
@@ -99,7 +99,7 @@ RowPointer RowStore::insert(ByteView bytes)
     return {fresh, *slot};
 }
 
-/// Removes the image of a moved row from where it lies. Throws Error(RecordDeleted).
+/// Removes the image of a moved row. Throws Error(RecordDeleted).
 void RowStore::dropImage(RowPointer row)
 {
     const PageRef content = page(row.page);
@@ -136,7 +136,7 @@ void RowStore::erase(RowPointer row)
     noticeFreed(row.page);
 }
 
-/// Makes the space of deleted rows usable again.
+/// Reclaims the space of deleted rows.
 void RowStore::noticeFreed(PageNo number)
 {
     m_filling = 0; // the lowest page with room comes first
@@ -191,7 +191,7 @@ std::optional<RowPointer> RowStore::next(RowPointer from) const
 
 std::optional<RowPointer> RowStore::previous(RowPointer from) const
 {
-    // Maps are searched upwards only, so the pages are listed once.
+    // Maps are searched upwards only, so the pages are collected once.
     const std::vector<PageNo> pages = UsageMap(m_pager, m_owned).pages();
     auto number = std::ranges::upper_bound(pages, from.page);
     while (number != pages.begin()) {

@@ -10,13 +10,13 @@
 namespace jet
 {
 
-/// The bytes of a row; the page keeps them alive.
+/// The bytes of a row; `page` keeps them alive.
 struct StoredRow {
     PageRef page;
     ByteView bytes;
 };
 
-/// The place right behind a row.
+/// The row pointer after a row.
 inline RowPointer behind(RowPointer row)
 {
     if (row.row == 0xFF)
@@ -24,39 +24,41 @@ inline RowPointer behind(RowPointer row)
     return {row.page, static_cast<std::uint8_t>(row.row + 1)};
 }
 
-/// Rows of bytes on the data pages of one owner: a table, or a long-value column.
+/// The rows on the data pages of one owner: a table, or a long-value column.
 class RowStore
 {
 public:
-    /// `owner` stands on every page; see data_page.h. `freeSpace` may be none.
+    /// `owner` is stored on every page, see data_page.h. `freeSpace` may be none.
     RowStore(Pager &pager, std::uint32_t owner, RowPointer ownedPages, RowPointer freeSpace)
         : m_pager(pager), m_owner(owner), m_owned(ownedPages), m_free(freeSpace)
     {
     }
 
-    /// Throws Error(RecordDeleted) when the row is gone, Error(Damaged).
+    /// Throws Error(RecordDeleted), Error(Damaged).
     StoredRow read(RowPointer row) const;
-    /// The same for a place remembered from before: a page that has left the store since is no
-    /// damage but Error(RecordDeleted).
+    /// The same for an older row pointer: a page released since is Error(RecordDeleted), not
+    /// damage.
     StoredRow readOwned(RowPointer row) const;
-    /// True when a row, not only a deleted one, is there.
+    /// True when the row exists and is not deleted.
     bool contains(RowPointer row) const;
     RowPointer insert(ByteView bytes);
-    /// Gives a row other bytes. The result is its place, a new one when it no longer fitted: rows
-    /// that leave only a pointer behind are read, but not every other program reads them.
+    /// Replaces a row's bytes. Returns its row pointer, a new one when the page lacks room: moved
+    /// rows with a pointer in the old slot are read, but not written, as not every program reads
+    /// them.
     [[nodiscard]] RowPointer replace(RowPointer row, ByteView bytes);
-    /// Removes a row, and its page from the store when it was the last one there.
+    /// Removes a row, and releases its page when it was the last one there.
     void erase(RowPointer row);
-    /// Removes all rows; the result are the pages no longer used, not yet released.
+    /// Removes all rows. Returns the unused pages, not yet released.
     [[nodiscard]] std::vector<PageNo> clear();
 
-    /// The first row at or behind a place in storage order: pages ascending, rows in slot order.
+    /// The first row at or after a row pointer in storage order: pages ascending, rows in slot
+    /// order.
     std::optional<RowPointer> next(RowPointer from) const;
-    /// The last row at or before a place.
+    /// The last row at or before a row pointer.
     std::optional<RowPointer> previous(RowPointer from) const;
 
     PageRef page(PageNo page) const;
-    /// More rows than its pages can hold it cannot have.
+    /// The most rows that its pages can hold.
     std::size_t capacity() const;
 
 private:
@@ -68,8 +70,7 @@ private:
     std::uint32_t m_owner;
     RowPointer m_owned;
     RowPointer m_free;
-    PageNo m_filling =
-        0; ///< the page that took the last row, while the maps have not changed since
+    PageNo m_filling = 0; ///< the page that took the last row, until the maps change
 };
 
 } // namespace jet

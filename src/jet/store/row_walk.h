@@ -9,8 +9,8 @@
 namespace jet
 {
 
-/// One order in which the rows of a table are gone through. The place stays where it is when its
-/// row is deleted; the next step then leads to a neighbour of what was there.
+/// Iterates over the rows of a table in one order. The position stays when its row is deleted; the
+/// next step then leads to a neighbour of the deleted row.
 class RowWalk
 {
 public:
@@ -19,17 +19,18 @@ public:
     virtual bool first(const TableStore &table) = 0;
     virtual bool last(const TableStore &table) = 0;
     virtual bool next(const TableStore &table) = 0;
-    /// The same where it needs no look into the file; false, and nothing moved, where it does.
+    /// The same if it needs no read of the file; otherwise returns false and does not move.
     virtual bool nextWithinPage(const TableStore &) { return false; }
     virtual bool previous(const TableStore &table) = 0;
     virtual RowPointer row() const = 0;
     /// The bytes of the current row. Throws Error(RecordDeleted).
     virtual StoredRow stored(const TableStore &table) const;
-    /// The current row was given another place. The walk goes on from where it met the row.
+    /// The current row has moved. The walk continues from where it found the row.
     virtual void moved(RowPointer) {}
-    /// True when changing these columns can give a row another place in the order.
+    /// True when changing these columns can move a row in the order.
     virtual bool isOrderedBy(const TableStore &table, const std::vector<bool> &changed) const;
-    /// To the first row not before a key. Throws Error(InvalidArgument) where rows have none.
+    /// Moves to the first row not before a key. Throws Error(InvalidArgument) in orders without
+    /// keys.
     virtual bool seek(const TableStore &table, std::span<const Value> key);
 };
 
@@ -40,8 +41,8 @@ std::unique_ptr<RowWalk> makeTableWalk();
 std::unique_ptr<RowWalk> makeIndexWalk(const TableStore &table, std::size_t realIndex,
                                        bool backward);
 
-/// By the values of one column, equal ones in table order. The order is worked out once, here;
-/// rows added later are not met.
+/// By the values of one column, equal ones in table order. The order is computed once, here; rows
+/// added later are not visited.
 std::unique_ptr<RowWalk> makeSortedWalk(const TableStore &table, std::size_t column,
                                         bool descending);
 

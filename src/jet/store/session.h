@@ -21,14 +21,14 @@ public:
 
     Pager &pager() { return m_pager; }
 
-    /// Runs a function that reads while nobody else writes. It may be run a second time, so it must
-    /// change nothing that a second run would miss.
+    /// Runs a function that reads while nobody else writes. It may run twice, so it must be
+    /// repeatable.
     template <typename Function>
     auto read(Function &&function)
     {
         return readWhen(isUnchanged(), std::forward<Function>(function));
     }
-    /// The same, as of the moment at which pages in memory were found unchanged.
+    /// The same; `wasUnchanged`: the result of isUnchanged() just before.
     template <typename Function>
     auto readWhen(bool wasUnchanged, Function &&function)
     {
@@ -42,17 +42,17 @@ public:
         }
         return readOnce(std::forward<Function>(function));
     }
-    /// The same for a function that changes what it works on.
+    /// The same for a function that must not run twice.
     template <typename Function>
     auto readOnce(Function &&function)
     {
         const Pager::ReadScope scope(m_pager);
         return std::forward<Function>(function)();
     }
-    /// True while everything known of the database still holds.
+    /// True while everything cached from the database is current.
     bool isUnchanged() { return m_pager.isUnchanged(); }
 
-    /// Runs a statement: all of it or, when it throws, nothing. Inside a transaction a failure
+    /// Runs a statement: all of it or, when it throws, none of it. Inside a transaction a failure
     /// after the first change breaks the transaction, which can then only be rolled back.
     template <typename Function>
     auto write(Function &&function)
@@ -79,13 +79,13 @@ public:
     std::shared_ptr<TableStore> table(const Text &name);
     std::shared_ptr<TableStore> tableAt(PageNo definition);
 
-    /// Changes when a table may be another one than before, or gone.
+    /// Changes when tables may have been replaced or dropped.
     std::uint64_t structure() const { return m_structure + m_pager.foreignVersion(); }
     void structureChanged() { ++m_structure; }
 
-    /// Keeps other openers out for good. Throws Error(InUse).
+    /// Excludes other openers until the file is closed. Throws Error(InUse).
     void lockForReplacing();
-    /// Keeps other openers out until the transaction ends. Throws Error(TableLocked).
+    /// Excludes other openers until the transaction ends. Throws Error(TableLocked).
     void lockOpeners();
 
 private:

@@ -47,7 +47,7 @@ inline constexpr std::int32_t kFullTablePermissions = 0xFFEFF;
 /// Page of the definition, also the table's Id in MSysObjects.
 PageNo systemTablePage(SystemTable table);
 
-/// The definition as it stands in an empty database: pages, maps and counts filled in.
+/// The definition in an empty database: pages, maps and counts filled in.
 TableDefinition systemTableDefinition(SystemTable table);
 
 /// A row of MSysObjects; its long values are null.

@@ -14,7 +14,7 @@ namespace jet
 namespace
 {
 
-/// Lays usage maps onto pages made for one table.
+/// Stores usage maps on pages of their own for one table.
 class MapPages
 {
 public:
@@ -37,7 +37,7 @@ private:
     PageNo m_page = 0;
 };
 
-/// All maps of a table; those that are missing in files of other programs are left out.
+/// All maps of a table; files of other programs lack some.
 std::vector<RowPointer> mapsOf(const TableDefinition &table)
 {
     std::vector<RowPointer> maps{table.ownedPages, table.freeSpacePages};
@@ -60,7 +60,7 @@ PageNo buildTable(Pager &pager, TableDefinition table)
     const std::size_t pageCount = definitionPageCount(encodeTableDefinition(table).size());
     for (std::size_t i = 0; i < pageCount; ++i) {
         pages.push_back(allocator.allocate());
-        pager.edit(pages.back()); // taken, though written last
+        pager.edit(pages.back()); // reserved; written last
     }
     MapPages maps(pager);
     table.ownedPages = maps.add();

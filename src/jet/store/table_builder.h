@@ -6,11 +6,11 @@
 namespace jet
 {
 
-/// Gives a definition from makeDefinition() its pages, maps and empty indexes and writes them. The
-/// result is the table's first definition page; nothing refers to it yet.
+/// Allocates pages, maps and empty indexes for a definition from makeDefinition() and writes them.
+/// Returns the table's first definition page; nothing refers to it yet.
 PageNo buildTable(Pager &pager, TableDefinition definition);
 
-/// Gives back every page of a table. What refers to it has to be gone.
+/// Releases every page of a table. Nothing may refer to it any more.
 void destroyTable(Pager &pager, PageNo definitionPage);
 
 } // namespace jet

@@ -57,7 +57,7 @@ TableStore::Keys TableStore::storedKeysOf(const Row &values, RowPointer row) con
     return keys;
 }
 
-/// Keys of a row that is to get new values; where no column of an index changes, the old one.
+/// Keys of a row with its new values; the old key where no column of an index changes.
 TableStore::Keys TableStore::changedKeys(const Row &values, const std::vector<bool> &changed,
                                          const Keys &old) const
 {
@@ -79,7 +79,7 @@ TableStore::Keys TableStore::keysOf(const Row &values) const
     return keys;
 }
 
-/// The result is the way to a key that had to be looked for.
+/// Returns the path to the key if it had to be searched.
 IndexTree::Path TableStore::checkKey(std::size_t realIndex, const IndexKey &key) const
 {
     IndexTree::checkSize(key.bytes);

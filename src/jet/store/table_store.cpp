@@ -107,7 +107,7 @@ Value TableStore::readValue(const RowView &row, std::size_t column) const
     return value;
 }
 
-/// Replaces the reference that a row holds of a long value by the value.
+/// Replaces the reference to a long value by the value.
 void TableStore::resolve(std::size_t column, Value &value) const
 {
     const ColumnDefinition &definition = m_definition.columns[column];
@@ -133,7 +133,7 @@ void TableStore::decode(const StoredRow &stored, PageNo page, Row &values) const
     });
 }
 
-/// The values of the columns that are in an index; the others stay null.
+/// The values of the indexed columns; the others stay null.
 Row TableStore::keyValues(const StoredRow &stored, PageNo page) const
 {
     Row values(m_definition.columns.size());
@@ -166,7 +166,7 @@ Bytes TableStore::longValueData(std::size_t column, const Value &value) const
     return std::get<Bytes>(value);
 }
 
-/// The bytes the row will have, so far as they can be known before its long values are stored.
+/// The row's bytes before its long values are stored: of the final size, with placeholders.
 Bytes TableStore::encodeWithPlans(const Row &values) const
 {
     if (!m_hasLongValues)
@@ -193,7 +193,7 @@ Bytes TableStore::store(const Row &values)
     return encodeRow(stored, m_layout);
 }
 
-/// The lowest number above the last one given out that no unique index holds: other programs may
+/// The lowest number above the last one assigned that no unique index holds: other programs may
 /// have stored higher ones.
 std::int32_t TableStore::nextAutonumber(std::size_t column) const
 {
@@ -216,7 +216,7 @@ std::int32_t TableStore::nextAutonumber(std::size_t column) const
     return number;
 }
 
-/// Autonumbers go on behind the greatest number that a row was ever given.
+/// Autonumbers continue after the greatest number that a row was ever assigned.
 void TableStore::noteAutonumber(const Row &values)
 {
     for (std::size_t column = 0; column < values.size(); ++column) {
@@ -240,7 +240,7 @@ RowPointer TableStore::insert(Row values)
             path = checkKey(index, *keys[index]);
     }
     if (keys.size() > 1)
-        path.clear(); // trees of a damaged file may share pages, so an insert can end any way
+        path.clear(); // trees of a damaged file may share pages, so no path is reused
     Bytes bytes = encodeWithPlans(values);
     if (m_hasLongValues)
         bytes = store(values);
@@ -283,7 +283,7 @@ RowPointer TableStore::update(RowPointer row, const Row &values, const std::vect
     return place;
 }
 
-/// Stores the long values that have changed instead of the old ones; the row's bytes.
+/// Replaces the long values that have changed. Returns the row's bytes.
 Bytes TableStore::storeChanged(RowPointer row, const Row &values, const std::vector<bool> &changed)
 {
     const StoredRow stored = m_rows.read(row);
@@ -348,7 +348,7 @@ void TableStore::addToCount(std::size_t offset, std::int64_t difference)
 {
     PageBuffer &page = m_pager.edit(m_page);
     const std::int64_t count = readU32(page, offset) + difference;
-    // Files of other programs may start from a count that was too low.
+    // The count in files of other programs may be too low.
     writeU32(page, offset, static_cast<std::uint32_t>(std::max<std::int64_t>(count, 0)));
 }
 

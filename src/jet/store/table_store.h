@@ -18,10 +18,9 @@ Bytes readDefinition(Pager &pager, PageNo page);
 /// All pages of a definition, the first one first.
 std::vector<PageNo> definitionPages(Pager &pager, PageNo page);
 
-/// A table with everything that belongs to a row: its indexes, long values and the counters of the
-/// definition. Every function that changes something runs inside a transaction; when one throws
-/// Error(Damaged), Error(DiskFull) or Error(DiskError) the transaction has to be rolled back, after
-/// any other error nothing was changed.
+/// A table with its rows, indexes, long values and the counters of its definition. Functions that
+/// change something run inside a transaction. After Error(Damaged), Error(DiskFull) or
+/// Error(DiskError) the transaction must be rolled back; after any other error nothing was changed.
 class TableStore
 {
 public:
@@ -33,30 +32,30 @@ public:
     Pager &pager() const { return m_pager; }
     const RowStore &rows() const { return m_rows; }
     RowStore &rows() { return m_rows; }
-    /// As the definition states it. Throws Error(Damaged) for more rows than the pages can hold.
+    /// As the definition states. Throws Error(Damaged) for more rows than the pages can hold.
     std::uint32_t rowCount() const;
 
     /// Adds a row. Each value is Null or of its column's type (Memo: Text, OLE: Bytes); a null
     /// autonumber gets the next number. Throws Error(DuplicateKey), Error(NullNotAllowed),
     /// Error(RecordTooLarge).
     RowPointer insert(Row values);
-    /// Gives a row new values; long values whose column is not in `changed` keep their place.
-    /// Throws as insert() does, and Error(RecordDeleted).
-    /// The result is the row's place, which changes when the row no longer fits its page.
+    /// Replaces a row's values; long values whose column is not in `changed` stay where they are.
+    /// Throws as insert() does, and Error(RecordDeleted). Returns the row pointer, which changes
+    /// when the row no longer fits its page.
     RowPointer update(RowPointer row, const Row &values, const std::vector<bool> &changed);
     void erase(RowPointer row);
-    /// Removes all rows and gives their pages back; autonumbers go on counting.
+    /// Removes all rows and releases their pages; autonumbers continue.
     void clear();
 
     std::uint32_t lastAutonumber() const;
-    /// Makes autonumbers go on behind a number.
+    /// Makes autonumbers continue after a number.
     void continueAutonumber(std::uint32_t last);
 
     Row read(RowPointer row) const;
-    /// The same into a row that is used again, for a place remembered from before.
+    /// The same into an existing row, for an older row pointer.
     void readInto(RowPointer row, Row &values) const;
     Value readValue(const RowView &row, std::size_t column) const;
-    /// All values into a row that is used again.
+    /// All values into an existing row.
     void decode(const StoredRow &stored, PageNo page, Row &values) const;
 
     IndexTree tree(std::size_t realIndex) const;
@@ -64,18 +63,18 @@ public:
     {
         return m_keyColumns[realIndex];
     }
-    /// The columns of an index as places in a Row.
+    /// The columns of an index as indexes into a Row.
     const std::vector<std::size_t> &keyPlaces(std::size_t realIndex) const
     {
         return m_keyPlaces[realIndex];
     }
-    /// The key a row has in an index; nothing when the index leaves such rows out.
+    /// The key of a row in an index; nullopt when the index omits such rows.
     std::optional<IndexKey> keyOf(std::size_t realIndex, const Row &values) const;
-    /// The same for a row that is stored: a key that the engine cannot work out, as another program
-    /// made it of text in an order unknown here, is taken from the row's entry.
+    /// The same for a stored row: a key that the engine cannot compute, as another program made it
+    /// of text in an unknown order, is taken from the row's entry.
     std::optional<IndexKey> storedKeyOf(std::size_t realIndex, const Row &values,
                                         RowPointer row) const;
-    /// Nothing when there is no such column; names are compared as the database program does.
+    /// nullopt when there is no such column; names are compared as the database program does.
     std::optional<std::size_t> columnNamed(std::u16string_view name) const;
 
     LongValueStore longValues(std::size_t column) const;

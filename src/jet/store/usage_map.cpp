@@ -17,10 +17,10 @@ constexpr std::size_t kReferenceHeader = 1;
 constexpr std::size_t kBitmapHeader = 4;
 constexpr RowPointer kGlobalMap{kGlobalMapPage, 0};
 constexpr std::uint32_t kGlobalMapOwner = 1;
-/// Bytes by which the global map is lengthened: 512 pages.
+/// The global map grows in steps of this many bytes: 512 pages.
 constexpr std::size_t kGrowthStep = 64;
 
-/// The row of a map, decoded as far as both kinds have it in common.
+/// The row of a map: what both kinds have in common.
 struct MapRow {
     Slot place;
     ByteView bytes;
@@ -183,7 +183,7 @@ void PageAllocator::setFree(PageNo page, bool free)
     putBit(MutableBytes(m_pager.edit(bitmap)).subspan(kBitmapHeader), page % kPagesPerBitmap, free);
 }
 
-/// Makes the map long enough to hold a page.
+/// Extends the map to cover a page.
 void PageAllocator::cover(PageNo page)
 {
     {
@@ -326,7 +326,7 @@ std::vector<PageNo> UsageMap::bitmapPages() const
 void UsageMap::insert(PageNo page)
 {
     if (contains(page))
-        return; // most pages that get room had some already
+        return; // most such pages are in the map already
     const PageRef owner = rowPage();
     const MapRow row = mapRow(*owner, m_place);
     if (row.isInline()) {

@@ -16,28 +16,27 @@ namespace jet
 //                from i * 32736 on
 // Bitmap page: 05 01 00 00, then 4092 bytes of bitmap.
 
-/// Length of the row of a new map; the reference form of it covers a file of the largest size.
+/// Length of the row of a new map; its reference form covers the largest file.
 inline constexpr std::size_t kUsageMapRow = 69;
 inline constexpr PageNo kPagesPerBitmap = (kPageSize - 4) * 8;
 
 /// Row of a new inline map that holds one page, or none when `page` is 0.
 Bytes makeUsageMapRow(PageNo page);
 
-/// Gives out pages and takes them back; page 1 holds the map of the free ones. Pages 0 to 5 are
-/// never given out.
+/// Allocates and releases pages; page 1 holds the map of the free ones. Pages 0 to 5 are never
+/// allocated.
 class PageAllocator
 {
 public:
     explicit PageAllocator(Pager &pager) : m_pager(pager) {}
 
-    /// A page nobody uses: a free one, or a new one at the end of the file. Its content is
-    /// whatever it was before.
+    /// Allocates a free page, or a new one at the end of the file. Its content is undefined.
     PageNo allocate();
     void release(std::span<const PageNo> pages);
     void release(PageNo page) { release(std::span(&page, 1)); }
 
-    /// A page behind the map's range counts as free, one before it as used: programs that move its
-    /// start do so past the pages in use.
+    /// A page after the map's range counts as free, one before it as used: programs that move its
+    /// start move it past the pages in use.
     bool isFree(PageNo page);
     /// The pages that hold the map itself, besides page 1.
     std::vector<PageNo> bitmapPages();
@@ -59,7 +58,8 @@ public:
     UsageMap(Pager &pager, RowPointer place) : m_pager(pager), m_place(place) {}
 
     bool contains(PageNo page) const;
-    /// The lowest member not below a page. Throws Error(Damaged) for one behind the file's end.
+    /// The lowest member not below a page. Throws Error(Damaged) for one beyond the end of the
+    /// file.
     std::optional<PageNo> next(PageNo from) const;
     std::vector<PageNo> pages() const;
     std::size_t size() const;
@@ -67,7 +67,7 @@ public:
 
     void insert(PageNo page);
     void erase(PageNo page);
-    /// Makes the set empty; the result are bitmap pages no longer needed, not yet released.
+    /// Empties the set. Returns the bitmap pages no longer needed, not yet released.
     [[nodiscard]] std::vector<PageNo> clear();
 
 private:

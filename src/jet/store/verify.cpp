@@ -13,7 +13,7 @@ namespace jet
 namespace
 {
 
-/// Runs one part of the walk; damage that ends it becomes a finding.
+/// Runs one part of the check; damage that ends it becomes a finding.
 template <typename Part>
 void guarded(std::vector<Finding> &findings, Part &&part)
 {
@@ -49,7 +49,7 @@ public:
 private:
     void report(PageNo page, const std::string &reason) { m_findings.push_back({page, reason}); }
 
-    /// Notes what a page is used for; a page can have one use only.
+    /// Records the use of a page; a page can have one use only.
     void claim(PageNo page, const std::string &use)
     {
         if (page >= m_users.size()) {
@@ -90,7 +90,7 @@ private:
         for (auto &list : entries)
             list.emplace();
         const std::uint32_t rows = checkRows(table, entries);
-        // Other programs do not keep the counts of the system's own tables exact.
+        // Other programs do not keep the counts of system tables exact.
         if (!entry.isSystem)
             guarded(m_findings, [&] { checkRowCount(table, rows); });
         for (std::size_t index = 0; index < entries.size(); ++index)
@@ -120,7 +120,7 @@ private:
         }
     }
 
-    /// Reads every row and works out its index entries; the result is the number of rows.
+    /// Reads every row and computes its index entries. Returns the number of rows.
     std::uint32_t checkRows(const TableStore &table,
                             std::vector<std::optional<std::vector<ExpectedEntry>>> &entries)
     {

@@ -9,7 +9,7 @@ namespace jet
 namespace
 {
 
-/// Goes down a tree and notes what is out of order.
+/// Descends a tree and reports what is out of order.
 class TreeWalk
 {
 public:
@@ -34,7 +34,7 @@ private:
 
     void report(PageNo page, const std::string &reason) { m_findings.push_back({page, reason}); }
 
-    /// The greatest entry below a page; nothing for an empty leaf.
+    /// The greatest entry below a page; nullopt for an empty leaf.
     std::optional<Bytes> visit(PageNo number, std::size_t depth)
     {
         if (depth == 0 || m_pages.size() > m_tree.pager().pageCount()) {
