@@ -2,12 +2,12 @@
 
 #include "app/main_menu.h"
 #include "jet/database.h"
-#include "platform/printers.h"
 #include "program/program.h"
 #include "storage/storage_file.h"
 #include "storage/tabel.h"
 #include "tests/support/controls.h"
 #include "tests/support/fake_operator.h"
+#include "tests/support/fake_printers.h"
 #include "tests/support/fake_shell.h"
 #include "tests/support/joined_line.h"
 #include "tests/support/station_folder.h"
@@ -30,16 +30,6 @@ private:
     QElapsedTimer m_watch;
 };
 
-/// A system without printers, whatever the machine has.
-class NoPrinters final : public Printers
-{
-public:
-    QStringList names() const override { return {}; }
-    QString defaultDevice() const override { return {}; }
-    void setDefaultDevice(const QString &) override {}
-    std::unique_ptr<PrintJob> choose() override { return nullptr; }
-};
-
 /// The whole program on a simulated recorder: real windows, real line, real files.
 class ProgramRig : public ::testing::Test
 {
@@ -54,8 +44,9 @@ protected:
 
     void start()
     {
-        program = std::make_unique<Program>(Program::Environment{
-            folder.path(), QLocale::c(), clock, op, shell, printers, [this] { ++ends; }});
+        program = std::make_unique<Program>(
+            Program::Environment{folder.path(), QLocale(QLocale::Romanian), clock, op, shell,
+                                 printers, [this] { ++ends; }});
         QObject::connect(program.get(), &Program::sampleStored, [this](int id) { lastId = id; });
         program->start();
     }
@@ -99,7 +90,7 @@ protected:
     RecorderSimulation recorder{RecorderSettings{}, *joined.recorderEnd, clock, scheduler};
     FakeOperator op;
     FakeShell shell;
-    NoPrinters printers;
+    FakePrinters printers;
     std::unique_ptr<Program> program;
     int lastId = 0;
     int ends = 0;

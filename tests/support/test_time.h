@@ -3,14 +3,13 @@
 #include "platform/clock.h"
 #include "platform/scheduler.h"
 
-#include <vector>
+#include <map>
 
 /// A clock and its timers for tests: time passes only when a test says so, in no time at all.
 class TestTime final : public Clock, public Scheduler
 {
 public:
     explicit TestTime(const QDateTime &start = wallTime(QDate(2026, 3, 7), QTime(9, 5, 0)));
-    ~TestTime() override;
 
     QDateTime now() const override { return m_now; }
     std::unique_ptr<Timer> createTimer(const QString &name, std::function<void()> tick) override;
@@ -28,11 +27,11 @@ public:
 
 private:
     class TestTimer;
-    TestTimer *nextDue(std::chrono::milliseconds limit) const;
 
     QDateTime m_now;
     std::chrono::milliseconds m_elapsed{0};
-    std::vector<TestTimer *> m_timers;
+    /// When each is due; those due at the same moment tick in the order of their starts.
+    std::map<const TestTimer *, std::pair<std::chrono::milliseconds, int>> m_active;
     int m_ticks = 0;
     int m_starts = 0;
 };
