@@ -74,14 +74,3 @@ TEST_F(InterogareAparat, StopWhileWaitingForASilentRecorderStillTells)
     EXPECT_EQ(op.told.size(), 1);
     EXPECT_EQ(failed, true);
 }
-
-TEST_F(InterogareAparat, FailuresThatAreNotTheRecordersTravelUp)
-{
-    line.missing = true;
-    EXPECT_THROW(begin(), RuntimeError);
-    line.missing = false;
-    begin();
-    station.sensors.resize(5);
-    EXPECT_THROW(line.arrive(reply), RuntimeError);
-    EXPECT_EQ(failed, true) << "ended before the report";
-}

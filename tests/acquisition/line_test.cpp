@@ -180,17 +180,3 @@ TEST_F(Line, ThatVanishes)
     EXPECT_EQ(op.lastIcon, Operator::Icon::Critical);
     EXPECT_THROW(exchange->interogare_aparat({}), RuntimeError);
 }
-
-TEST_F(Line, GoneBeforeTheAnswerOrWhileIdleTheRecorderVanishes)
-{
-    for (const bool asked : {true, false}) {
-        plug(Fault::None);
-        bool vanished = false;
-        QObject::connect(recorder.get(), &RecorderSimulation::vanished, [&] { vanished = true; });
-        if (asked)
-            begin(1);
-        joined.recorderEnd->close(); // as a port whose adapter is pulled closes itself
-        time.advance(milliseconds(asked ? 0 : 1000));
-        EXPECT_TRUE(vanished) << asked;
-    }
-}

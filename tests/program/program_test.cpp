@@ -3,13 +3,17 @@
 #include "tests/program/program_rig.h"
 #include "tests/support/runtime_errors.h"
 
+#include <QApplication>
 #include <QDialog>
 #include <QDir>
 #include <QFile>
 #include <QLabel>
 #include <QMdiSubWindow>
+#include <QMenu>
+#include <QScreen>
 #include <QTableView>
 #include <QWindow>
+#include <qcustomplot.h>
 
 class ProgramTest : public ProgramRig
 {
@@ -29,12 +33,15 @@ TEST_F(ProgramTest, KeysStartAndStopMonitoringAndSamplesReachChartAndFile)
 {
     start();
     EXPECT_EQ(program->window().windowTitle(), "Monitorizare PLC v2.1.0");
-    EXPECT_FALSE(program->station().monitorActive);
     EXPECT_TRUE(program->window().findChild<QObject *>("ControlPlc"));
-    hit(Qt::Key_F1);
+    QWidget &plot = *child<QWidget>("MSChart2")->findChild<QCustomPlot *>();
+    QKeyEvent held(QEvent::KeyRelease, Qt::Key_F1, {}, {}, true);
+    QCoreApplication::sendEvent(&plot, &held);
+    EXPECT_FALSE(program->station().monitorActive) << "letting the key go counts";
+    QTest::keyClick(&plot, Qt::Key_F1);
     ASSERT_TRUE(reaches(65)) << "past the last row of the charts";
     EXPECT_EQ(child<QLabel>("MonLabel")->text(), "Monitor activ!");
-    hit(Qt::Key_F2);
+    QTest::keyClick(child<QWidget>("CentruControlCommand"), Qt::Key_F2);
     EXPECT_EQ(child<QLabel>("MonLabel")->text(), "Monitor oprit.");
     EXPECT_EQ(storedRecords(), std::uint32_t(lastId));
     const std::span<const double> series = program->station().Diagrame[1].chart->columnData(3);
@@ -54,20 +61,56 @@ TEST_F(ProgramTest, KeysStartAndStopMonitoringAndSamplesReachChartAndFile)
 TEST_F(ProgramTest, WindowsComeAndGoWhileMonitoringGoesOn)
 {
     monitor(3);
+    ChartGrid &chart = *program->station().Diagrame[0].chart;
     EXPECT_TRUE(item("SalvareImg")->isEnabled());
-    child<QWidget>("Form1")->parentWidget()->close();
+    child<QWidget>("Form1Frame")->close();
+    EXPECT_FALSE(program->station().diagramsOpen);
     for (const char *name : {"MeniuTemp", "MeniuPres", "MeniuPrint", "SalvareImg"})
         EXPECT_FALSE(item(name)->isEnabled()) << name;
     item("DeschidMdbCurent")->trigger();
     ASSERT_TRUE(reaches(lastId + 3));
+    chart.setValueAxisMaximum(99); // a dialog goes on with the diagrams
     item("DeschidDiag")->trigger();
+    EXPECT_EQ(chart.valueAxisMaximum(), 150);
     EXPECT_TRUE(item("MeniuPrint")->isEnabled());
+
+    press(program->window(), "CentruControlCommand");
+    child<QWidget>("Form2Frame")->move(120, 90);
     child<QWidget>("Form2Frame")->close();
     ASSERT_TRUE(reaches(lastId + 3));
     EXPECT_EQ(program->station().sensors.size(), 6u);
-    EXPECT_GT(program->station().Diagrame[0].chart->columnData(1)[0], 10);
-    program->controlCentre().StopMonCommand_Click();
+    EXPECT_GT(chart.columnData(1)[0], 10);
+    press(program->window(), "CentruControlCommand");
+    EXPECT_EQ(child<QWidget>("Form2Frame")->pos(), QPoint(120, 90));
+    EXPECT_EQ(child<QLabel>("MonLabel")->text(), "Monitor activ!");
+    const struct {
+        const char *button, *caption, *state;
+        QColor colour;
+    } rows[] = {{"StopMonCommand", "Stop Monitorizare", "Monitor oprit.", "red"},
+                {"StartMonCommand", "Start Monitorizare", "Monitor activ!", "lime"},
+                {"InitDiagCommand", "Initializare diagrame", "Monitor oprit.", "red"}};
+    for (const auto &row : rows) {
+        auto *button = child<QPushButton>(row.button);
+        EXPECT_EQ(button->text(), row.caption);
+        QTest::keyClick(button, Qt::Key_Return);
+        const auto *label = child<QLabel>("MonLabel");
+        EXPECT_EQ(label->text(), row.state);
+        EXPECT_EQ(label->palette().color(label->backgroundRole()), row.colour);
+    }
+    EXPECT_EQ(chart.columnData(1)[0], 0);
     EXPECT_EQ(storedRecords(), std::uint32_t(lastId));
+}
+
+TEST_F(ProgramTest, RightButtonOpensTheFileMenuWhereItWasPressed)
+{
+    start();
+    QWidget &plot = *child<QWidget>("MSChart1")->findChild<QCustomPlot *>();
+    const QPoint point(60, 40);
+    QTest::mouseClick(&plot, Qt::LeftButton, {}, point);
+    EXPECT_FALSE(QApplication::activePopupWidget());
+    QTest::mouseClick(&plot, Qt::RightButton, {}, point);
+    EXPECT_EQ(QApplication::activePopupWidget(), item("MeniuFisier")->menu());
+    EXPECT_EQ(item("MeniuFisier")->menu()->pos(), plot.mapToGlobal(point));
 }
 
 TEST_F(ProgramTest, BrowserShowsTheNewestFirstAndGivesWayToTheArchive)
@@ -106,6 +149,9 @@ TEST_F(ProgramTest, BrowserShowsTheNewestFirstAndGivesWayToTheArchive)
     EXPECT_TRUE(program->station().FormMdbDeschis);
     EXPECT_EQ(child<QTableView>("DBGrid1")->model()->rowCount(), 0);
     EXPECT_TRUE(QFile::exists(folder.path() + "/mdb/arhive/arh_07.03.2026_autoclava1.mdb"));
+    item("SalvareArh")->trigger();
+    EXPECT_EQ(op.told, QStringList("Baza de date autoclava1.mdb e goala!"));
+    EXPECT_FALSE(program->station().FormMdbDeschis);
 }
 
 TEST_F(ProgramTest, BrowserThatFailsMayBeClosedBehindItsOwnMessage)
@@ -146,16 +192,26 @@ TEST_F(ProgramTest, LockedDialogDisablesTheRestWhileMonitoringGoesOn)
         EXPECT_FALSE(program->window().menuBar()->cornerWidget(Qt::TopRightCorner)->isEnabled());
         ASSERT_TRUE(reaches(lastId + 2));
 
-        type(*dialog, "AlarmSupText", "mult");
-        press(*dialog, "cmdApply");
-        auto *error = child<QWidget>("FormEroare");
-        ASSERT_TRUE(error && error->isVisible() && error->isEnabled()) << round;
-        EXPECT_EQ(control<QLabel>(*error, "EroareLabel").text(),
-                  "Verificati corectitudinea campurilor.");
-        EXPECT_FALSE(dialog->isEnabled());
-        EXPECT_EQ(error->windowHandle()->transientParent(), dialog->windowHandle()) << round;
-        press(*error, "OKButton");
-        EXPECT_TRUE(dialog->isEnabled()) << round;
+        const QString kept = textOf(*dialog, "AlarmSupText");
+        for (const bool byButton : {true, false}) {
+            type(*dialog, "AlarmSupText", "mult");
+            press(*dialog, "cmdOK");
+            auto *error = child<QWidget>("FormEroare");
+            ASSERT_TRUE(error && error->isVisible() && error->isEnabled()) << round;
+            EXPECT_EQ(error->windowTitle(), dialog->windowTitle());
+            const QPoint centre = error->screen()->geometry().center();
+            EXPECT_LE((error->geometry().center() - centre).manhattanLength(), 8);
+            EXPECT_EQ(control<QLabel>(*error, "EroareLabel").text(),
+                      "Verificati corectitudinea campurilor.");
+            EXPECT_EQ(error->windowHandle()->transientParent(), dialog->windowHandle()) << round;
+            EXPECT_FALSE(dialog->isEnabled());
+            EXPECT_FALSE(dialog->close()) << "as by the title bar";
+            byButton ? press(*error, "OKButton") : (void)error->close();
+            EXPECT_FALSE(error->isVisible());
+            EXPECT_TRUE(dialog->isEnabled()) << round;
+            EXPECT_EQ(textOf(*dialog, "AlarmSupText"), kept);
+            EXPECT_EQ(dialog->focusWidget()->objectName(), "AlarmSupText");
+        }
         type(*dialog, "AlarmSupText", "20,5");
         press(*dialog, "cmdApply");
         dialog->close();
@@ -185,40 +241,20 @@ TEST_F(ProgramTest, ArchiveBehindALockedDialogLeavesItTheFocus)
     EXPECT_TRUE(child<QWidget>("FormMdbFrame")->isEnabled());
 }
 
-TEST_F(ProgramTest, PicturesAndHistoryOfTheDay)
-{
-    monitor(5);
-    hit(Qt::Key_F2);
-    item("SalvareImg")->trigger();
-    EXPECT_TRUE(QImage(folder.path() + "/img/Diagrama2_07.03.2026_09.05.bmp").width() > 100);
-    EXPECT_EQ(shell.opened, QStringList({folder.path() + "/img/ minimised"}));
-
-    program->archiveStorage();
-    item("MeniuIstoric")->trigger();
-    auto *limits = child<QDialog>("FrmIstoric");
-    ASSERT_TRUE(limits);
-    EXPECT_FALSE(child<QWidget>("FormAdoChartFrame")->isEnabled());
-    limits->close();
-    EXPECT_EQ(program->window().activeChild(), child<QWidget>("FormAdoChart"));
-    type(program->window(), "Text1", "07.03.2026");
-    press(program->window(), "Command1");
-    EXPECT_TRUE(child<QLabel>("LabelStare")->text().startsWith("Diagramele la data de "))
-        << child<QLabel>("LabelStare")->text().toStdString();
-    program->window().resize(900, 700);
-    QTest::qWait(0);
-    child<QWidget>("FormAdoChartFrame")->close();
-    EXPECT_FALSE(program->station().historyOpen);
-}
-
 TEST_F(ProgramTest, TitleAndNamesAreShownAtOnce)
 {
+    folder.setValue("Diagrama1.Titlu =", "Camera umeda");
     start();
+    EXPECT_EQ(child<QLabel>("Label1")->text(), "Camera umeda");
     QTest::mouseDClick(child<QLabel>("Label2"), Qt::LeftButton);
     auto *title = child<QDialog>("frmTitluDiag");
     ASSERT_TRUE(title);
     type(*title, "textTitlu", "Presiune (bar)");
     press(*title, "OKButton");
-    EXPECT_EQ(child<QLabel>("Label2")->text(), "Presiune (bar)");
+    const QLabel &label = *child<QLabel>("Label2");
+    EXPECT_EQ(label.text(), "Presiune (bar)");
+    EXPECT_EQ(label.width(), label.sizeHint().width());
+    EXPECT_NEAR(label.geometry().center().x(), child<QWidget>("Form1")->rect().center().x(), 1);
     EXPECT_TRUE(folder.config().startsWith("Diagrama2.Titlu =,Presiune (bar)\r\n"));
 
     item("mnuNumeSenzori2")->trigger();
@@ -226,36 +262,24 @@ TEST_F(ProgramTest, TitleAndNamesAreShownAtOnce)
     ASSERT_TRUE(names);
     EXPECT_TRUE(names->isModal());
     EXPECT_EQ(control<QLabel>(*names, "labelNume2").text(), "Senzor3 :");
-    type(*names, "textNume1", "Camera");
+    control<QLineEdit>(*names, "textNume0").clear();
+    type(*names, "textNume1", "abur, sus");
+    type(*names, "textNume2", "2,5");
     QTest::keyClick(names, Qt::Key_Return);
     EXPECT_FALSE(names->isVisible());
-    EXPECT_EQ(program->station().Diagrame[1].chart->columnLabelOf(2), "Camera");
+    EXPECT_TRUE(folder.config().startsWith("Diagrama2.Senzor1.Nume =,\r\n"
+                                           "Diagrama2.Senzor2.Nume =,abur, sus\r\n"
+                                           "Diagrama2.Senzor3.Nume =,2.5\r\n"));
+    const Diagrama &diagram = program->station().Diagrame[1];
+    EXPECT_EQ(diagram.Nume, QStringList({"", "abur, sus", "2.5"}));
+    EXPECT_EQ(diagram.chart->columnLabelOf(3), "2.5");
     hit(Qt::Key_F1);
     ASSERT_TRUE(reaches(2));
-    EXPECT_GT(program->station().Diagrame[1].chart->columnData(2)[0], 10);
+    for (const int column : {1, 2, 3})
+        EXPECT_GT(diagram.chart->columnData(column)[0], 10) << "readings keep reaching the series";
 }
 
-TEST_F(ProgramTest, StorageFileThatGoesMissingStopsMonitoring)
-{
-    monitor(2);
-    QFile::remove(storagePath());
-    ASSERT_TRUE(QTest::qWaitFor([&] { return !op.told.isEmpty(); }, 20'000));
-    EXPECT_EQ(op.told, QStringList({"Fisierul de stocare nu exista !!"}));
-    EXPECT_FALSE(program->station().monitorActive);
-    EXPECT_EQ(child<QLabel>("MonLabel")->text(), "Monitor oprit.");
-}
-
-TEST_F(ProgramTest, ClosingAsksForTheArchiveAndNoLeavesTheDayInTheFile)
-{
-    monitor(2);
-    op.answer = Operator::Answer::No;
-    EXPECT_TRUE(program->window().close());
-    EXPECT_EQ(ends, 1);
-    EXPECT_EQ(storedRecords(), std::uint32_t(lastId));
-    EXPECT_TRUE(QDir(folder.path() + "/mdb/arhive").isEmpty(QDir::Files));
-}
-
-TEST_F(ProgramTest, ClosingAsksForTheArchiveAndCancelKeepsTheProgram)
+TEST_F(ProgramTest, ClosingAsksWhetherToArchive)
 {
     monitor(2);
     EXPECT_FALSE(program->window().close());
@@ -264,21 +288,39 @@ TEST_F(ProgramTest, ClosingAsksForTheArchiveAndCancelKeepsTheProgram)
     ASSERT_TRUE(reaches(lastId + 1)) << "monitoring goes on";
     EXPECT_EQ(op.asked, QStringList(2, "Doriti sa salvati arhivele acum? (recomandat doar daca nu "
                                        "veti mai reporni programul astazi)"));
-    op.answer = Operator::Answer::Yes;
+
+    op.answer = Operator::Answer::No;
     EXPECT_TRUE(program->window().close());
     EXPECT_EQ(ends, 1);
     EXPECT_FALSE(program->station().monitorActive);
-    EXPECT_EQ(storedRecords(), 0u);
     EXPECT_FALSE(program->window().findChild<QObject *>("ControlPlc"));
+    EXPECT_EQ(storedRecords(), std::uint32_t(lastId));
+    EXPECT_TRUE(QDir(folder.path() + "/mdb/arhive").isEmpty(QDir::Files));
+
+    op.answer = Operator::Answer::Yes;
+    monitor(lastId + 1);
+    EXPECT_TRUE(program->window().close());
+    EXPECT_EQ(ends, 2);
+    EXPECT_EQ(storedRecords(), 0u);
 }
 
 TEST_F(ProgramTest, UnusableSettingsEndTheStartWithTheRuntimesError)
 {
-    folder.setValue("Diagrama2.alarma_minim =", "zece");
-    EXPECT_EQ(errorOf([this] { start(); }), RuntimeError::TypeMismatch);
+    const struct {
+        const char *key, *value;
+        int error;
+    } cases[] = {{"Diagrama2.interval_scanare =", "32768", RuntimeError::Overflow},
+                 {"Diagrama2.alarma_minim =", "zece", RuntimeError::TypeMismatch},
+                 {"Diagrama1.alarma_minim =", "", RuntimeError::TypeMismatch}};
+    for (const auto &c : cases) {
+        folder.setValue(c.key, c.value);
+        EXPECT_EQ(errorOf([this] { start(); }), c.error) << c.value;
+        EXPECT_TRUE(op.told.isEmpty());
+    }
     folder.setConfig(folder.config().replace("Diagrama1.Titlu =", "Titlu ="));
     EXPECT_EQ(errorOf([this] { start(); }), RuntimeError::TypeMismatch);
     EXPECT_EQ(op.told, QStringList({"Eroare in /config/config.ini"}));
+    EXPECT_EQ(op.lastIcon, Operator::Icon::Critical);
     QFile::remove(folder.configPath());
     EXPECT_EQ(errorOf([this] { start(); }), RuntimeError::FileNotFound);
 }
@@ -286,23 +328,30 @@ TEST_F(ProgramTest, UnusableSettingsEndTheStartWithTheRuntimesError)
 #ifndef Q_OS_WIN // where the port is no object of the toolkit
 TEST_F(ProgramTest, LineIsSetAsTheSettingsSay)
 {
-    folder.setValue("ControlPlc.Settings =", "\"19200,e,7,2\"");
+    folder.setValue("ControlPlc.Settings =", "\"19200, E, 7, 1.5\"");
     start();
     const auto *port = child<QObject>("ControlPlc");
-    for (const auto &[property, value] :
-         {std::pair("baudRate", 19200), {"parity", 2}, {"dataBits", 7}, {"stopBits", 2}})
+    for (const auto &[property, value] : // 3: one and a half
+         {std::pair("baudRate", 19200), {"parity", 2}, {"dataBits", 7}, {"stopBits", 3}})
         EXPECT_EQ(port->property(property).toInt(), value) << property;
 }
 #endif
 
 TEST_F(ProgramTest, UnusablePortIsReportedWhenMonitoringStartsAndEndsIt)
 {
+    constexpr int kBadPort = RuntimeError::InvalidPortNumber;
+    constexpr int kBadValue = RuntimeError::InvalidPropertyValue;
     const struct {
         const char *key, *value;
         int error;
-    } cases[] = {{"ControlPlc.CommPort =", "nowhere", RuntimeError::InvalidPortNumber},
-                 {"ControlPlc.CommPort =", "0", RuntimeError::InvalidPortNumber},
-                 {"ControlPlc.Settings =", "fast", RuntimeError::InvalidPropertyValue}};
+    } cases[] = {{"ControlPlc.CommPort =", "nowhere", kBadPort},
+                 {"ControlPlc.CommPort =", "0", kBadPort},
+                 {"ControlPlc.Settings =", "fast", kBadValue},
+                 {"ControlPlc.Settings =", "\"9600,n,8\"", kBadValue},
+                 {"ControlPlc.Settings =", "\"a,n,8,1\"", kBadValue},
+                 {"ControlPlc.Settings =", "\"9600,x,8,1\"", kBadValue},
+                 {"ControlPlc.Settings =", "\"9600,n,9,1\"", kBadValue},
+                 {"ControlPlc.Settings =", "\"9600,n,8,3\"", kBadValue}};
     for (const auto &c : cases) {
         folder.setValue(c.key, c.value);
         ASSERT_EQ(errorOf([this] { start(); }), 0) << c.value;
@@ -310,17 +359,4 @@ TEST_F(ProgramTest, UnusablePortIsReportedWhenMonitoringStartsAndEndsIt)
             << c.value;
         EXPECT_FALSE(program->station().monitorActive);
     }
-}
-
-TEST_F(ProgramTest, FoldersAndHelpOpenInTheSystemsPrograms)
-{
-    start();
-    item("DeschidMdbArhiva")->trigger();
-    item("DocProg")->trigger();
-    EXPECT_EQ(shell.opened,
-              QStringList({folder.path() + "/mdb/arhive/", folder.path() + "/Doc/help.doc"}));
-    shell.fails = true;
-    item("DocProg")->trigger();
-    EXPECT_EQ(op.told, QStringList({"File not found"}));
-    EXPECT_EQ(op.lastIcon, Operator::Icon::Critical);
 }

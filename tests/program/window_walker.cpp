@@ -4,6 +4,7 @@
 #include <QAbstractButton>
 #include <QAbstractScrollArea>
 #include <QComboBox>
+#include <QDialog>
 #include <QGroupBox>
 #include <QHeaderView>
 #include <QLabel>
@@ -168,6 +169,21 @@ public:
         }
     }
 
+    /// The tab key follows the eye: on in the row or down.
+    void alongTheTabKey(const QWidget &dialog)
+    {
+        QPoint last;
+        for (const QWidget *next = dialog.nextInFocusChain(); next != &dialog;
+             next = next->nextInFocusChain()) {
+            if (!(next->focusPolicy() & Qt::TabFocus) || !next->isVisible() || next->focusProxy())
+                continue;
+            const QPoint at = next->mapTo(&dialog, next->rect().center());
+            if (at.y() <= last.y() + 5 && at.x() <= last.x())
+                fault(*next, "comes late for the tab key");
+            last = at;
+        }
+    }
+
     void fault(const QWidget &widget, const QString &what)
     {
         const QRect at = widget.geometry();
@@ -256,5 +272,7 @@ QStringList faultsOf(const QWidget &frame)
         walk.fault(frame, "is maximised and does not fill its area");
     const auto *subWindow = qobject_cast<const QMdiSubWindow *>(&frame);
     walk.below(subWindow ? *subWindow->widget() : frame);
+    if (isOne<QDialog>(frame))
+        walk.alongTheTabKey(frame);
     return walk.faults;
 }
