@@ -62,8 +62,8 @@ LiveDiagrams::Charts LiveDiagrams::stationCharts()
     return charts;
 }
 
-LiveDiagrams::LiveDiagrams(Station &station, Settings &settings, const Clock &clock, Charts charts)
-    : m_station(station), m_settings(settings), m_clock(clock), m_charts(std::move(charts))
+LiveDiagrams::LiveDiagrams(Station &station, Settings &settings, const Clock &clock)
+    : m_station(station), m_settings(settings), m_clock(clock)
 {
 }
 

@@ -31,10 +31,8 @@ public:
     /// 60 rows.
     static Charts stationCharts();
 
-    /// `charts` in the control order of the window. Station, settings and clock must outlive this
-    /// object.
-    LiveDiagrams(Station &station, Settings &settings, const Clock &clock,
-                 Charts charts = stationCharts());
+    /// Station, settings and clock must outlive this object.
+    LiveDiagrams(Station &station, Settings &settings, const Clock &clock);
     ~LiveDiagrams();
     Q_DISABLE_COPY_MOVE(LiveDiagrams)
 
@@ -72,5 +70,5 @@ private:
     Station &m_station;
     Settings &m_settings;
     const Clock &m_clock;
-    Charts m_charts;
+    Charts m_charts = stationCharts();
 };

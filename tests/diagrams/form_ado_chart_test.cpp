@@ -7,7 +7,6 @@
 #include <QLabel>
 #include <QMdiArea>
 #include <QMdiSubWindow>
-#include <QPointer>
 #include <QScrollBar>
 #include <QSignalSpy>
 #include <qcustomplot.h>
@@ -15,26 +14,19 @@
 namespace
 {
 
-/// Notes what the status line says whenever the wait label is painted.
-class WaitWatch : public QObject
+/// Counts how often a widget is painted.
+class PaintCount : public QObject
 {
 public:
-    explicit WaitWatch(const QWidget &form) : m_form(form)
-    {
-        control<QLabel>(form, "LabelWait").installEventFilter(this);
-    }
-    QStringList statusWhenPainted;
+    explicit PaintCount(QWidget &widget) { widget.installEventFilter(this); }
+    int count = 0;
 
 protected:
     bool eventFilter(QObject *, QEvent *event) override
     {
-        if (event->type() == QEvent::Paint)
-            statusWhenPainted += control<QLabel>(m_form, "LabelStare").text();
+        count += event->type() == QEvent::Paint;
         return false;
     }
-
-private:
-    const QWidget &m_form;
 };
 
 class FormAdoChartTest : public HistoryRig
@@ -44,7 +36,6 @@ protected:
     {
         area.resize(kMain);
         area.show();
-        form = new FormAdoChart(station, history, op, time);
         frame = area.addSubWindow(form);
         frame->show();
         form->load(kMain);
@@ -60,37 +51,26 @@ protected:
 
     static constexpr QSize kMain{1020, 690};
     QMdiArea area;
-    QPointer<FormAdoChart> form;
-    QPointer<QMdiSubWindow> frame;
+    FormAdoChart *form = new FormAdoChart(station, history, op, time);
+    QMdiSubWindow *frame = nullptr;
 };
 
 } // namespace
 
-TEST_F(FormAdoChartTest, OpensClearedAndClosesWithoutATrace)
+TEST_F(FormAdoChartTest, DrawsTheTypedDayAndSaysWhich)
 {
-    EXPECT_TRUE(station.historyOpen);
-    EXPECT_EQ(form->windowTitle(), "Istoric diagrame 1.2");
     form->setFocus();
     EXPECT_EQ(form->focusWidget(), &named("Text1"));
     EXPECT_EQ(status(), "Diagrame negenerate");
     EXPECT_EQ(control<QLabel>(*form, "LabelPres").text(), station.Diagrame[1].Titlu);
     EXPECT_TRUE(named("LabelWait").isHidden());
     EXPECT_FALSE(named("HScroll1").isEnabled());
-    QSignalSpy closed(form, &FormAdoChart::closed);
-    frame->close();
-    QTRY_VERIFY(!form);
-    EXPECT_EQ(closed.size(), 1);
-    EXPECT_FALSE(station.historyOpen);
-}
 
-TEST_F(FormAdoChartTest, DrawsTheTypedDayAndSaysWhich)
-{
     writeDay(120);
     station.locale = QLocale(QLocale::Swedish);
-    WaitWatch watch(*form);
+    const PaintCount waits(named("LabelWait"));
     generate("7.3.26");
-    ASSERT_FALSE(watch.statusWhenPainted.isEmpty()) << "the wait text was never seen";
-    EXPECT_EQ(watch.statusWhenPainted.first(), "Diagrame negenerate");
+    EXPECT_EQ(waits.count, 1) << "painted while the day was read";
     EXPECT_TRUE(named("LabelWait").isHidden());
     EXPECT_EQ(status(), "Diagramele la data de 7-3-26");
     EXPECT_TRUE(control<QLabel>(*form, "Label1").text().endsWith("(zz-ll-aaaa)"));
@@ -155,76 +135,40 @@ TEST_F(FormAdoChartTest, LongDaysWidenTheChartsAndScroll)
     EXPECT_EQ(inner.x(), 0) << "a day begins at its start";
 }
 
-namespace
+TEST_F(FormAdoChartTest, LimitsAreAppliedSavedRestoredAndRefused)
 {
-
-class FrmIstoricTest : public HistoryRig
-{
-protected:
-    FrmIstoricTest()
-    {
-        QObject::connect(&form, &DefaultsDialog::refused,
-                         [this](const QString &message) { errors += message; });
-    }
-    QLineEdit &box(const char *name) { return control<QLineEdit>(form, name); }
-    void click(const char *name) { control<QPushButton>(form, name).click(); }
-    HistoryDiagrams &loaded()
-    {
-        history.load();
-        return history;
-    }
-
-    QStringList errors;
-    HistoryDiagrams &diagrams = loaded(); // the dialog shows the limits it finds
-    FrmIstoric form{station, settings, QSize(15360, 11520)};
-};
-
-} // namespace
-
-TEST_F(FrmIstoricTest, AppliesSavesAndRestoresTheLimits)
-{
-    form.show();
-    EXPECT_EQ(box("LimSupTextTemp").text(), "150");
-    box("LimSupTextTemp").setText("120,5");
-    box("LimInfTextPres").setText("-10");
-    click("cmdApply");
-    EXPECT_EQ(box("LimSupTextTemp").text(), "120.5");
-    EXPECT_EQ(diagrams.chart(0).valueAxisMaximum(), 120.5);
-    EXPECT_EQ(diagrams.chart(1).valueAxisMinimum(), -10);
+    FrmIstoric dialog{station, settings, QSize(15360, 11520)};
+    QSignalSpy refused(&dialog, &DefaultsDialog::refused);
+    dialog.show();
+    EXPECT_EQ(textOf(dialog, "LimSupTextTemp"), "150");
+    type(dialog, "LimSupTextTemp", "120,5");
+    type(dialog, "LimInfTextPres", "-10");
+    press(dialog, "cmdApply");
+    EXPECT_EQ(textOf(dialog, "LimSupTextTemp"), "120.5");
+    EXPECT_EQ(history.chart(0).valueAxisMaximum(), 120.5);
+    EXPECT_EQ(history.chart(1).valueAxisMinimum(), -10);
     EXPECT_FALSE(folder.config().contains("120.5")) << "only the save button writes";
 
-    click("cmdSaveDef");
+    press(dialog, "cmdSaveDef");
     EXPECT_TRUE(folder.config().contains("Istoric.Diagrama1.limita_maxima =,120.5\r\n"));
     EXPECT_TRUE(folder.config().contains("Istoric.Diagrama2.limita_minima =,-10\r\n"));
     folder.setValue("Istoric.Diagrama1.limita_minima =", "5");
-    click("cmdRestDef");
-    EXPECT_EQ(diagrams.chart(0).valueAxisMinimum(), 5);
-    EXPECT_EQ(box("LimInfTextTemp").text(), "5");
+    press(dialog, "cmdRestDef");
+    EXPECT_EQ(history.chart(0).valueAxisMinimum(), 5);
+    EXPECT_EQ(textOf(dialog, "LimInfTextTemp"), "5");
 
-    QSignalSpy closed(&form, &QDialog::finished);
-    box("LimSupTextPres").setText("77");
-    click("cmdOK");
-    EXPECT_EQ(closed.size(), 1);
-    EXPECT_EQ(diagrams.chart(1).valueAxisMaximum(), 77);
-}
-
-TEST_F(FrmIstoricTest, RefusedNumbersChangeNothingAndKeepItOpen)
-{
-    form.show();
-    QSignalSpy closed(&form, &QDialog::finished);
-    box("LimSupTextTemp").setText("99");
-    box("LimInfTextPres").setText("zece");
-    click("cmdOK");
-    EXPECT_EQ(errors, QStringList("Verificati corectitudinea campurilor."));
-    EXPECT_TRUE(closed.isEmpty());
-    EXPECT_EQ(diagrams.chart(0).valueAxisMaximum(), 150);
-    form.setEnabled(false); // as the error window leaves it
-    form.reject();
-    EXPECT_TRUE(form.isVisible());
-    form.setEnabled(true);
-    EXPECT_EQ(form.focusWidget(), &box("LimSupTextTemp")) << "the entry is corrected";
-    EXPECT_TRUE(box("LimSupTextTemp").hasSelectedText());
-    click("cmdCancel");
-    EXPECT_EQ(closed.size(), 1);
-    EXPECT_EQ(diagrams.chart(0).valueAxisMaximum(), 150);
+    type(dialog, "LimSupTextPres", "77");
+    type(dialog, "LimInfTextPres", "zece");
+    press(dialog, "cmdOK");
+    ASSERT_EQ(refused.size(), 1);
+    EXPECT_EQ(refused[0][0], "Verificati corectitudinea campurilor.");
+    EXPECT_TRUE(dialog.isVisible());
+    EXPECT_EQ(history.chart(1).valueAxisMaximum(), 150) << "one bad number changes nothing";
+    dialog.setEnabled(false); // as the error window leaves it
+    dialog.setEnabled(true);
+    EXPECT_EQ(dialog.focusWidget()->objectName(), "LimSupTextTemp") << "the entry is corrected";
+    type(dialog, "LimInfTextPres", "-5");
+    press(dialog, "cmdOK");
+    EXPECT_FALSE(dialog.isVisible());
+    EXPECT_EQ(history.chart(1).valueAxisMaximum(), 77);
 }

@@ -6,16 +6,6 @@ namespace
 class LiveDiagramsTest : public DiagramsRig
 {
 protected:
-    static LiveDiagrams::Charts charts(const std::vector<std::pair<QString, int>> &tagsAndRows,
-                                       int sensorSeries = 3)
-    {
-        LiveDiagrams::Charts result;
-        for (const auto &[tag, rows] : tagsAndRows)
-            result.push_back(
-                std::make_unique<ChartGrid>(tag, QStringList(sensorSeries + 2, "x"), rows));
-        return result;
-    }
-
     ChartGrid &chart1 = live.chart(0);
     ChartGrid &chart2 = live.chart(1);
 };
@@ -50,19 +40,6 @@ TEST_F(LiveDiagramsTest, LoadBuildsTheTablesAndDrawsTheSettings)
     EXPECT_TRUE(chart2.rowLabelsShown());
     EXPECT_EQ(station.currentRow, 1);
     EXPECT_EQ(station.nextSampling, time.now().addSecs(90));
-}
-
-TEST_F(LiveDiagramsTest, ChartsAreDiagramsByTagAndSortedByIt)
-{
-    folder.setConfig(folder.config().replace("Diagrama2.", "diagrama2."));
-    LiveDiagrams other(station, settings, time,
-                       charts({{"diagrama2", 60}, {"Legenda", 60}, {"Diagrama1", 60}}));
-    load(other);
-    ASSERT_EQ(station.Diagrame.size(), 2u);
-    EXPECT_EQ(station.Diagrame[0].chart, &other.chart(2));
-    EXPECT_EQ(station.Diagrame[0].diagramNumber, 1) << "the order found, not the order sorted";
-    EXPECT_EQ(station.Diagrame[1].name, "diagrama2");
-    EXPECT_EQ(station.sensors[3].key, "diagrama2.Senzor1");
 }
 
 TEST_F(LiveDiagramsTest, SweepClearsBeforeTheLastRow)
@@ -114,29 +91,6 @@ TEST_F(LiveDiagramsTest, PointTextTellsLabelValueAndMoment)
     EXPECT_EQ(live.pointText(chart2, 1, 1), "T4 = 121,25\r\n07.03.2026 09:05:01");
     EXPECT_EQ(station.Diagrame[1].timeStamps[1].time().msec(), 0);
     EXPECT_EQ(live.pointText(chart2, 5, 2), "AL = 138\r\n00:00:00") << "row not yet written";
-    EXPECT_EQ(errorOf([&] { live.pointText(chart1, 1, 61); }), RuntimeError::SubscriptOutOfRange);
-    EXPECT_EQ(errorOf([&] { live.pointText(chart1, 6, 1); }), RuntimeError::SubscriptOutOfRange);
-    chart1.setRowCount(70);
-    EXPECT_EQ(errorOf([&] { live.pointText(chart1, 1, 65); }), RuntimeError::SubscriptOutOfRange)
-        << "beyond the time stamps";
-}
-
-TEST_F(LiveDiagramsTest, CountersAreChecked)
-{
-    LiveDiagrams four(station, settings, time, charts({{"Diagrama1", 60}}, 4));
-    EXPECT_EQ(errorOf([&] { four.loadTables(); }), RuntimeError::SubscriptOutOfRange);
-    for (const std::size_t count : {85u, 86u}) { // 255 and 258 sensors
-        LiveDiagrams many(station, settings, time,
-                          charts(std::vector(count, std::pair(QString("Diagrama1"), 2))));
-        EXPECT_EQ(errorOf([&] { many.loadTables(); }), count == 85 ? 0 : RuntimeError::Overflow);
-    }
-
-    LiveDiagrams none(station, settings, time, charts({}));
-    none.loadTables();
-    none.adauga_citiri(station.sensors);
-    EXPECT_EQ(station.currentRow, 2) << "with no diagram the row still advances";
-    station.currentRow = 32767;
-    EXPECT_EQ(errorOf([&] { none.adauga_citiri(station.sensors); }), RuntimeError::Overflow);
 }
 
 /// A running cycle goes on while a message of a second load is shown.
