@@ -89,21 +89,9 @@ TEST(DateText, AMomentOfADatabaseIsOfTheCalendarOrZero)
         EXPECT_EQ(momentFromDays(none), zeroDateTime()) << none;
 }
 
-TEST(LineSettings, ShortFormIsTakenWholeOrNotAtAll)
+TEST(LineSettings, ANumberNamesAPortOfTheSystem)
 {
-    LineSettings settings;
-    parseLineSettings(QStringLiteral("19200, E, 7, 1.5"), settings);
-    EXPECT_EQ(settings.baudRate, 19200);
-    EXPECT_EQ(settings.parity, LineSettings::Parity::Even);
-    EXPECT_EQ(settings.dataBits, 7);
-    EXPECT_EQ(settings.stopBits, LineSettings::StopBits::OneAndHalf);
-    for (const char *text :
-         {"", "9600", "9600,n,8", "9600,x,8,1", "9600,n,9,1", "9600,n,8,3", "a,n,8,1"})
-        EXPECT_THROW(parseLineSettings(QString::fromLatin1(text), settings), RuntimeError) << text;
-    EXPECT_EQ(settings.baudRate, 19200);
-    EXPECT_EQ(systemPortName(QStringLiteral("/dev/ttyUSB0")), "/dev/ttyUSB0");
     EXPECT_NE(systemPortName(QStringLiteral("1")), "1");
-    EXPECT_THROW(systemPortName(QStringLiteral("0")), RuntimeError);
 }
 
 TEST(DurableFile, IsCopiedWhole)
