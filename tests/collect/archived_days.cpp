@@ -10,7 +10,6 @@
 
 #include <QStringList>
 #include <cmath>
-#include <cstdio>
 
 namespace
 {
@@ -54,22 +53,12 @@ void writeDay(const QString &path, QDate day, int samples, AutoclaveCycle &cycle
 
 int main(int argc, char **argv)
 {
-    if (argc != 6) {
-        std::fprintf(stderr, "usage: archived_days FOLDER FIRST_DAY DAYS SAMPLES SEED\n");
-        return 2;
+    const QStringList arguments(argv + 1, argv + argc);
+    const QDate first = QDate::fromString(arguments.at(1), Qt::ISODate);
+    AutoclaveCycle cycle(134, arguments.at(4).toUInt());
+    for (int i = 0; i < arguments.at(2).toInt(); ++i) {
+        const QDate day = first.addDays(i);
+        const QString name = day.toString(QStringLiteral("'arh_'dd.MM.yyyy'_autoclava1.mdb'"));
+        writeDay(arguments.at(0) + u'/' + name, day, arguments.at(3).toInt(), cycle);
     }
-    const QString folder = QString::fromLocal8Bit(argv[1]);
-    const QDate first = QDate::fromString(QString::fromLatin1(argv[2]), Qt::ISODate);
-    AutoclaveCycle cycle(134, QByteArray(argv[5]).toUInt());
-    try {
-        for (int i = 0; i < QByteArray(argv[3]).toInt(); ++i) {
-            const QDate day = first.addDays(i);
-            const QString name = day.toString(QStringLiteral("'arh_'dd.MM.yyyy'_autoclava1.mdb'"));
-            writeDay(folder + u'/' + name, day, QByteArray(argv[4]).toInt(), cycle);
-        }
-    } catch (const std::exception &error) {
-        std::fprintf(stderr, "archived_days: %s\n", error.what());
-        return 1;
-    }
-    return 0;
 }
