@@ -160,6 +160,7 @@ TEST_F(WindowsTest, EveryMenuItemHasItsEffect)
         escapeDialogs();
         EXPECT_EQ(program->window().activeChild(), inFront) << row.item;
     }
+    EXPECT_FALSE(child<QDialog>("frmAbout")) << "is gone once it is closed";
     EXPECT_EQ(folder.config(), shipped);
     EXPECT_EQ(program->station().Diagrame[1].limita_maxima, 150);
     EXPECT_EQ(program->station().Istoric[1].limita_maxima, 150);
@@ -243,6 +244,9 @@ TEST_F(WindowsTest, AMinimisedWindowStaysSoBehindADialogAndAnArchive)
     EXPECT_TRUE(frame("Form1")->isMinimized());
     choose("DeschidDiag");
     EXPECT_FALSE(frame("Form1")->isMinimized()) << "by its command";
+    frame("Form1")->close();
+    choose("DeschidDiag");
+    EXPECT_TRUE(program->station().diagramsOpen) << "a new one while the old one goes";
 }
 
 namespace
