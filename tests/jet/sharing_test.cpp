@@ -200,6 +200,23 @@ TEST_F(Sharing, ReadingOvertakenByAWriterStartsAgain)
     }
 }
 
+TEST_F(Sharing, ValueOvertakenByAWriterIsNotLookedForInThePagesOfBefore)
+{
+    const auto files = std::make_shared<OvertakenFiles>();
+    const auto reader = Database::open(m_path, {.readOnly = true, .cachedPages = 1}, files);
+    const Table seen = reader.table(u"Tabel");
+    Cursor cursor = seen.byIndex(u"IndexPrimar");
+    ASSERT_TRUE(cursor.next());
+    seen.recordCount(); // leaves the map of the table's pages in memory
+    Database writer = open();
+    files->event = [&] {
+        writer.table(u"Tabel").deleteAll();
+        writer.createTable(tabelDesign(u"Alta"), kSomeDay).appendRow(sampleRow(1));
+    };
+    EXPECT_EQ(errorOf([&] { cursor.value(u"Id"); }), ErrorCode::RecordDeleted);
+    EXPECT_FALSE(files->event);
+}
+
 /// A reader who may make nothing in the folder.
 class FilesWithoutLockFile final : public SystemFilesBut
 {
