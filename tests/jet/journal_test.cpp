@@ -1,4 +1,4 @@
-#include "jet/file/journal.h"
+#include "jet/file/journal_file.h"
 
 #include "tests/jet/interrupted_append.h"
 
@@ -115,6 +115,17 @@ TEST_F(LeftOverJournal, IsKeptWhenItFitsTheFileNeitherWay)
     }
     EXPECT_EQ(bytesOf(kept), journal);
     EXPECT_FALSE(errorOf([&] { open(); })) << "what is left can be looked at";
+}
+
+TEST_F(LeftOverJournal, ThatAnotherOpenerHasKeptMeanwhileIsNotCleared)
+{
+    const auto files = makeSystemFiles();
+    JournalFile journal(*files, m_path, unsynced());
+    EXPECT_TRUE(journal.hasStatement());
+    JournalFile(*files, m_path, unsynced()).keepAside();
+    EXPECT_FALSE(journal.read());
+    journal.clear();
+    EXPECT_TRUE(std::filesystem::exists(m_folder / "autoclava1.mdb.jrn.kept"));
 }
 
 TEST_F(LeftOverJournal, OfAnEarlierVersionIsFinished)

@@ -98,6 +98,8 @@ void JournalFile::makeNameDurable()
 
 void JournalFile::clear() noexcept
 {
+    if (!m_file)
+        return; // another opener has put it away meanwhile
     try {
         if (m_mark == kOldStatementMark) {
             m_file->resize(0);

@@ -25,7 +25,8 @@ public:
     /// ask for; on failure the journal holds none.
     void write(PageNo pagesBefore, PageNo pagesAfter, std::span<const PageWitness> witnesses,
                std::span<const PageChange> changes);
-    /// Discards the statement after it was carried out or undone. Best effort, see journal.h.
+    /// Discards the statement, if any, after it was carried out or undone. Best effort, see
+    /// journal.h.
     void clear() noexcept;
     /// Renames a journal that does not fit the database; returns the new path.
     std::filesystem::path keepAside();
