@@ -145,6 +145,16 @@ TEST_F(Sharing, NothingIsStoredInAFileThatHasLostItsName)
     std::filesystem::rename(m_folder / "x.mdb", m_path);
     append();
     EXPECT_EQ(open().table(u"Tabel").recordCount(), 21U);
+
+    const auto link = m_folder / "link.mdb";
+    std::filesystem::create_symlink(m_path, link);
+    Database linked = Database::open(link, unsynced());
+    std::filesystem::rename(m_path, m_folder / "x.mdb");
+    std::filesystem::remove(link);
+    std::filesystem::create_symlink(m_folder / "x.mdb", link);
+    EXPECT_EQ(errorOf([&] { linked.table(u"Tabel").appendRow(sampleRow(22)); }),
+              ErrorCode::FileNotFound)
+        << "its journal would stand beside the name of before";
 }
 #endif
 

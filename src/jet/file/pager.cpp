@@ -58,13 +58,13 @@ void Pager::renewLockFile()
 }
 
 /// What is written to a file that nobody can find any more is lost.
-void Pager::requireName()
+void Pager::requireName(const std::filesystem::path &name)
 {
-    if (m_file->isNamed(m_name))
+    if (m_file->isNamed(name))
         return;
-    if (!m_files->exists(m_name))
-        throwFileNotFound(m_name);
-    throw Error(ErrorCode::DiskError, "'" + displayName(m_name) +
+    if (!m_files->exists(name))
+        throwFileNotFound(name);
+    throw Error(ErrorCode::DiskError, "'" + displayName(name) +
                                           "' was replaced by another file while it was open. "
                                           "The change was not stored.");
 }
@@ -155,7 +155,9 @@ void Pager::commit()
     try {
         countChange(edit(kHeaderPage));
         lockPages(LockMode::Exclusive, "another program is reading it");
-        requireName();
+        requireName(m_name);
+        if (m_path != m_name)
+            requireName(m_path); // where the journal stands and will be looked for
         applyChanges();
     } catch (...) {
         rollback();

@@ -127,7 +127,7 @@ private:
     void openFile(FileSystem::Access access);
     void openLockFile(FileSystem::Access access);
     void renewLockFile();
-    void requireName();
+    void requireName(const std::filesystem::path &name);
     void beginRead();
     void beginGlance();
     void endRead();
