@@ -314,28 +314,29 @@ private:
     bool m_isCompacted = false;
 };
 
-/// Notes what others may do with a draft.
+/// Notes what others may do with files that have just been made.
 class FilesOfACurious final : public SystemFilesBut
 {
 public:
     std::unique_ptr<File> open(const std::filesystem::path &path, Access access) override
     {
         auto file = SystemFilesBut::open(path, access);
-        if (path.extension() == ".compact")
-            draftRights |= std::filesystem::status(path).permissions();
+        if (access != Access::Write)
+            rights |= std::filesystem::status(path).permissions();
         return file;
     }
 
-    std::filesystem::perms draftRights{};
+    std::filesystem::perms rights{};
 };
 
-TEST_F(Sharing, DraftIsNotReadByThoseWhoMayNotReadTheDatabase)
+TEST_F(Sharing, DraftAndJournalAreNotReadByThoseWhoMayNotReadTheDatabase)
 {
     using std::filesystem::perms;
     std::filesystem::permissions(m_path, perms::owner_read | perms::owner_write);
     const auto files = std::make_shared<FilesOfACurious>();
-    compactDatabase(m_path, kSomeDay, files);
-    EXPECT_EQ(files->draftRights, std::filesystem::status(m_path).permissions());
+    compactDatabase(m_path, kSomeDay, files); // and takes the journal away
+    Database::open(m_path, unsynced(), files).table(u"Tabel").appendRow(sampleRow(21));
+    EXPECT_EQ(files->rights, std::filesystem::status(m_path).permissions());
 }
 
 /// Another program makes a file after it was looked for.

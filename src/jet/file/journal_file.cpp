@@ -80,7 +80,7 @@ void JournalFile::write(PageNo pagesBefore, PageNo pagesAfter,
 
 void JournalFile::make()
 {
-    m_file = m_files.open(m_path, FileSystem::Access::Create);
+    m_file = m_files.open(m_path, FileSystem::Access::CreatePrivate);
     m_files.matchAccess(m_path, m_database);
     m_mark = {};
 }
