@@ -447,7 +447,7 @@ TEST_F(WholeFile, CreatedDatabaseIsThereWholeOrNotAtAll)
 {
     MemoryDisk disk;
     // Of a database that had this name once: nothing of it may come back in the new one.
-    disk.files[kJournal].content = Bytes(4096, 7);
+    disk.files[kJournal].content = Bytes(4096);
     expectOldOrNew(disk, [](MemoryDisk &target) {
         makeNewDatabase(kFile, kSomeDay, filesOf(target));
         EXPECT_FALSE(target.files.contains(kJournal));

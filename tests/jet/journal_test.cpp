@@ -128,6 +128,19 @@ TEST_F(LeftOverJournal, ThatAnotherOpenerHasKeptMeanwhileIsNotCleared)
     EXPECT_TRUE(std::filesystem::exists(m_folder / "autoclava1.mdb.jrn.kept"));
 }
 
+TEST_F(LeftOverJournal, AnotherFileOfItsNameIsKept)
+{
+    open();
+    for (const char *kept : {"autoclava1.mdb.jrn.kept", "autoclava1.mdb.jrn.kept2"}) {
+        writeFile(m_journal, m_before);
+        EXPECT_EQ(open(true).table(u"Tabel").recordCount(), open().table(u"Tabel").recordCount());
+        EXPECT_EQ(bytesOf(m_journal), m_before) << "reading changes nothing";
+        Database database = open();
+        database.table(u"Tabel").deleteAll();
+        EXPECT_EQ(bytesOf(m_folder / kept), m_before);
+    }
+}
+
 TEST_F(LeftOverJournal, OfAnEarlierVersionIsFinished)
 {
     Bytes journal = bytesOf(m_journal);

@@ -1,18 +1,33 @@
 #include "jet/file/draft.h"
 
 #include "jet/error.h"
-#include "jet/file/journal.h"
+#include "jet/file/journal_file.h"
 
+#include <array>
+#include <string>
 #include <utility>
 
 namespace jet
 {
+namespace
+{
+
+/// Stands in page 0 of a draft, where a database has zeros.
+constexpr std::array<std::uint8_t, 8> kMark{'J', 'E', 'T', 'D', 'R', 'A', 'F', 'T'};
+constexpr std::size_t kMarkOffset = 0xA0;
+
+/// True for nothing, too: so far an attempt may have come.
+bool isDraft(File &file)
+{
+    std::array<std::uint8_t, kMark.size()> found{};
+    return file.size() == 0 || (file.read(kMarkOffset, found) == found.size() && found == kMark);
+}
+
+} // namespace
 
 Draft::Draft(FileSystem &files, std::filesystem::path target, const char *extension)
-    : m_files(files), m_target(std::move(target)), m_path(m_target)
+    : m_files(files), m_target(std::move(target)), m_path(chooseName(extension))
 {
-    m_path += extension;
-    removeLeftOver();
     const bool replaces = m_files.exists(m_target);
     try {
         m_file = m_files.open(m_path, replaces ? FileSystem::Access::CreatePrivate
@@ -38,7 +53,7 @@ Draft::~Draft()
     // A draft that cannot be removed is removed by the next attempt.
     try {
         m_file->releaseName();
-        removeFiles();
+        m_files.remove(m_path);
     } catch (const Error &) {
         return;
     }
@@ -62,33 +77,44 @@ void Draft::takeFreeName()
     m_files.syncFolder(m_target.parent_path());
 }
 
+void Draft::mark(MutablePageBytes headerPage)
+{
+    writeBytes(headerPage, kMarkOffset, kMark);
+}
+
 /// Prepares both the draft and its target.
 void Draft::finish()
 {
+    m_file->write(kMarkOffset, std::array<std::uint8_t, kMark.size()>{});
     m_file->sync();
     m_file->releaseName();
-    if (const auto journal = journalPath(m_target); m_files.exists(journal)) {
-        // It belongs to the replaced file and must not be applied to the new one.
-        m_files.remove(journal);
+    // A journal belongs to the replaced file and must not be applied to the new one.
+    if (JournalFile(m_files, m_target, {}).remove())
         m_files.syncFolder(m_target.parent_path());
+}
+
+/// The first name that nothing has but what an interrupted attempt may have left.
+std::filesystem::path Draft::chooseName(const std::string &extension)
+{
+    for (int number = 1;; ++number) {
+        std::filesystem::path name = m_target;
+        name += number == 1 ? extension : extension + std::to_string(number);
+        if (!m_files.exists(name) || removeLeftOver(name))
+            return name;
     }
 }
 
-void Draft::removeLeftOver()
+/// False for a file that is no draft.
+bool Draft::removeLeftOver(const std::filesystem::path &name)
 {
-    if (!m_files.exists(m_path))
-        return;
-    const auto file = m_files.open(m_path, FileSystem::Access::Write);
+    const auto file = m_files.open(name, FileSystem::Access::Write);
+    if (!isDraft(*file))
+        return false;
     if (!file->tryLock(LockPart::Opener, LockMode::Exclusive))
         throwInUse();
     file->releaseName();
-    removeFiles();
-}
-
-void Draft::removeFiles()
-{
-    m_files.remove(m_path);
-    m_files.remove(journalPath(m_path)); // earlier versions made one
+    m_files.remove(name);
+    return true;
 }
 
 void Draft::throwInUse() const

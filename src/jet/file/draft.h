@@ -1,9 +1,11 @@
 #pragma once
 
 #include "jet/file/file.h"
+#include "jet/format/page.h"
 
 #include <filesystem>
 #include <memory>
+#include <string>
 
 namespace jet
 {
@@ -14,14 +16,17 @@ namespace jet
 class Draft
 {
 public:
-    /// Creates the empty file; its name is the target's with `extension` appended. Removes what an
-    /// interrupted attempt left there. Throws Error(InUse) while another program builds one. Keeps
-    /// a reference to `files`.
+    /// Creates the empty file; its name is the target's with `extension` appended, and a number
+    /// when another file has that name. Removes what an interrupted attempt left there. Throws
+    /// Error(InUse) while another program builds one. Keeps a reference to `files`.
     Draft(FileSystem &files, std::filesystem::path target, const char *extension);
     /// Removes a draft that was not renamed.
     ~Draft();
     Draft(const Draft &) = delete;
     Draft &operator=(const Draft &) = delete;
+
+    /// Puts into page 0 what tells an interrupted attempt from any other file.
+    static void mark(MutablePageBytes headerPage);
 
     const std::filesystem::path &path() const { return m_path; }
     File &file() { return *m_file; }
@@ -34,8 +39,8 @@ public:
     void takeFreeName();
 
 private:
-    void removeLeftOver();
-    void removeFiles();
+    std::filesystem::path chooseName(const std::string &extension);
+    bool removeLeftOver(const std::filesystem::path &name);
     void finish();
     [[noreturn]] void throwInUse() const;
 

@@ -56,6 +56,13 @@ bool JournalFile::hasStatement()
     return mark == kStatementMark || m_mark == kOldStatementMark;
 }
 
+/// False for a file that only happens to have the name, and must not be written over. A journal
+/// whose mark a disk has garbled is taken for one, but not while it holds a statement.
+bool JournalFile::isOurs()
+{
+    return m_mark == JournalMark{} || m_mark == kDurableNameMark || hasStatement();
+}
+
 std::optional<Journal> JournalFile::read()
 {
     return find() ? Journal::read(*m_file) : std::nullopt;
@@ -64,7 +71,9 @@ std::optional<Journal> JournalFile::read()
 void JournalFile::write(PageNo pagesBefore, PageNo pagesAfter,
                         std::span<const PageWitness> witnesses, std::span<const PageChange> changes)
 {
-    if (!find())
+    if (find() && !isOurs())
+        keepAside();
+    if (!m_file)
         make();
     try {
         m_end = Journal::write(*m_file, pagesBefore, pagesAfter, witnesses, changes);
@@ -112,6 +121,15 @@ void JournalFile::clear() noexcept
     } catch (const Error &) {
         return;
     }
+}
+
+bool JournalFile::remove()
+{
+    if (!find() || !isOurs())
+        return false;
+    release();
+    m_files.remove(m_path);
+    return true;
 }
 
 std::filesystem::path JournalFile::keepAside()

@@ -21,8 +21,8 @@ public:
     bool hasStatement();
     /// nullopt when there is no complete one.
     std::optional<Journal> read();
-    /// Creates the file when it is missing. On return the statement is as durable as the options
-    /// ask for; on failure the journal holds none.
+    /// Creates the file when it is missing; keeps another file of that name aside. On return the
+    /// statement is as durable as the options ask for; on failure the journal holds none.
     void write(PageNo pagesBefore, PageNo pagesAfter, std::span<const PageWitness> witnesses,
                std::span<const PageChange> changes);
     /// Discards the statement, if any, after it was carried out or undone. Best effort, see
@@ -30,6 +30,8 @@ public:
     void clear() noexcept;
     /// Renames a journal that does not fit the database; returns the new path.
     std::filesystem::path keepAside();
+    /// Removes the file when it is a journal; true then.
+    bool remove();
     /// Closes the file.
     void release() { m_file.reset(); }
 
@@ -37,6 +39,7 @@ public:
 
 private:
     bool find();
+    bool isOurs();
     void make();
     void makeNameDurable();
 

@@ -111,7 +111,9 @@ void writeNewDatabase(Draft &draft, DateTime now, const std::shared_ptr<FileSyst
                       const std::vector<TableDesign> &tables)
 {
     PageNo number = 0;
-    for (const PageBuffer &page : makeFirstPages())
+    FirstPages pages = makeFirstPages();
+    Draft::mark(pages[kHeaderPage]);
+    for (const PageBuffer &page : pages)
         draft.file().write(fileOffset(number++), page);
     {
         Pager pager(files, draft.path(), {}, Pager::Use::Draft, nullptr);
