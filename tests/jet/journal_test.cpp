@@ -65,6 +65,11 @@ TEST_F(LeftOverJournal, IsFinishedOrDroppedByWhatIsInTheFile)
         makeTabel(backup, 70);
         return bytesOf(backup);
     }();
+    const Bytes copy = [&] {
+        writeFile(m_folder / "copy.mdb", m_before);
+        Database::open(m_folder / "copy.mdb").table(u"Tabel").appendRow(sampleRow(1000));
+        return bytesOf(m_folder / "copy.mdb");
+    }();
     const std::ptrdiff_t sector = changed - changed % 512;
     struct Case {
         const char *what;
@@ -81,6 +86,7 @@ TEST_F(LeftOverJournal, IsFinishedOrDroppedByWhatIsInTheFile)
         {"another program has opened the half", with(torn, 0xE00, 7), 90},
         {"another program has opened the whole", with(m_before, 0xE00, 7), 20},
         {"another file stands in its place", restored, 70},
+        {"a copy of before with one statement of its own", copy, 21},
     };
     for (const auto &[what, file, rows] : cases) {
         writeFile(m_path, file);

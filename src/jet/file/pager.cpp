@@ -57,18 +57,6 @@ void Pager::renewLockFile()
         openLockFile(FileSystem::Access::Write);
 }
 
-/// What is written to a file that nobody can find any more is lost.
-void Pager::requireName(const std::filesystem::path &name)
-{
-    if (m_file->isNamed(name))
-        return;
-    if (!m_files->exists(name))
-        throwFileNotFound(name);
-    throw Error(ErrorCode::DiskError, "'" + displayName(name) +
-                                          "' was replaced by another file while it was open. "
-                                          "The change was not stored.");
-}
-
 PageRef Pager::read(PageNo page)
 {
     if (m_inTransaction) {
@@ -153,7 +141,8 @@ void Pager::commit()
         return;
     }
     try {
-        countChange(edit(kHeaderPage));
+        const auto now = std::chrono::system_clock::now().time_since_epoch().count();
+        countChange(edit(kHeaderPage), m_use == Use::Draft ? 0 : static_cast<std::uint16_t>(now));
         lockPages(LockMode::Exclusive, "another program is reading it");
         requireName(m_name);
         if (m_path != m_name)

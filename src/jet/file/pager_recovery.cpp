@@ -8,6 +8,18 @@
 namespace jet
 {
 
+/// What is written to a file that nobody can find any more is lost.
+void Pager::requireName(const std::filesystem::path &name)
+{
+    if (m_file->isNamed(name))
+        return;
+    if (!m_files->exists(name))
+        throwFileNotFound(name);
+    throw Error(ErrorCode::DiskError, "'" + displayName(name) +
+                                          "' was replaced by another file while it was open. "
+                                          "The change was not stored.");
+}
+
 ChangeCounter Pager::storedCounter()
 {
     std::array<std::uint8_t, sizeof(ChangeCounter)> bytes{};

@@ -103,12 +103,10 @@ ChangeCounter counterOf(PageBytes headerPage)
     return readLittleEndian<ChangeCounter>(headerPage, kChangeCounterOffset);
 }
 
-void countChange(MutablePageBytes page)
+void countChange(MutablePageBytes page, std::uint16_t salt)
 {
-    std::uint32_t number = 0;
-    for (std::size_t i = 0; i < 4; ++i)
-        number |= std::uint32_t{page[kChangeCounterOffset + 2 * i]} << (8 * i);
-    ++number;
+    std::uint32_t number = page[kChangeCounterOffset] | page[kChangeCounterOffset + 2] << 8;
+    number = ((number + 1) & 0xFFFF) | std::uint32_t{salt} << 16;
     for (std::size_t i = 0; i < 4; ++i)
         writeU16(page, kChangeCounterOffset + 2 * i,
                  static_cast<std::uint16_t>(0x0100 | ((number >> (8 * i)) & 0xFF)));

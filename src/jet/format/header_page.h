@@ -15,7 +15,8 @@ namespace jet
 //
 // The database program assigns each of its users a commit pair, u16, at rest 0x0100 or more, and
 // increments it so that the others see a change. The last four pairs, which it hardly ever assigns,
-// are this engine's change counter: their low bytes form one number, their high bytes stay 1.
+// are this engine's change counter: the low bytes of two count the changes, those of the other two
+// distinguish copies that were changed equally often; the high bytes stay 1.
 
 inline constexpr PageNo kObjectsDefinitionPage = 2; ///< definition of MSysObjects
 /// The header, the global map and the four system tables: never allocated.
@@ -27,8 +28,8 @@ inline constexpr std::size_t kChangeCounterOffset = 0xFF8;
 using ChangeCounter = std::uint64_t;
 
 ChangeCounter counterOf(PageBytes headerPage);
-/// Increments the counter in a page 0.
-void countChange(MutablePageBytes page);
+/// Increments the counter in a page 0. `salt` should differ between changes of two copies.
+void countChange(MutablePageBytes page, std::uint16_t salt);
 /// False for bytes that neither this engine nor the database program writes there.
 bool isChangeCounter(ChangeCounter counter);
 
