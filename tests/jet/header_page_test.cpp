@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 namespace jet
 {
 
@@ -30,22 +32,19 @@ TEST(HeaderPage, IsTheOneOfTheDatabaseProgram)
 
 TEST(HeaderPage, RefusesWhatItCannotRead)
 {
-    struct Case {
-        std::size_t offset;
-        std::uint8_t toggled;
-        ErrorCode expected;
+    const std::tuple<std::size_t, int, ErrorCode> changes[] = {
+        {0x05, 1, ErrorCode::NotADatabase},   // signature
+        {0x14, 1, ErrorCode::NotADatabase},   // version 0: Jet 3
+        {0x14, 3, ErrorCode::NotADatabase},   // version 2: newer
+        {0x00, 1, ErrorCode::NotADatabase},   // page type
+        {0x3E, 1, ErrorCode::NotSupported},   // encoded pages
+        {0x42, 1, ErrorCode::PasswordNeeded}, // first character
+        {0x69, 1, ErrorCode::PasswordNeeded}, // last byte
     };
-    for (const Case &test : {Case{0x05, 1, ErrorCode::NotADatabase},      // signature
-                             Case{0x14, 1, ErrorCode::NotADatabase},      // version 0: Jet 3
-                             Case{0x14, 3, ErrorCode::NotADatabase},      // version 2: newer
-                             Case{0x00, 1, ErrorCode::NotADatabase},      // page type
-                             Case{0x3E, 1, ErrorCode::NotSupported},      // encoded pages
-                             Case{0x42, 1, ErrorCode::PasswordNeeded},    // first character
-                             Case{0x69, 1, ErrorCode::PasswordNeeded}}) { // last byte
+    for (const auto &[offset, toggled, expected] : changes) {
         Bytes page = makeHeaderPage();
-        page[test.offset] ^= test.toggled;
-        EXPECT_EQ(errorOf([&] { readHeaderPage(PageBytes(page)); }), test.expected)
-            << std::hex << test.offset;
+        page[offset] = static_cast<std::uint8_t>(page[offset] ^ toggled);
+        EXPECT_EQ(errorOf([&] { readHeaderPage(PageBytes(page)); }), expected) << offset;
     }
 }
 

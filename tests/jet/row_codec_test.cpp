@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <random>
+#include <tuple>
 
 namespace jet
 {
@@ -79,20 +80,16 @@ TEST(RowCodec, DamagedRowsAreReportedNeverRead)
 
 TEST(TextCodec, StoredForms)
 {
-    struct Case {
-        Text text;
-        bool compressible;
-        const char *stored;
+    const std::tuple<Text, bool, const char *> forms[] = {
+        {u"Yes", true, "FF FE 59 65 73"},
+        {u"Yes", false, "59 00 65 00 73 00"},
+        {u"No", true, "4E 00 6F 00"},
+        {u"ab\u0103", true, "61 00 62 00 03 01"},
+        {u"", true, ""},
     };
-    for (const Case &test : {
-             Case{u"Yes", true, "FF FE 59 65 73"},
-             Case{u"Yes", false, "59 00 65 00 73 00"},
-             Case{u"No", true, "4E 00 6F 00"},
-             Case{u"ab\u0103", true, "61 00 62 00 03 01"},
-             Case{u"", true, ""},
-         }) {
-        EXPECT_EQ(encodeText(test.text, test.compressible), hex(test.stored));
-        EXPECT_EQ(decodeText(hex(test.stored)), test.text);
+    for (const auto &[text, compressible, stored] : forms) {
+        EXPECT_EQ(encodeText(text, compressible), hex(stored));
+        EXPECT_EQ(decodeText(hex(stored)), text);
     }
     EXPECT_EQ(decodeText(hex("FF FE 41 00 03 01 41 00 00 42")), u"A\u0103AB") << "switches forms";
     EXPECT_EQ(decodeText(encodeText(u"\uFEFFab", false)), u"ab") << "never taken for compressed";
