@@ -91,17 +91,6 @@ TEST_F(Cursors, EveryPassMeetsEachRecordOnceWhileItsKeyAndPlaceChange)
     EXPECT_EQ(findings(m_database), "");
 }
 
-TEST_F(Cursors, RefusedUpdateLeavesTheRecord)
-{
-    Cursor cursor = m_table.byIndex(u"IndexPrimar");
-    ASSERT_TRUE(cursor.first());
-    EXPECT_EQ(errorOf([&] { cursor.update({{u"Id", 2}}); }), ErrorCode::DuplicateKey);
-    EXPECT_EQ(errorOf([&] { cursor.update({{u"Id", Value()}}); }), ErrorCode::NullNotAllowed);
-    EXPECT_EQ(errorOf([&] { cursor.update({{u"Lipsa", 1}}); }), ErrorCode::NoSuchItem);
-    EXPECT_EQ(cursor.row(), sampleRow(1));
-    EXPECT_EQ(findings(m_database), "");
-}
-
 TEST_F(Cursors, SystemTablesAreOnlyRead)
 {
     Table objects = m_database.table(u"MSysObjects");
@@ -110,31 +99,43 @@ TEST_F(Cursors, SystemTablesAreOnlyRead)
     const Row row = cursor.row();
     const std::function<void()> statements[] = {
         [&] {
-            objects.append({{u"Id", 1}});
+            objects.append(Assignments{{u"Id", 1}});
         },
-        [&] { objects.appendRow(row); }, [&] { objects.deleteAll(); }, [&] { cursor.erase(); },
+        [&] { objects.appendRow(row); },
+        [&] { objects.deleteAll(); },
+        [&] { cursor.erase(); },
         [&] {
-            cursor.update({{u"Name", u"Alta"}});
-        }};
+            cursor.update(Assignments{{u"Name", u"Alta"}});
+        },
+    };
     for (const auto &statement : statements)
         EXPECT_EQ(errorOf(statement), ErrorCode::ReadOnly) << &statement - statements;
     EXPECT_EQ(cursor.row(), row);
 }
 
-TEST_F(Cursors, RefusedStatementLeavesATransactionUsable)
+TEST_F(Cursors, RefusedStatementLeavesTheRecordAndATransactionUsable)
 {
-    Transaction transaction(m_database);
-    EXPECT_EQ(errorOf([&] { m_table.appendRow(sampleRow(7)); }), ErrorCode::DuplicateKey);
-    EXPECT_EQ(errorOf([&] { m_table.append({{u"Id", u"sapte"}}); }), ErrorCode::TypeConversion);
-    EXPECT_EQ(errorOf([&] { m_table.append(Assignments{{u"Lipsa", 1}}); }), ErrorCode::NoSuchItem);
-    m_table.append({{u"Id", u"501"}, {u"Senzor1", 1}, {u"Alarma", true}});
-    transaction.commit();
-    EXPECT_EQ(m_table.recordCount(), 501U);
     {
         Transaction dropped(m_database);
         m_table.deleteAll();
         EXPECT_EQ(m_table.recordCount(), 0U);
     }
+    Cursor cursor = m_table.byIndex(u"IndexPrimar");
+    ASSERT_TRUE(cursor.first());
+    const std::pair<Assignments, ErrorCode> refused[] = {
+        {{{u"Id", 2}}, ErrorCode::DuplicateKey},
+        {{{u"Id", Value()}}, ErrorCode::NullNotAllowed},
+        {{{u"Id", u"sapte"}}, ErrorCode::TypeConversion},
+        {{{u"Lipsa", 1}}, ErrorCode::NoSuchItem},
+    };
+    inTransaction([&] {
+        for (const auto &[assignments, error] : refused) {
+            EXPECT_EQ(errorOf([&] { cursor.update(assignments); }), error);
+            EXPECT_EQ(errorOf([&] { m_table.append(assignments); }), error);
+        }
+        EXPECT_EQ(cursor.row(), sampleRow(1));
+        m_table.append({{u"Id", u"501"}, {u"Senzor1", 1}, {u"Alarma", true}});
+    });
     EXPECT_EQ(m_table.recordCount(), 501U);
     EXPECT_EQ(findings(m_database), "");
 }
