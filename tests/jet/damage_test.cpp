@@ -1,31 +1,26 @@
 #include "tests/jet/fuzz/damage.h"
+#include "tests/jet/fuzz/shapes.h"
 
 #include <gtest/gtest.h>
 
 #include <random>
+#include <tuple>
 
 namespace jet
 {
 namespace
 {
 
-const std::vector<Bytes> &shapes()
+std::vector<MemoryDisk> &shapes()
 {
-    static const std::vector<Bytes> made = makeShapes();
+    static std::vector<MemoryDisk> made = makeShapes();
     return made;
-}
-
-std::string findingsIn(const Bytes &content)
-{
-    MemoryDisk disk = diskWith(content);
-    return findings(
-        Database::open(kDamagedFile, unsynced(), std::make_unique<MemoryFileSystem>(disk)));
 }
 
 TEST(Damage, EveryShapeIsSoundBeforeIt)
 {
-    for (const Bytes &shape : shapes())
-        EXPECT_EQ(findingsIn(shape), "") << "shape " << &shape - shapes().data();
+    for (MemoryDisk &shape : shapes())
+        EXPECT_EQ(findings(openOn(shape, unsynced(true))), "") << &shape - shapes().data();
 }
 
 TEST(Damage, NeitherCrashesNorHangs)
@@ -36,7 +31,7 @@ TEST(Damage, NeitherCrashesNorHangs)
         Bytes input{static_cast<std::uint8_t>(shape)};
         for (unsigned i = 0; i <= run % 7; ++i) {
             // The heads of pages hold most of what others rely on.
-            std::size_t offset = random() % shapes()[shape].size();
+            std::size_t offset = random() % shapes()[shape][kFile].size();
             if (random() % 2 == 0)
                 offset = offset / kPageSize * kPageSize + random() % 64;
             appendLittleEndian<3>(input, offset);
@@ -52,31 +47,27 @@ TEST(Damage, NeitherCrashesNorHangs)
 /// still hits what it did.
 TEST(Damage, RecordedDamageStaysHarmless)
 {
-    struct Recorded {
-        const char *what;
-        const char *input;
-        const char *replaced;
+    const std::tuple<const char *, const char *, const char *> recorded[] = {
+        {"prefix longer than an index leaf", "00 18 20 01 FF 19 20 01 FF", "00 00"},
+        {"a memo that counts by itself", "02 7F 20 00 76", "12"},
     };
-    for (const Recorded &damage :
-         {Recorded{"prefix longer than an index leaf", "00 18 20 01 FF 19 20 01 FF", "00 00"},
-          Recorded{"a memo that counts by itself", "02 7F 20 00 76", "12"}}) {
-        const Bytes input = hex(damage.input);
-        const Bytes &shape = shapes().at(input.front());
+    for (const auto &[what, patches, before] : recorded) {
+        const Bytes input = hex(patches);
+        const Bytes &shape = shapes().at(input.front())[kFile];
         Bytes replaced;
         for (std::size_t at = 1; at + 4 <= input.size(); at += 4)
             replaced.push_back(shape.at(readU24(input, at)));
-        EXPECT_EQ(replaced, hex(damage.replaced)) << "record it anew: " << damage.what;
-        EXPECT_NO_THROW(exerciseDamaged(shapes(), input)) << damage.what;
+        EXPECT_EQ(replaced, hex(before)) << "record it anew: " << what;
+        EXPECT_NO_THROW(exerciseDamaged(shapes(), input)) << what;
     }
 }
 
 TEST(Damage, CutFileIsReportedAndReadAsFarAsItGoes)
 {
-    Bytes content = shapes().front();
-    content.resize(content.size() / 2 + 100);
-    MemoryDisk disk = diskWith(content);
+    MemoryDisk disk = shapes().front();
+    disk[kFile].resize(disk[kFile].size() / 2 + 100);
+    EXPECT_NE(findings(openOn(disk, unsynced(true))), "");
     exercise(disk);
-    EXPECT_NE(findingsIn(content), "");
 }
 
 } // namespace

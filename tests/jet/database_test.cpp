@@ -40,11 +40,7 @@ TEST_F(NewDatabase, SortsByColumnsThatNoIndexCouldHave)
 
 TEST_F(NewDatabase, AutonumbersGoOnAfterNegativeNumbersAndEndAtTheGreatest)
 {
-    TableDesign design;
-    design.name = u"T";
-    design.columns = {{u"Nr", ColumnType::Long, 0, true}};
-    design.indexes = {{u"Nr", {{u"Nr"}}, true}};
-    Table table = make(design);
+    Table table = make({u"T", {{u"Nr", ColumnType::Long, 0, true}}, {{u"Nr", {{u"Nr"}}, true}}});
     const std::int32_t greatest = std::numeric_limits<std::int32_t>::max();
     for (const Value &number : {Value(), Value(-2), Value(), Value()})
         table.appendRow({number});
@@ -66,9 +62,7 @@ TEST_F(NewDatabase, AutonumbersGoOnAfterNegativeNumbersAndEndAtTheGreatest)
 
 TEST_F(NewDatabase, RowWhoseKeyIsTooLongIsRefusedAlone)
 {
-    TableDesign design;
-    design.name = u"T";
-    design.indexes = {{u"Toate", {}}};
+    TableDesign design{u"T", {}, {{u"Toate", {}}}};
     for (const char16_t name : Text(u"ABCDEFGH")) {
         design.columns.push_back({Text(1, name), ColumnType::Binary, 255});
         design.indexes.front().columns.push_back({Text(1, name)});
@@ -84,23 +78,20 @@ TEST_F(NewDatabase, RowWhoseKeyIsTooLongIsRefusedAlone)
 
 TEST_F(NewDatabase, NamesThatTheDatabaseProgramWouldNotTakeAreRefused)
 {
-    make(tabelDesign());
-    TableDesign longest = tabelDesign(Text(64, u'n'));
-    longest.columns.front().name = longest.indexes.front().columns.front().column = longest.name;
-    make(longest);
+    const auto named = [](const Text &table, const Text &column, const Text &index) {
+        return TableDesign{table, {{column, ColumnType::Long}}, {{index, {{column}}}}};
+    };
+    const Text longest(64, u'n');
+    make(named(longest, longest, longest));
     for (const Text &name : {Text(), Text(65, u'n'), Text(u" a"), Text(u"a.b"), Text(u"a!"),
                              Text(u"[a]"), Text(u"a`"), Text(u"a\n")}) {
-        const auto code = [&](const TableDesign &design) { return errorOf([&] { make(design); }); };
-        TableDesign column = tabelDesign(u"Nou");
-        column.columns.back().name = name;
-        TableDesign index = tabelDesign(u"Nou");
-        index.indexes.front().name = name;
-        for (const auto &error : {code(tabelDesign(name)), code(column), code(index), errorOf([&] {
-                                      m_database.renameTable(u"Tabel", name, kSomeDay);
-                                  })})
-            EXPECT_EQ(error, ErrorCode::InvalidName) << toUtf8(name);
+        for (const TableDesign &design :
+             {named(name, u"A", u"A"), named(u"A", name, u"A"), named(u"A", u"A", name)})
+            EXPECT_EQ(errorOf([&] { make(design); }), ErrorCode::InvalidName) << toUtf8(name);
+        EXPECT_EQ(errorOf([&] { m_database.renameTable(longest, name, kSomeDay); }),
+                  ErrorCode::InvalidName);
     }
-    EXPECT_EQ(m_database.tables(), (std::vector<Text>{u"Tabel", longest.name}));
+    EXPECT_EQ(m_database.tables(), std::vector{longest});
     EXPECT_EQ(findings(m_database), "");
 }
 

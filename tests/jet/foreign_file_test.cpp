@@ -3,9 +3,7 @@
 #include "jet/store/session.h"
 #include "jet/store/table_builder.h"
 #include "tests/jet/file_image.h"
-#include "tests/jet/sample_database.h"
-
-#include <gtest/gtest.h>
+#include "tests/jet/new_database.h"
 
 #include <algorithm>
 #include <numeric>
@@ -19,23 +17,32 @@ namespace jet
 namespace
 {
 
+const TableDesign kTwoColumns{u"T",
+                              {{u"Id", ColumnType::Long}, {u"Nume", ColumnType::Text, 100}},
+                              {{u"Prim", {{u"Id"}}, true}}};
+
 /// A table T of an engine-made file whose pages a test rewrites as other programs would.
-class ForeignFile : public ::testing::Test
+class ForeignFile : public DatabaseFile
 {
 protected:
-    void make(TableDesign design, std::int32_t rows)
+    static void append(Table table, std::int32_t first, std::int32_t last, std::size_t length)
     {
-        design.name = u"T";
-        Database database = Database::create(m_path, kSomeDay, unsynced());
-        Table table = database.createTable(design, kSomeDay);
-        Transaction transaction(database);
-        for (std::int32_t id = 1; id <= rows; ++id)
-            table.append({{u"Id", id}, {u"Nume", Text(8, u'n')}});
-        transaction.commit();
+        for (std::int32_t id = first; id <= last; ++id)
+            table.append({{u"Id", id}, {u"Nume", Text(length, u'n')}});
     }
-    void load() { m_image = FileImage(bytesOf(m_path)); }
+    void make(std::int32_t rows, const TableDesign &design = kTwoColumns)
+    {
+        Database database = Database::create(m_path, kSomeDay, unsynced(), {design});
+        inTransaction(database, [&] { append(database.table(u"T"), 1, rows, 8); });
+        m_image = FileImage(bytesOf(m_path));
+    }
+    /// The bytes of a row in the image.
+    MutableBytes row(PageNo page, std::size_t number)
+    {
+        const Slot slot = slotAt(m_image.page(page), page, number);
+        return m_image.page(page).subspan(slot.start, slot.length);
+    }
     void save() const { writeFile(m_path, m_image.bytes()); }
-    Database open() const { return Database::open(m_path, unsynced()); }
     /// The file is sound and mdbtools see the same numbers.
     void expectIds(std::vector<std::int32_t> ids) const
     {
@@ -45,34 +52,21 @@ protected:
         EXPECT_EQ(mdbCount(m_path, "T"), std::to_string(ids.size()) + "\n");
     }
 
-    TemporaryFolder m_folder;
-    std::filesystem::path m_path = m_folder / "t.mdb";
     FileImage m_image;
 };
-
-TableDesign twoColumns(bool indexed)
-{
-    TableDesign design;
-    design.columns = {{u"Id", ColumnType::Long}, {u"Nume", ColumnType::Text, 100}};
-    if (indexed)
-        design.indexes = {{u"Prim", {{u"Id"}}, true}};
-    return design;
-}
 
 } // namespace
 
 TEST_F(ForeignFile, RowThatLeftAPointerBehind)
 {
-    make(twoColumns(true), 3);
-    load();
+    make(3);
     m_image.leavePointerBehind(m_image.firstDataPage(), 1);
     save();
     expectIds({1, 2, 3});
 
     Database database = open();
     Cursor cursor = database.table(u"T").byIndex(u"Prim");
-    const Value two = 2;
-    ASSERT_TRUE(cursor.seek(std::span(&two, 1)));
+    ASSERT_TRUE(cursor.next() && cursor.next());
     cursor.update({{u"Nume", Text(90, u'x')}});
     EXPECT_EQ(cursor.value(u"Nume"), Value(Text(90, u'x')));
     EXPECT_EQ(findings(database), "");
@@ -82,17 +76,15 @@ TEST_F(ForeignFile, RowThatLeftAPointerBehind)
 
 TEST_F(ForeignFile, KeyThatAUniqueIndexHoldsTwiceIsFound)
 {
-    TableDesign design = twoColumns(false);
+    TableDesign design = kTwoColumns;
     design.indexes = {{u"Nume", {{u"Nume"}}}};
-    make(design, 2);
-    load();
+    make(2, design);
     TableDefinition table = m_image.definition();
     table.realIndexes[0].flags |= IndexFlag::Unique;
     m_image.setDefinition(table);
     save();
-    EXPECT_NE(findings(open()).find("a unique index holds a key twice"), std::string::npos);
-
     Database database = open();
+    EXPECT_NE(findings(database).find("a unique index holds a key twice"), std::string::npos);
     for (Cursor cursor = database.table(u"T").records(); cursor.next();)
         cursor.update({{u"Nume", Null{}}});
     EXPECT_EQ(findings(database), "");
@@ -100,8 +92,7 @@ TEST_F(ForeignFile, KeyThatAUniqueIndexHoldsTwiceIsFound)
 
 TEST_F(ForeignFile, CountOfRowsThatItsPagesCannotHoldIsDamage)
 {
-    make(twoColumns(true), 3);
-    load();
+    make(3);
     m_image.page(m_image.definitionPage())[kRowCountOffset + 3] = 0x7F;
     save();
     const Database database = open();
@@ -115,36 +106,26 @@ TEST_F(ForeignFile, CountOfRowsThatItsPagesCannotHoldIsDamage)
 
 TEST_F(ForeignFile, MapOfFreePagesWhoseStartWasMovedPastThoseInUse)
 {
-    make(twoColumns(true), 200);
-    load();
-    const RowPointer map{kGlobalMapPage, 0};
-    const Slot row = slotAt(m_image.page(map.page), map.page, map.row);
-    const MutableBytes bytes = m_image.page(map.page).subspan(row.start, row.length);
+    make(200);
+    const MutableBytes map = row(kGlobalMapPage, 0);
     constexpr PageNo kStart = 16;
-    writeU32(bytes, 1, kStart);
-    std::ranges::rotate(bytes.subspan(5), bytes.begin() + 5 + kStart / 8);
-    std::ranges::fill(bytes.last(kStart / 8), std::uint8_t{0xFF}); // nothing is there yet
+    writeU32(map, 1, kStart);
+    std::ranges::rotate(map.subspan(5), map.begin() + 5 + kStart / 8);
+    std::ranges::fill(map.last(kStart / 8), std::uint8_t{0xFF}); // nothing is there yet
     save();
     Database database = open();
     EXPECT_EQ(findings(database), "");
-
-    Table table = database.table(u"T");
-    inTransaction(database, [&] {
-        for (std::int32_t id = 201; id <= 40000; ++id)
-            table.append({{u"Id", id}, {u"Nume", Text(100, u'n')}});
-    });
+    inTransaction(database, [&] { append(database.table(u"T"), 201, 40000, 100); });
     EXPECT_EQ(findings(database), "");
     EXPECT_EQ(mdbCount(m_path, "T"), "40000\n");
 }
 
 TEST_F(ForeignFile, PageBeforeTheMapOfFreePagesIsGivenBack)
 {
-    make(twoColumns(true), 200);
-    load();
-    const Slot row = slotAt(m_image.page(kGlobalMapPage), kGlobalMapPage, 0);
-    const MutableBytes bytes = m_image.page(kGlobalMapPage).subspan(row.start, row.length);
-    writeU32(bytes, 1, 512);
-    std::ranges::fill(bytes.subspan(5), std::uint8_t{0xFF});
+    make(200);
+    const MutableBytes map = row(kGlobalMapPage, 0);
+    writeU32(map, 1, 512);
+    std::ranges::fill(map.subspan(5), std::uint8_t{0xFF});
     save();
     Database database = open();
     database.dropTable(u"T");
@@ -157,8 +138,7 @@ TEST_F(ForeignFile, PageBeforeTheMapOfFreePagesIsGivenBack)
 
 TEST_F(ForeignFile, MapOfFreePagesThatCannotGrowIsRefused)
 {
-    make(twoColumns(true), 3);
-    load();
+    make(3);
     const MutablePageBytes page = m_image.page(kGlobalMapPage);
     const ByteView map = rowAt(page, kGlobalMapPage, 0);
     const Bytes shortMap(map.begin(), map.begin() + 5 + 8); // 64 pages
@@ -167,12 +147,8 @@ TEST_F(ForeignFile, MapOfFreePagesThatCannotGrowIsRefused)
     insertRow(page, Bytes(freeBytes(page) - 2 - 10));
     save();
     Database database = open();
-    Table table = database.table(u"T");
     EXPECT_EQ(errorOf([&] {
-                  inTransaction(database, [&] {
-                      for (std::int32_t id = 4; id <= 4000; ++id)
-                          table.append({{u"Id", id}, {u"Nume", Text(100, u'n')}});
-                  });
+                  inTransaction(database, [&] { append(database.table(u"T"), 4, 4000, 100); });
               }),
               ErrorCode::Damaged);
     expectIds({1, 2, 3});
@@ -180,34 +156,31 @@ TEST_F(ForeignFile, MapOfFreePagesThatCannotGrowIsRefused)
 
 TEST_F(ForeignFile, BlocksOfTheDatabaseProgramAreReadAndNeverLost)
 {
-    make(twoColumns(true), 3);
+    make(3);
     const Bytes block(3992, 7);
-    {
+    const Text name = u"MSysAccessObjects";
+    const auto change = [&](auto &&work) {
         Session session(makeSystemFiles(), m_path, unsynced());
         session.begin();
-        TableDesign design{u"MSysAccessObjects", {{u"Data", ColumnType::Long}, {u"ID"}}, {}};
-        TableDefinition blocks = makeDefinition(design);
+        work(session);
+        session.commit();
+    };
+    change([&](Session &session) {
+        TableDefinition blocks = makeDefinition({name, {{u"Data", ColumnType::Long}, {u"ID"}}, {}});
         blocks.columns[0].type = ColumnType::Block;
         layOutColumns(blocks);
         const PageNo page = buildTable(session.pager(), blocks);
-        session.catalog().add(design.name, page, kSomeDay);
+        session.catalog().add(name, page, kSomeDay);
         session.tableAt(page)->insert({block, 1});
-        session.commit();
-    }
+    });
     const auto expectRefused = [&] {
-        {
-            const Database database = open();
-            EXPECT_EQ(findings(database), "");
-            EXPECT_EQ(rowsOf(database.table(u"MSysAccessObjects").records()),
-                      (std::vector<Row>{{block, 1}}));
-        }
+        EXPECT_EQ(findings(open()), "");
+        EXPECT_EQ(rowsOf(open().table(name).records()), (std::vector<Row>{{block, 1}}));
         EXPECT_EQ(errorOf([&] { compactDatabase(m_path, kSomeDay); }), ErrorCode::NotSupported);
     };
     expectRefused(); // no table that the engine could make
-    {
-        Session session(makeSystemFiles(), m_path, unsynced());
-        session.begin();
-        const auto entry = session.catalog().find(u"MSysAccessObjects");
+    change([&](Session &session) {
+        const auto entry = session.catalog().find(name);
         TableStore &objects = *session.table(u"MSysObjects");
         const std::size_t flags = objects.columnNamed(u"Flags").value();
         Row values = objects.read(entry->row);
@@ -215,20 +188,19 @@ TEST_F(ForeignFile, BlocksOfTheDatabaseProgramAreReadAndNeverLost)
         std::vector<bool> changed(values.size());
         changed[flags] = true;
         static_cast<void>(objects.update(entry->row, values, changed));
-        session.commit();
-    }
+    });
     expectRefused(); // no table that a new database has
-    open().table(u"MSysAccessObjects").deleteAll();
+    open().table(name).deleteAll();
     compactDatabase(m_path, kSomeDay);
     expectIds({1, 2, 3});
 }
 
 TEST_F(ForeignFile, ColumnDroppedAndColumnsAddedLater)
 {
-    TableDesign design = twoColumns(false);
+    TableDesign design = kTwoColumns;
+    design.indexes.clear();
     design.columns.insert(design.columns.begin() + 1, {u"Vechi", ColumnType::Double});
-    make(design, 2);
-    load();
+    make(2, design);
     TableDefinition table = m_image.definition();
     table.columns.erase(table.columns.begin() + 1);
     ColumnDefinition added = column(u"Nou", ColumnType::Memo);
@@ -257,19 +229,15 @@ TEST_F(ForeignFile, ColumnDroppedAndColumnsAddedLater)
 TEST_F(ForeignFile, CompressedLeafFullerThanThreeOfOurs)
 {
     constexpr std::int32_t kRows = 598;
-    make(twoColumns(true), kRows);
-    load();
+    make(kRows);
     const TableDefinition table = m_image.definition();
     const RealIndex &index = table.realIndexes[0];
     std::vector<Bytes> entries;
     for (const IndexChild &leaf : m_image.indexPage(index.root).children()) {
-        for (Bytes &entry : m_image.indexPage(leaf.page).entries()) {
-            entries.push_back(std::move(entry));
-        }
+        std::ranges::move(m_image.indexPage(leaf.page).entries(), std::back_inserter(entries));
         m_image.setMapBit(index.usageMap, leaf.page, false);
-        m_image.setMapBit({1, 0}, leaf.page, true);
+        m_image.setMapBit({kGlobalMapPage, 0}, leaf.page, true);
     }
-    ASSERT_EQ(entries.size(), static_cast<std::size_t>(kRows));
     m_image.writeCompressedLeaf(index.root, entries);
     save();
     std::vector<std::int32_t> ids(kRows);
@@ -287,28 +255,23 @@ TEST_F(ForeignFile, CompressedLeafFullerThanThreeOfOurs)
     std::ranges::sort(ids);
     EXPECT_EQ(idsOf(t.byIndex(u"Prim")), ids);
     std::ranges::shuffle(ids, std::mt19937(3));
-    Cursor cursor = t.byIndex(u"Prim");
-    Transaction transaction(database);
-    for (const Value id : ids) {
-        ASSERT_TRUE(cursor.seek(std::span(&id, 1)));
-        cursor.erase();
-    }
-    transaction.commit();
+    inTransaction(database, [&] {
+        Cursor cursor = t.byIndex(u"Prim");
+        for (const Value id : ids) {
+            ASSERT_TRUE(cursor.seek(std::span(&id, 1)));
+            cursor.erase();
+        }
+    });
     expectIds({});
 }
 
 TEST_F(ForeignFile, KeyThatOnlyTheOtherProgramCanWorkOut)
 {
-    TableDesign design = twoColumns(true);
+    TableDesign design = kTwoColumns;
     design.indexes.push_back({u"Nume", {{u"Nume"}}});
-    make(design, 4);
-    load();
-    const PageNo data = m_image.firstDataPage();
-    for (const std::size_t slot : {1U, 2U}) {
-        const Slot row = slotAt(m_image.page(data), data, slot);
-        const MutableBytes bytes = m_image.page(data).subspan(row.start, row.length);
-        *std::ranges::find(bytes, std::uint8_t{'n'}) = 0xB5; // a micro sign
-    }
+    make(4, design);
+    for (const std::size_t number : {1U, 2U})
+        *std::ranges::find(row(m_image.firstDataPage(), number), std::uint8_t{'n'}) = 0xB5; // micro
     save();
     expectIds({1, 2, 3, 4});
 

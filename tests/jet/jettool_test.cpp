@@ -1,6 +1,7 @@
-#include "tests/jet/interrupted_append.h"
+#include "tests/jet/memory_database.h"
+#include "tests/jet/new_database.h"
 
-#include <fstream>
+#include <tuple>
 
 // The program itself, as a user types it.
 
@@ -9,7 +10,7 @@ namespace jet
 namespace
 {
 
-class Jettool : public testing::Test
+class Jettool : public DatabaseFile
 {
 protected:
     /// What it prints, and its exit code on the last line.
@@ -19,8 +20,6 @@ protected:
         const Outcome outcome = jet::run(arguments);
         return outcome.output + "exit " + std::to_string(outcome.status) + '\n';
     }
-    TemporaryFolder m_folder;
-    std::filesystem::path m_path = m_folder / "autoclava1.mdb";
 };
 
 TEST_F(Jettool, LooksChecksAndCompacts)
@@ -28,17 +27,10 @@ TEST_F(Jettool, LooksChecksAndCompacts)
     EXPECT_EQ(run({"create", m_path.string()}), "exit 0\n");
     EXPECT_NE(run({"create", m_path.string()}).find("3204"), std::string::npos);
     {
-        Database database = Database::open(m_path, unsynced());
-        Table table = database.createTable(tabelDesign(), kSomeDay);
-        Transaction transaction(database);
-        appendSamples(table, 1, 2000);
-        transaction.commit();
-        Transaction second(database);
-        for (Cursor cursor = table.records(); cursor.next();) {
-            if (std::get<std::int32_t>(cursor.value(0)) % 50 != 7)
-                cursor.erase();
-        }
-        second.commit();
+        Database database = open();
+        inTransaction(database, [&] { makeTabel(database, 2000); });
+        database.table(u"Tabel").deleteAll();
+        appendSamples(database.table(u"Tabel"), 1, 40);
     }
     const Bytes before = bytesOf(m_path);
     EXPECT_EQ(run({"tables", m_path.string()}), "Tabel\nexit 0\n");
@@ -69,20 +61,16 @@ TEST_F(Jettool, DumpsEveryTableInLinesThatNameIt)
         table.append({{u"Nr", 1}, {u"table", u"a\n\\\"ș"}});
         table.append(Assignments{{u"Nr", 2}});
     }
+    const std::string first = R"({"Nr": 1, "table": "a\u000a\\\"ș"})";
+    const std::string second = R"({"Nr": 2, "table": null})";
     EXPECT_EQ(run({"dump", "--json", m_path.string(), "Unu"}),
-              R"({"Nr": 1, "table": "a\u000a\\\"ș"})"
-              "\n"
-              R"({"Nr": 2, "table": null})"
-              "\nexit 0\n");
+              first + '\n' + second + "\nexit 0\n");
+    const auto named = [](const std::string &table, const std::string &record) {
+        return R"({"table": ")" + table + R"(", "record": )" + record + "}\n";
+    };
     EXPECT_EQ(run({"dump", "--json", m_path.string()}),
-              R"({"table": "Unu", "record": {"Nr": 1, "table": "a\u000a\\\"ș"}})"
-              "\n"
-              R"({"table": "Unu", "record": {"Nr": 2, "table": null}})"
-              "\n"
-              R"({"table": "Doi \"", "record": {"Nr": 1, "table": "a\u000a\\\"ș"}})"
-              "\n"
-              R"({"table": "Doi \"", "record": {"Nr": 2, "table": null}})"
-              "\nexit 0\n");
+              named("Unu", first) + named("Unu", second) + named(R"(Doi \")", first) +
+                  named(R"(Doi \")", second) + "exit 0\n");
     const std::string table = "\"Nr\",\"table\"\n1,\"a\n\\\"\"ș\"\n2,\n";
     EXPECT_EQ(run({"dump", m_path.string()}),
               "# Unu\n" + table + "# Doi \"\n" + table + "exit 0\n");
@@ -94,14 +82,12 @@ TEST_F(Jettool, ReadsAnInterruptedStatementAndLeavesIt)
     const auto journal = m_folder / "autoclava1.mdb.jrn";
     interruptAppend(m_path, 6, 6);
     ASSERT_NE(bytesOf(journal), Bytes());
-    using FilesAndTimes = std::vector<std::pair<Bytes, std::filesystem::file_time_type>>;
     const auto state = [&] {
-        FilesAndTimes files;
-        for (const auto &path : {m_path, journal})
-            files.emplace_back(bytesOf(path), std::filesystem::last_write_time(path));
-        return files;
+        using std::filesystem::last_write_time;
+        return std::tuple(bytesOf(m_path), last_write_time(m_path), bytesOf(journal),
+                          last_write_time(journal));
     };
-    const FilesAndTimes left = state();
+    const auto left = state();
     EXPECT_EQ(run({"tables", m_path.string()}), "Tabel\nexit 0\n");
     EXPECT_EQ(run({"count", m_path.string(), "Tabel"}), "6\nexit 0\n");
     EXPECT_EQ(run({"check", m_path.string()}), "exit 0\n");
@@ -171,7 +157,7 @@ TEST_F(Jettool, CompactionByAMemberOfTheGroupKeepsTheGroup)
 
 TEST_F(Jettool, SaysWhatIsWrong)
 {
-    std::ofstream(m_path) << "no database at all";
+    writeFile(m_path, Bytes(5000, 'x'));
     struct Case {
         std::vector<std::string> arguments;
         const char *start;

@@ -1,6 +1,7 @@
 #include "jet/file/journal_file.h"
 
-#include "tests/jet/interrupted_append.h"
+#include "tests/jet/memory_database.h"
+#include "tests/jet/new_database.h"
 
 #include <algorithm>
 
@@ -16,41 +17,20 @@ class LeftOverJournal : public testing::Test
 protected:
     LeftOverJournal()
     {
-        makeTabel(m_path, 20);
-        m_before = bytesOf(m_path);
-        interruptAppend(m_path, 21, 90);
+        interrupt(m_disk,
+                  [](Database &database) { appendSamples(database.table(u"Tabel"), 21, 90); });
     }
 
-    Database open(bool readOnly = false) const
-    {
-        OpenOptions options = unsynced();
-        options.readOnly = readOnly;
-        return Database::open(m_path, options);
-    }
+    Database open(bool readOnly = false) { return openOn(m_disk, unsynced(readOnly)); }
 
-    TemporaryFolder m_folder;
-    const std::filesystem::path m_path = m_folder / "autoclava1.mdb";
-    const std::filesystem::path m_journal = journalPath(m_path);
-    Bytes m_before;
+    MemoryDisk m_disk = diskWithSamples(20);
+    const Bytes m_before = m_disk[kFile];
 };
 
-TEST_F(LeftOverJournal, IsFinishedOnOpenAndOnlySeenByAReader)
+TEST_F(LeftOverJournal, IsFinishedOrDroppedByWhatIsInTheFileAndOnlySeenByAReader)
 {
-    const auto size = std::filesystem::file_size(m_path);
-    {
-        const Database reader = open(true);
-        EXPECT_EQ(reader.table(u"Tabel").recordCount(), 90U);
-        EXPECT_EQ(findings(reader), "");
-    }
-    EXPECT_EQ(std::filesystem::file_size(m_path), size) << "a reader changes nothing";
-    EXPECT_EQ(open().table(u"Tabel").recordCount(), 90U);
-    EXPECT_EQ(mdbCount(m_path, "Tabel"), "90\n");
-}
-
-TEST_F(LeftOverJournal, IsFinishedOrDroppedByWhatIsInTheFile)
-{
-    const Bytes torn = bytesOf(m_path);
-    const Bytes journal = bytesOf(m_journal);
+    const Bytes torn = m_disk[kFile];
+    const Bytes journal = m_disk[kJournal];
     const auto changed =
         std::mismatch(m_before.begin() + kPageSize, m_before.end(), torn.begin() + kPageSize)
             .first -
@@ -60,16 +40,12 @@ TEST_F(LeftOverJournal, IsFinishedOrDroppedByWhatIsInTheFile)
         std::fill_n(bytes.begin() + offset, length, value);
         return bytes;
     };
-    const Bytes restored = [&] {
-        const auto backup = m_folder / "backup.mdb";
-        makeTabel(backup, 70);
-        return bytesOf(backup);
-    }();
-    const Bytes copy = [&] {
-        writeFile(m_folder / "copy.mdb", m_before);
-        Database::open(m_folder / "copy.mdb").table(u"Tabel").appendRow(sampleRow(1000));
-        return bytesOf(m_folder / "copy.mdb");
-    }();
+    MemoryDisk another = diskWithSamples(20);
+    appendSamples(openOn(another, unsynced()).table(u"Tabel"), 21, 70);
+    MemoryDisk copy = m_disk;
+    copy.names.erase(kJournal);
+    copy[kFile] = m_before;
+    openOn(copy).table(u"Tabel").appendRow(sampleRow(1000));
     const std::ptrdiff_t sector = changed - changed % 512;
     struct Case {
         const char *what;
@@ -85,85 +61,88 @@ TEST_F(LeftOverJournal, IsFinishedOrDroppedByWhatIsInTheFile)
         {"its counter only, and nothing else was written", with(m_before, 0xE00, 0, 512), 90},
         {"another program has opened the half", with(torn, 0xE00, 7), 90},
         {"another program has opened the whole", with(m_before, 0xE00, 7), 20},
-        {"another file stands in its place", restored, 70},
-        {"a copy of before with one statement of its own", copy, 21},
+        {"another file stands in its place", another[kFile], 70},
+        {"a copy of before with one statement of its own", copy[kFile], 21},
     };
     for (const auto &[what, file, rows] : cases) {
-        writeFile(m_path, file);
-        writeFile(m_journal, journal);
+        m_disk[kFile] = file;
+        m_disk[kJournal] = journal;
         for (const bool readOnly : {true, false}) {
             const Database database = open(readOnly);
             EXPECT_EQ(idsOf(database.table(u"Tabel").records()).size(), rows) << what;
             EXPECT_EQ(findings(database), "") << what;
+            EXPECT_TRUE(!readOnly || m_disk[kFile] == file) << "a reader changes nothing: " << what;
         }
-        std::filesystem::remove(m_journal); // of no use any more
+        m_disk.names.erase(kJournal); // of no use any more
         EXPECT_EQ(open().table(u"Tabel").recordCount(), rows) << what;
     }
 }
 
 TEST_F(LeftOverJournal, IsKeptWhenItFitsTheFileNeitherWay)
 {
-    Bytes longer = bytesOf(m_path);
-    longer.resize(longer.size() + 64 * kPageSize); // by another program, on half of a statement
+    Bytes &longer = m_disk[kFile]; // by another program, on half of a statement
+    longer.resize(longer.size() + 64 * kPageSize);
     std::fill_n(longer.begin() + kPageSize, kPageSize, std::uint8_t{0});
-    writeFile(m_path, longer);
-    const Bytes journal = bytesOf(m_journal);
+    const Bytes journal = m_disk[kJournal];
     EXPECT_EQ(errorOf([&] { open(true); }), ErrorCode::Damaged);
-    EXPECT_EQ(bytesOf(m_journal), journal) << "a reader changes nothing";
-    const auto kept = m_folder / "autoclava1.mdb.jrn.kept";
+    EXPECT_EQ(m_disk[kJournal], journal) << "a reader changes nothing";
+    const std::string kept = kJournal + ".kept";
     try {
         open();
         FAIL() << "a damaged file was opened";
     } catch (const Error &error) {
         EXPECT_EQ(error.code(), ErrorCode::Damaged);
-        EXPECT_NE(std::string(error.what()).find(displayName(kept)), std::string::npos)
-            << error.what();
+        EXPECT_NE(std::string(error.what()).find(kept), std::string::npos) << error.what();
     }
-    EXPECT_EQ(bytesOf(kept), journal);
+    EXPECT_EQ(m_disk[kept], journal);
     EXPECT_FALSE(errorOf([&] { open(); })) << "what is left can be looked at";
 }
 
 TEST_F(LeftOverJournal, ThatAnotherOpenerHasKeptMeanwhileIsNotCleared)
 {
-    const auto files = makeSystemFiles();
-    JournalFile journal(*files, m_path, unsynced());
+    const auto files = filesOf(m_disk);
+    JournalFile journal(*files, kFile, unsynced());
     EXPECT_TRUE(journal.hasStatement());
-    JournalFile(*files, m_path, unsynced()).keepAside();
+    JournalFile(*files, kFile, unsynced()).keepAside();
     EXPECT_FALSE(journal.read());
     journal.clear();
-    EXPECT_TRUE(std::filesystem::exists(m_folder / "autoclava1.mdb.jrn.kept"));
+    EXPECT_TRUE(m_disk.has(kJournal + ".kept"));
 }
 
 TEST_F(LeftOverJournal, AnotherFileOfItsNameIsKept)
 {
     open();
-    for (const char *kept : {"autoclava1.mdb.jrn.kept", "autoclava1.mdb.jrn.kept2"}) {
-        writeFile(m_journal, m_before);
+    for (const char *kept : {".kept", ".kept2"}) {
+        m_disk[kJournal] = m_before;
         EXPECT_EQ(open(true).table(u"Tabel").recordCount(), open().table(u"Tabel").recordCount());
-        EXPECT_EQ(bytesOf(m_journal), m_before) << "reading changes nothing";
-        Database database = open();
-        database.table(u"Tabel").deleteAll();
-        EXPECT_EQ(bytesOf(m_folder / kept), m_before);
+        EXPECT_EQ(m_disk[kJournal], m_before) << "reading changes nothing";
+        open().table(u"Tabel").deleteAll();
+        EXPECT_EQ(m_disk[kJournal + kept], m_before);
     }
 }
 
 TEST_F(LeftOverJournal, OfAnEarlierVersionIsFinished)
 {
-    Bytes journal = bytesOf(m_journal);
+    Bytes &journal = m_disk[kJournal];
     journal.erase(journal.begin(), journal.begin() + kStatementOffset);
     std::ranges::copy(kOldStatementMark, journal.begin());
     hashJournal(journal, 0);
-    writeFile(m_journal, journal);
     EXPECT_EQ(idsOf(open(true).table(u"Tabel").byIndex(u"IndexPrimar")).size(), 90U);
     EXPECT_EQ(findings(open()), "");
     open().table(u"Tabel").appendRow(sampleRow(91));
     EXPECT_EQ(open().table(u"Tabel").recordCount(), 91U);
 }
 
-TEST_F(LeftOverJournal, BelongsToTheFileWhateverNameOpensIt)
+class JournalOnDisk : public DatabaseFile
 {
+};
+
+TEST_F(JournalOnDisk, BelongsToTheFileWhateverNameOpensIt)
+{
+    makeTabel(m_path, 20);
     const auto backup = m_folder / "autoclava1.bak";
-    writeFile(backup, m_before);
+    std::filesystem::copy(m_path, backup);
+    interruptAppend(m_path, 21, 90);
     EXPECT_EQ(Database::open(backup).table(u"Tabel").recordCount(), 20U);
     std::error_code failure;
     std::filesystem::create_symlink(m_path, m_folder / "link.mdb", failure);

@@ -1,7 +1,5 @@
 #include "jet/format/page.h"
-#include "tests/jet/sample_database.h"
-
-#include <gtest/gtest.h>
+#include "tests/jet/new_database.h"
 
 // Files near the bounds of the format and of the disk. The length comes from a hole in the file:
 // its pages are free ones that take no room.
@@ -11,18 +9,15 @@ namespace jet
 namespace
 {
 
-class LargeFile : public testing::Test
+class LargeFile : public DatabaseFile
 {
 protected:
     Database withPages(PageNo count)
     {
-        {
-            Database database = Database::create(m_path, kSomeDay, unsynced());
-            database.createTable(
-                {u"T", {{u"Id", ColumnType::Long}, {u"Nume", ColumnType::Text}}, {}}, kSomeDay);
-        }
+        const TableDesign design{u"T", {{u"Id"}, {u"Nume", ColumnType::Text}}, {}};
+        Database::create(m_path, kSomeDay, unsynced(), {design});
         std::filesystem::resize_file(m_path, fileOffset(count));
-        return Database::open(m_path, unsynced());
+        return open();
     }
     /// Rows of which seven fill a page.
     static void append(Table table, std::int32_t rows)
@@ -30,9 +25,6 @@ protected:
         for (std::int32_t id = 1; id <= rows; ++id)
             table.appendRow({id, Text(255, u'ș')});
     }
-
-    TemporaryFolder m_folder;
-    std::filesystem::path m_path = m_folder / "t.mdb";
 };
 
 TEST_F(LargeFile, MapOfFreePagesOutgrowsItsPage)

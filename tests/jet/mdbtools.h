@@ -125,18 +125,13 @@ inline std::string exported(const Value &value)
         return text;
     }
     if (const DateTime *moment = std::get_if<DateTime>(&value)) {
-        using namespace std::chrono;
-        const auto seconds = static_cast<long long>(std::llround(moment->days * 86400));
-        const auto day = sys_days(year(1899) / 12 / 30) + days(seconds / 86400);
-        const year_month_day date(day);
-        const hh_mm_ss time(std::chrono::seconds(seconds % 86400));
-        std::snprintf(text, sizeof text, "\"%04d-%02u-%02u %02ld:%02ld:%02ld\"",
-                      static_cast<int>(date.year()), static_cast<unsigned>(date.month()),
-                      static_cast<unsigned>(date.day()), static_cast<long>(time.hours().count()),
-                      static_cast<long>(time.minutes().count()),
-                      static_cast<long>(time.seconds().count()));
-        return text;
+        const double day = std::floor(moment->days);
+        const double time = moment->days - day;
+        const std::string date = day == 0 ? "1899-12-30" : defaultText(DateTime{day});
+        return '"' + date + ' ' + (time == 0 ? "00:00:00" : defaultText(DateTime{time})) + '"';
     }
+    if (const Bytes *bytes = std::get_if<Bytes>(&value))
+        return '"' + std::string(bytes->begin(), bytes->end()) + '"';
     if (const Text *words = std::get_if<Text>(&value)) {
         std::string quoted = "\"";
         for (const char letter : toUtf8(*words))

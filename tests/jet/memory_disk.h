@@ -2,6 +2,7 @@
 
 #include "jet/file/file.h"
 
+#include <algorithm>
 #include <functional>
 #include <map>
 #include <memory>
@@ -16,41 +17,53 @@ namespace jet
 /// Files in memory that can be stopped in the middle: the program's end, a failing disk, a loss of
 /// power. Copies share nothing, so one state can be tried in many ways.
 struct MemoryDisk {
+    static constexpr std::size_t kSector = 512; ///< what a disk writes in one piece
+
     struct Change {
         std::uint64_t offset = 0;
-        Bytes bytes;
-        std::optional<std::uint64_t> newSize; ///< a resize instead of a write
+        Bytes bytes;                          ///< of one sector
+        std::optional<std::uint64_t> newSize; ///< a resize instead
     };
-    struct Entry {
-        Bytes content;               ///< what the program sees
+    struct Content {
+        Bytes bytes;                 ///< what programs see
         Bytes durable;               ///< what surely is on the disk
-        std::vector<Change> pending; ///< changes since the last sync
-        bool nameIsDurable = true;
+        std::vector<Change> pending; ///< since the last sync
+        bool madePrivate = false;
     };
-    /// A replaced name; the old state can come back until the folder is synced.
-    struct Renaming {
-        std::string from;
-        std::string to;
-        std::optional<Entry> replaced;
-    };
+    /// Which of the contents a name leads to.
+    using Names = std::map<std::string, std::size_t>;
     enum class Fault {
         None,
         Stop, ///< the operation is cut off and nothing happens any more
-        Fail, ///< the operation is cut off and fails, those after it work again
+        Fail, ///< the disk is full for this operation, those after it work again
     };
 
-    std::map<std::string, Entry> files;
-    std::map<std::string, Entry> removed; ///< until the folder is synced
-    std::vector<Renaming> renamings;      ///< likewise
+    std::vector<Content> contents;
+    Names names;
+    std::vector<Names> earlierNames; ///< since the folder was synced
+
     Fault fault = Fault::None;
-    ErrorCode failure = ErrorCode::DiskError;
     long faultAt = 0;          ///< number of the operation it hits
     std::size_t keptBytes = 0; ///< of a write that is hit
-    long operations = 0;       ///< writes, resizes, syncs and removals so far
+    long operations = 0;       ///< writes, resizes, syncs and changes of names so far
     std::size_t lastWrite = 0; ///< length of the write that was hit
     bool fired = false;
 
-    void setFault(Fault kind, long at, std::size_t kept)
+    // What others do at these moments.
+    std::function<void(const std::string &name)> onLook; ///< a file was opened or looked for
+    std::function<void(std::uint64_t offset)> onRead;
+
+    bool has(const std::string &name) const { return names.contains(name); }
+    /// What is in a file, which is made when missing.
+    Bytes &operator[](const std::string &name)
+    {
+        const auto [entry, isNew] = names.try_emplace(name, contents.size());
+        if (isNew)
+            contents.emplace_back();
+        return contents[entry->second].bytes;
+    }
+
+    void setFault(Fault kind, long at = 0, std::size_t kept = 0)
     {
         fault = kind;
         faultAt = at;
@@ -60,162 +73,150 @@ struct MemoryDisk {
         fired = false;
     }
 
-    /// True when the operation takes place whole; throws when it is hit.
-    void operation(const std::function<void()> &whole, const std::function<void()> &part)
+    /// Carries out an operation, of a write as many bytes as it is given; throws when it is hit.
+    template <typename Work>
+    void operation(Work &&work, std::size_t length = 0)
     {
         if (fault == Fault::Stop && fired)
             throw Error(ErrorCode::DiskError, "The program has ended.");
-        if (fault != Fault::None && ++operations == faultAt) {
-            fired = true;
-            part();
-            throw Error(failure, "The disk has failed.");
-        }
-        whole();
-    }
-
-    static void apply(Bytes &content, const Change &change)
-    {
-        if (change.newSize) {
-            content.resize(*change.newSize);
+        if (++operations != faultAt || fault == Fault::None) {
+            work(length);
             return;
         }
-        content.resize(std::max<std::size_t>(content.size(), change.offset + change.bytes.size()));
-        std::copy(change.bytes.begin(), change.bytes.end(),
-                  content.begin() + static_cast<std::ptrdiff_t>(change.offset));
+        fired = true;
+        lastWrite = length;
+        if (const std::size_t part = std::min(length, keptBytes); part > 0)
+            work(part);
+        if (fault == Fault::Fail)
+            throw Error(ErrorCode::DiskFull, "The disk is full.");
+        throw Error(ErrorCode::DiskError, "The program ends.");
+    }
+
+    template <typename Work>
+    void changeNames(Work &&work)
+    {
+        operation([&](std::size_t) {
+            earlierNames.push_back(names);
+            work();
+        });
+    }
+
+    static void apply(Bytes &bytes, const Change &change)
+    {
+        if (change.newSize) {
+            bytes.resize(*change.newSize);
+            return;
+        }
+        bytes.resize(std::max<std::size_t>(bytes.size(), change.offset + change.bytes.size()));
+        writeBytes(bytes, change.offset, change.bytes);
     }
 
     /// The program has gone, the disk keeps everything it was given.
     void endProgram()
     {
         fault = Fault::None;
-        removed.clear();
-        renamings.clear();
-        for (auto &[name, entry] : files) {
-            entry.durable = entry.content;
-            entry.pending.clear();
-            entry.nameIsDurable = true;
+        earlierNames.clear();
+        for (Content &content : contents) {
+            content.durable = content.bytes;
+            content.pending.clear();
         }
     }
 
-    /// Whether a sector that is written while the power goes may come out as anything.
-    enum class Sectors { Whole, Garbled };
-
-    /// The power has gone: of everything not synced, any sector may have been written or not.
-    void losePower(std::uint32_t seed, Sectors sectors = Sectors::Whole)
+    /// The power has gone: of what was not synced, any sector may have been written or not, with an
+    /// odd seed also garbled, and any name may have changed or not.
+    void losePower(std::uint32_t seed)
     {
         std::mt19937 random(seed);
-        const auto chance = [&] { return random() % 2 == 0; };
-        const auto garble = [&](Bytes &content, std::uint64_t offset) {
-            const std::uint64_t start = offset - offset % 512;
-            const std::uint64_t end = std::min<std::uint64_t>(content.size(), start + 512);
-            const bool zeros = chance();
-            for (std::uint64_t at = start; at < end; ++at)
-                content[at] = static_cast<std::uint8_t>(zeros ? 0 : random());
-        };
-        fault = Fault::None;
-        for (auto &[name, entry] : removed) {
-            if (chance())
-                files.try_emplace(name, entry);
-        }
-        removed.clear();
-        while (!renamings.empty() && chance()) {
-            Renaming last = std::move(renamings.back());
-            renamings.pop_back();
-            files[last.from] = std::move(files[last.to]);
-            files.erase(last.to);
-            if (last.replaced)
-                files[last.to] = std::move(*last.replaced);
-        }
-        renamings.clear();
-        std::erase_if(files,
-                      [&](const auto &file) { return !file.second.nameIsDurable && chance(); });
-        for (auto &[name, entry] : files) {
-            for (const Change &change : entry.pending) {
-                if (change.newSize) {
-                    if (chance())
-                        apply(entry.durable, change);
-                    continue;
-                }
-                for (std::size_t at = 0; at < change.bytes.size();) {
-                    const std::size_t length = std::min<std::size_t>(
-                        change.bytes.size() - at, 512 - (change.offset + at) % 512);
-                    const auto start = change.bytes.begin() + static_cast<std::ptrdiff_t>(at);
-                    if (chance())
-                        apply(entry.durable,
-                              {change.offset + at,
-                               Bytes(start, start + static_cast<std::ptrdiff_t>(length)),
-                               std::nullopt});
-                    if (sectors == Sectors::Garbled && random() % 4 == 0)
-                        garble(entry.durable, change.offset + at);
-                    at += length;
-                }
+        for (Content &content : contents) {
+            for (const Change &change : content.pending) {
+                if (random() % 2 == 0)
+                    apply(content.durable, change);
+                if (seed % 2 == 1 && !change.newSize && random() % 4 == 0)
+                    garble(content.durable, change.offset, random);
             }
-            entry.content = entry.durable;
-            entry.pending.clear();
-            entry.nameIsDurable = true;
+            content.bytes = content.durable;
         }
+        earlierNames.push_back(std::move(names));
+        names.clear();
+        for (const Names &state : earlierNames) {
+            for (const auto &entry : state) {
+                const Names &left = earlierNames[random() % earlierNames.size()];
+                if (const auto found = left.find(entry.first); found != left.end())
+                    names.insert(*found);
+            }
+        }
+        endProgram();
+    }
+
+private:
+    static void garble(Bytes &bytes, std::uint64_t offset, std::mt19937 &random)
+    {
+        const bool zeros = random() % 2 == 0;
+        const std::size_t start = offset / kSector * kSector;
+        for (std::size_t at = start; at < std::min(bytes.size(), start + kSector); ++at)
+            bytes[at] = static_cast<std::uint8_t>(zeros ? 0 : random());
     }
 };
 
 class MemoryFile final : public File
 {
 public:
-    MemoryFile(MemoryDisk &disk, std::string name) : m_disk(disk), m_name(std::move(name)) {}
+    MemoryFile(MemoryDisk &disk, std::size_t number) : m_disk(disk), m_number(number) {}
 
     std::size_t read(std::uint64_t offset, MutableBytes bytes) override
     {
-        const Bytes &content = entry().content;
-        if (offset >= content.size())
-            return 0;
-        const std::size_t length = std::min<std::size_t>(bytes.size(), content.size() - offset);
-        std::copy_n(content.begin() + static_cast<std::ptrdiff_t>(offset), length, bytes.begin());
+        const ByteView all(content().bytes);
+        const ByteView found = all.subspan(std::min<std::size_t>(offset, all.size()));
+        const std::size_t length = std::min(bytes.size(), found.size());
+        std::ranges::copy(found.first(length), bytes.begin());
+        if (m_disk.onRead)
+            m_disk.onRead(offset);
         return length;
     }
     void write(std::uint64_t offset, ByteView bytes) override
     {
         m_disk.operation(
-            [&] {
-                change({offset, Bytes(bytes.begin(), bytes.end()), {}});
+            [&](std::size_t length) {
+                for (std::size_t at = 0, part = 0; at < length; at += part) {
+                    constexpr std::size_t kSector = MemoryDisk::kSector;
+                    part = std::min(length - at, kSector - (offset + at) % kSector);
+                    const ByteView sector = bytes.subspan(at, part);
+                    change({offset + at, Bytes(sector.begin(), sector.end()), {}});
+                }
             },
-            [&] {
-                m_disk.lastWrite = bytes.size();
-                const ByteView kept = bytes.first(std::min(bytes.size(), m_disk.keptBytes));
-                if (!kept.empty())
-                    change({offset, Bytes(kept.begin(), kept.end()), {}});
-            });
+            bytes.size());
     }
-    std::uint64_t size() override { return entry().content.size(); }
+    std::uint64_t size() override { return content().bytes.size(); }
     void resize(std::uint64_t size) override
     {
-        m_disk.operation([&] { change({0, {}, size}); }, [] {});
+        m_disk.operation([&](std::size_t) { change({0, {}, size}); });
     }
     void sync() override
     {
-        m_disk.operation(
-            [&] {
-                entry().durable = entry().content;
-                entry().pending.clear();
-            },
-            [] {});
+        m_disk.operation([&](std::size_t) {
+            content().durable = content().bytes;
+            content().pending.clear();
+        });
     }
-    // Only one opener at a time, so the locks never have anybody to keep out.
+    // Openers follow each other, so the locks never have anybody to keep out.
     bool tryLock(LockPart, LockMode) override { return true; }
     void unlock(LockPart) override {}
     bool isNamed(const std::filesystem::path &path) override
     {
-        return path == m_name && m_disk.files.contains(m_name);
+        const auto entry = m_disk.names.find(path.string());
+        return entry != m_disk.names.end() && entry->second == m_number;
     }
 
 private:
-    MemoryDisk::Entry &entry() { return m_disk.files[m_name]; }
-    void change(const MemoryDisk::Change &change)
+    MemoryDisk::Content &content() { return m_disk.contents[m_number]; }
+    void change(MemoryDisk::Change change)
     {
-        MemoryDisk::apply(entry().content, change);
-        entry().pending.push_back(change);
+        MemoryDisk::apply(content().bytes, change);
+        content().pending.push_back(std::move(change));
     }
 
     MemoryDisk &m_disk;
-    std::string m_name;
+    std::size_t m_number;
 };
 
 class MemoryFileSystem final : public FileSystem
@@ -225,57 +226,47 @@ public:
 
     std::unique_ptr<File> open(const std::filesystem::path &path, Access access) override
     {
-        if (!exists(path)) {
+        const std::string name = path.string();
+        if (!m_disk.has(name)) {
             if (access == Access::Read || access == Access::Write)
-                throw Error(ErrorCode::FileNotFound, "Could not find file.");
-            m_disk.operation([&] { m_disk.files[path.string()].nameIsDurable = false; }, [] {});
+                throwFileNotFound(path);
+            m_disk.changeNames([&] { m_disk[name]; });
+            m_disk.contents.back().madePrivate = access == Access::CreatePrivate;
         } else if (access == Access::CreateNew || access == Access::CreatePrivate) {
-            throw Error(ErrorCode::FileExists, "The name is taken.");
+            throwFileExists(path);
         }
-        return std::make_unique<MemoryFile>(m_disk, path.string());
+        auto file = std::make_unique<MemoryFile>(m_disk, m_disk.names.at(name));
+        if (m_disk.onLook)
+            m_disk.onLook(name);
+        return file;
     }
     bool exists(const std::filesystem::path &path) override
     {
-        return m_disk.files.contains(path.string());
+        const bool found = m_disk.has(path.string());
+        if (m_disk.onLook)
+            m_disk.onLook(path.string());
+        return found;
     }
     void remove(const std::filesystem::path &path) override
     {
-        m_disk.operation(
-            [&] {
-                if (auto file = m_disk.files.extract(path.string()))
-                    m_disk.removed.insert(std::move(file));
-            },
-            [] {});
+        m_disk.changeNames([&] { m_disk.names.erase(path.string()); });
     }
     void replace(const std::filesystem::path &from, const std::filesystem::path &to) override
     {
-        m_disk.operation(
-            [&] {
-                auto replaced = m_disk.files.extract(to.string());
-                m_disk.files[to.string()] = std::move(m_disk.files[from.string()]);
-                m_disk.files.erase(from.string());
-                m_disk.renamings.push_back({from.string(), to.string(), {}});
-                if (replaced)
-                    m_disk.renamings.back().replaced = std::move(replaced.mapped());
-            },
-            [] {});
+        m_disk.changeNames([&] {
+            auto entry = m_disk.names.extract(from.string());
+            m_disk.names[to.string()] = entry.mapped();
+        });
     }
     void place(const std::filesystem::path &from, const std::filesystem::path &to) override
     {
-        if (exists(to))
-            throw Error(ErrorCode::FileExists, "The name is taken.");
+        if (m_disk.has(to.string()))
+            throwFileExists(to);
         replace(from, to);
     }
     void syncFolder(const std::filesystem::path &) override
     {
-        m_disk.operation(
-            [&] {
-                m_disk.removed.clear();
-                m_disk.renamings.clear();
-                for (auto &[name, entry] : m_disk.files)
-                    entry.nameIsDurable = true;
-            },
-            [] {});
+        m_disk.operation([&](std::size_t) { m_disk.earlierNames.clear(); });
     }
     std::unique_ptr<LockFile> openLock(const std::filesystem::path &, Access) override
     {

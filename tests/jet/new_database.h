@@ -7,8 +7,21 @@
 namespace jet
 {
 
-/// An empty database in a folder of its own.
-class NewDatabase : public testing::Test
+/// A place for a database in a folder of its own.
+class DatabaseFile : public testing::Test
+{
+protected:
+    Database open(bool readOnly = false) const
+    {
+        return Database::open(m_path, unsynced(readOnly));
+    }
+
+    TemporaryFolder m_folder;
+    const std::filesystem::path m_path = m_folder / "autoclava1.mdb";
+};
+
+/// An empty database there.
+class NewDatabase : public DatabaseFile
 {
 protected:
     Table make(const TableDesign &design) { return m_database.createTable(design, kSomeDay); }
@@ -18,8 +31,6 @@ protected:
         jet::inTransaction(m_database, std::forward<Work>(work));
     }
 
-    TemporaryFolder m_folder;
-    std::filesystem::path m_path = m_folder / "autoclava1.mdb";
     Database m_database = Database::create(m_path, kSomeDay, unsynced());
 };
 

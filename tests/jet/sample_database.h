@@ -16,26 +16,20 @@ namespace jet
 
 inline constexpr DateTime kSomeDay{46347.5};
 
-inline OpenOptions unsynced()
+inline OpenOptions unsynced(bool readOnly = false)
 {
-    OpenOptions options;
-    options.durability = Durability::Unsynced;
-    options.lockTimeout = std::chrono::milliseconds(20);
-    return options;
+    return {readOnly, Durability::Unsynced, std::chrono::milliseconds(20)};
 }
 
 /// Table Tabel as the station has it.
 inline TableDesign tabelDesign(const Text &name = u"Tabel")
 {
-    TableDesign design;
-    design.name = name;
-    design.columns.push_back({u"Id", ColumnType::Long});
+    TableDesign design{name, {{u"Id", ColumnType::Long}}, {{u"IndexPrimar", {{u"Id"}}, true}}};
     for (char16_t digit = u'1'; digit <= u'6'; ++digit)
         design.columns.push_back({Text(u"Senzor") + digit, ColumnType::Double});
     design.columns.push_back({u"Alarma", ColumnType::Text, 10});
     design.columns.push_back({u"Data", ColumnType::DateTime});
     design.columns.push_back({u"Ora", ColumnType::DateTime});
-    design.indexes.push_back({u"IndexPrimar", {{u"Id"}}, true});
     return design;
 }
 
@@ -93,15 +87,24 @@ inline Row everyRow()
 /// 200 columns of four types, whose definition takes several pages.
 inline TableDesign wideDesign(const Text &name)
 {
-    TableDesign design;
-    design.name = name;
+    TableDesign design{name, {}, {{u"Prima", {{u"Coloana cu nume lung 0"}}}}};
     const ColumnType types[] = {ColumnType::Integer, ColumnType::Text, ColumnType::Boolean,
                                 ColumnType::Double};
     for (std::size_t i = 0; i < 200; ++i)
         design.columns.push_back(
             {u"Coloana cu nume lung " + fromUtf8(std::to_string(i)), types[i % 4], 50});
-    design.indexes = {{u"Prima", {{design.columns[0].name}}}};
     return design;
+}
+
+inline void fillWide(Table table)
+{
+    const std::vector<ColumnDesign> columns = table.design().columns;
+    for (std::size_t row = 1; row <= 6; ++row) {
+        Assignments values;
+        for (std::size_t i = 0; i < columns.size(); i += row) // the others stay null
+            values.emplace_back(columns[i].name, static_cast<std::int32_t>(row * 1000 + i));
+        table.append(values);
+    }
 }
 
 /// A sample as the station stores it; each depends on its number, so that mixed-up rows show.
@@ -116,18 +119,69 @@ inline Row sampleRow(std::int32_t id)
     return row;
 }
 
-inline void appendSamples(Table &table, std::int32_t first, std::int32_t last)
+inline void appendSamples(Table table, std::int32_t first, std::int32_t last)
 {
     for (std::int32_t id = first; id <= last; ++id)
         table.appendRow(sampleRow(id));
 }
 
-/// Makes a database whose table has that many samples.
+/// Makes the table with that many samples.
+inline void makeTabel(Database &database, std::int32_t samples)
+{
+    appendSamples(database.createTable(tabelDesign(), kSomeDay), 1, samples);
+}
+
 inline void makeTabel(const std::filesystem::path &path, std::int32_t samples)
 {
     Database database = Database::create(path, kSomeDay, unsynced());
-    Table table = database.createTable(tabelDesign(), kSomeDay);
-    appendSamples(table, 1, samples);
+    makeTabel(database, samples);
+}
+
+/// Keys of two columns and of long texts, and values of any length.
+inline TableDesign notesDesign()
+{
+    return {u"Note",
+            {{u"Id", ColumnType::Long, 0, true},
+             {u"Nume", ColumnType::Text, 255},
+             {u"Data", ColumnType::DateTime},
+             {u"Text", ColumnType::Memo},
+             {u"Poza", ColumnType::Ole}},
+            {{u"Id", {{u"Id"}}, true}, {u"Cheie", {{u"Nume", true}, {u"Data"}}}}};
+}
+
+/// The lengths of a note's values: in the row, in a row of their own, in a chain of pages.
+inline std::size_t noteLength(int number)
+{
+    constexpr std::size_t lengths[] = {1, 31, 33, 62, 65, 500, 2038, 2039, 4074, 4077, 9000};
+    return lengths[static_cast<std::size_t>(number) % std::size(lengths)];
+}
+
+inline Assignments note(int number)
+{
+    const std::size_t length = noteLength(number);
+    return {{u"Nume", Text(static_cast<std::size_t>(number * 37 % 200), u'ă') + u"-'" +
+                          static_cast<char16_t>(u'!' + number % 90)},
+            {u"Data", DateTime{number * 1.5}},
+            {u"Text", Text(length, number % 2 == 0 ? u't' : u'ș')},
+            {u"Poza", Bytes(length, 'p')}};
+}
+
+inline void appendNotes(Table table, int first, int last)
+{
+    for (int number = first; number <= last; ++number)
+        table.append(note(number));
+}
+
+/// Gives each record but every third, which is deleted, what the note of the next number has.
+inline void changeNotes(const Table &table)
+{
+    Cursor cursor = table.records();
+    for (int number = 1; cursor.next(); ++number) {
+        if (number % 3 == 0)
+            cursor.erase();
+        else
+            cursor.update(note(number + 1));
+    }
 }
 
 /// Calls a function inside one transaction.
@@ -140,7 +194,7 @@ void inTransaction(Database &database, Work &&work)
 }
 
 /// Deletes the first record, and then each one that is `which` further.
-inline void eraseEvery(Table table, int which)
+inline void eraseEvery(const Table &table, int which)
 {
     Cursor cursor = table.records();
     for (int i = 0; cursor.next(); ++i) {

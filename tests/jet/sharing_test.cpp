@@ -1,11 +1,10 @@
 #include "jet/compact.h"
-#include "jet/store/new_database.h"
 #include "jet/store/session.h"
 
-#include "tests/jet/interrupted_append.h"
+#include "tests/jet/memory_database.h"
+#include "tests/jet/new_database.h"
 
-#include <fstream>
-#include <functional>
+#include <utility>
 
 // Several openers of one file, in this process and others.
 
@@ -14,21 +13,12 @@ namespace jet
 namespace
 {
 
-class Sharing : public testing::Test
+class Sharing : public DatabaseFile
 {
 protected:
     Sharing() { makeTabel(m_path, 20); }
 
-    Database open(bool readOnly = false) const
-    {
-        OpenOptions options = unsynced();
-        options.readOnly = readOnly;
-        return Database::open(m_path, options);
-    }
     bool exists(const char *name) const { return std::filesystem::exists(m_folder / name); }
-
-    TemporaryFolder m_folder;
-    std::filesystem::path m_path = m_folder / "autoclava1.mdb";
 };
 
 TEST_F(Sharing, OneWritesAtATimeAndNobodySeesHalf)
@@ -158,107 +148,6 @@ TEST_F(Sharing, NothingIsStoredInAFileThatHasLostItsName)
 }
 #endif
 
-/// Something happens right after a look at the change counter.
-class OvertakenFile final : public SystemFileBut
-{
-public:
-    OvertakenFile(std::unique_ptr<File> file, std::function<void()> &event)
-        : SystemFileBut(std::move(file)), m_event(event)
-    {
-    }
-
-    std::size_t read(std::uint64_t offset, MutableBytes bytes) override
-    {
-        const std::size_t length = SystemFileBut::read(offset, bytes);
-        if (offset == kChangeCounterOffset && m_event)
-            std::exchange(m_event, nullptr)();
-        return length;
-    }
-
-private:
-    std::function<void()> &m_event;
-};
-
-class OvertakenFiles final : public SystemFilesBut
-{
-public:
-    std::unique_ptr<File> open(const std::filesystem::path &path, Access access) override
-    {
-        return std::make_unique<OvertakenFile>(SystemFilesBut::open(path, access), event);
-    }
-
-    std::function<void()> event;
-};
-
-TEST_F(Sharing, ReadingOvertakenByAWriterStartsAgain)
-{
-    const auto files = std::make_shared<OvertakenFiles>();
-    const auto reader = Database::open(m_path, {.readOnly = true, .cachedPages = 2}, files);
-    const Table seen = reader.table(u"Tabel");
-    Database writer = open();
-    for (const std::uint32_t rows : {500U, 900U}) {
-        seen.recordCount();
-        files->event = [&] {
-            Table table = writer.table(u"Tabel");
-            const auto first = static_cast<std::int32_t>(table.recordCount()) + 1;
-            inTransaction(writer,
-                          [&] { appendSamples(table, first, static_cast<std::int32_t>(rows)); });
-        };
-        EXPECT_EQ(findings(reader), "") << "pages of two states would not fit together";
-        EXPECT_FALSE(files->event);
-        EXPECT_EQ(idsOf(seen.byIndex(u"IndexPrimar")).size(), rows);
-    }
-}
-
-TEST_F(Sharing, ValueOvertakenByAWriterIsNotLookedForInThePagesOfBefore)
-{
-    const auto files = std::make_shared<OvertakenFiles>();
-    const auto reader = Database::open(m_path, {.readOnly = true, .cachedPages = 1}, files);
-    const Table seen = reader.table(u"Tabel");
-    Cursor cursor = seen.byIndex(u"IndexPrimar");
-    ASSERT_TRUE(cursor.next());
-    seen.recordCount(); // leaves the map of the table's pages in memory
-    Database writer = open();
-    files->event = [&] {
-        writer.table(u"Tabel").deleteAll();
-        writer.createTable(tabelDesign(u"Alta"), kSomeDay).appendRow(sampleRow(1));
-    };
-    EXPECT_EQ(errorOf([&] { cursor.value(u"Id"); }), ErrorCode::RecordDeleted);
-    EXPECT_FALSE(files->event);
-}
-
-/// A reader who may make nothing in the folder.
-class FilesWithoutLockFile final : public SystemFilesBut
-{
-public:
-    std::unique_ptr<LockFile> openLock(const std::filesystem::path &, Access) override
-    {
-        return nullptr;
-    }
-};
-
-TEST_F(Sharing, ReaderWithoutALockFileSeesEveryChangeWhole)
-{
-    const auto reader =
-        Database::open(m_path, {.readOnly = true}, std::make_shared<FilesWithoutLockFile>());
-    const Table seen = reader.table(u"Tabel");
-    Cursor cursor = seen.records();
-    ASSERT_TRUE(cursor.next());
-    Database writer = open();
-    for (const std::int32_t last : {200, 450, 460}) {
-        Table table = writer.table(u"Tabel");
-        const auto first = static_cast<std::int32_t>(table.recordCount()) + 1;
-        inTransaction(writer, [&] { appendSamples(table, first, last); });
-        EXPECT_EQ(seen.recordCount(), static_cast<std::uint32_t>(last));
-        EXPECT_EQ(idsOf(seen.byIndex(u"IndexPrimar")).size(), static_cast<std::size_t>(last));
-        EXPECT_EQ(findings(reader), "");
-    }
-    std::size_t rest = 1;
-    while (cursor.next())
-        ++rest;
-    EXPECT_EQ(rest, 460U) << "a walk begun before";
-}
-
 TEST_F(Sharing, KilledWriterLosesNothingItReported)
 {
     long survived = 20;
@@ -275,16 +164,7 @@ TEST_F(Sharing, KilledWriterLosesNothingItReported)
     }
 }
 
-TEST_F(Sharing, OpenerThatSurvivesAStoppedWriterFinishesItsStatement)
-{
-    const Database survivor = open();
-    EXPECT_EQ(idsOf(survivor.table(u"Tabel").records()).size(), 20U);
-    interruptAppend(m_path, 21, 90);
-    EXPECT_EQ(idsOf(survivor.table(u"Tabel").records()).size(), 90U);
-    EXPECT_EQ(findings(survivor), "");
-}
-
-TEST_F(Sharing, FilesBesideTheDatabaseHaveItsRights)
+TEST_F(Sharing, FilesBesideTheDatabaseAndItsCompactionHaveItsRights)
 {
     const auto rightsOf = [&](const char *name) {
         return std::filesystem::status(m_folder / name).permissions();
@@ -292,80 +172,15 @@ TEST_F(Sharing, FilesBesideTheDatabaseHaveItsRights)
     using std::filesystem::perms;
     std::filesystem::permissions(m_path, perms::owner_read | perms::owner_write |
                                              perms::group_read | perms::group_write);
-    Database database = open();
-    database.table(u"Tabel").appendRow(sampleRow(21));
-    EXPECT_EQ(rightsOf("autoclava1.ldb"), rightsOf("autoclava1.mdb"));
-    EXPECT_EQ(rightsOf("autoclava1.mdb.jrn"), rightsOf("autoclava1.mdb"));
-}
-
-/// A compaction comes between the first look at a database and its lock.
-class CompactingFiles final : public SystemFilesBut
-{
-public:
-    std::unique_ptr<File> open(const std::filesystem::path &path, Access access) override
+    const perms rights = rightsOf("autoclava1.mdb");
     {
-        auto file = SystemFilesBut::open(path, access);
-        if (!std::exchange(m_isCompacted, true))
-            compactDatabase(path, kSomeDay);
-        return file;
+        Database database = open();
+        database.table(u"Tabel").appendRow(sampleRow(21));
+        EXPECT_EQ(rightsOf("autoclava1.ldb"), rights);
+        EXPECT_EQ(rightsOf("autoclava1.mdb.jrn"), rights);
     }
-
-private:
-    bool m_isCompacted = false;
-};
-
-/// Notes what others may do with files that have just been made.
-class FilesOfACurious final : public SystemFilesBut
-{
-public:
-    std::unique_ptr<File> open(const std::filesystem::path &path, Access access) override
-    {
-        auto file = SystemFilesBut::open(path, access);
-        if (access != Access::Write)
-            rights |= std::filesystem::status(path).permissions();
-        return file;
-    }
-
-    std::filesystem::perms rights{};
-};
-
-TEST_F(Sharing, DraftAndJournalAreNotReadByThoseWhoMayNotReadTheDatabase)
-{
-    using std::filesystem::perms;
-    std::filesystem::permissions(m_path, perms::owner_read | perms::owner_write);
-    const auto files = std::make_shared<FilesOfACurious>();
-    compactDatabase(m_path, kSomeDay, files); // and takes the journal away
-    Database::open(m_path, unsynced(), files).table(u"Tabel").appendRow(sampleRow(21));
-    EXPECT_EQ(files->rights, std::filesystem::status(m_path).permissions());
-}
-
-/// Another program makes a file after it was looked for.
-class FilesOfAnother final : public SystemFilesBut
-{
-public:
-    bool exists(const std::filesystem::path &path) override
-    {
-        return path.extension() != ".mdb" && SystemFilesBut::exists(path);
-    }
-};
-
-TEST_F(Sharing, NewDatabaseNeverTakesTheNameOfAnother)
-{
-    const Bytes before = bytesOf(m_path);
-    EXPECT_EQ(
-        errorOf([&] { makeNewDatabase(m_path, kSomeDay, std::make_shared<FilesOfAnother>()); }),
-        ErrorCode::FileExists);
-    EXPECT_EQ(bytesOf(m_path), before);
-    EXPECT_FALSE(exists("autoclava1.mdb.new"));
-}
-
-TEST_F(Sharing, OpenerThatWaitedForACompactionWritesToTheNewFile)
-{
-    {
-        Database waited = Database::open(m_path, unsynced(), std::make_shared<CompactingFiles>());
-        waited.table(u"Tabel").appendRow(sampleRow(21));
-    }
-    EXPECT_EQ(open().table(u"Tabel").recordCount(), 21U);
+    compactDatabase(m_path, kSomeDay);
+    EXPECT_EQ(rightsOf("autoclava1.mdb"), rights);
 }
 
 TEST_F(Sharing, ReadersGoBehindAWriterThatWaits)
@@ -378,34 +193,131 @@ TEST_F(Sharing, ReadersGoBehindAWriterThatWaits)
     EXPECT_EQ(reader.table(u"Tabel").recordCount(), 20U);
 }
 
-TEST_F(Sharing, CompactionKeepsWhatItDoesNotUnderstandAndRefusesDamage)
+TEST(SharedInMemory, ReadingOvertakenByAWriterStartsAgain)
 {
+    MemoryDisk disk = diskWithSamples(20);
+    const Database reader = openOn(disk, {.readOnly = true, .cachedPages = 2});
+    const Table seen = reader.table(u"Tabel");
+    Database writer = openOn(disk, unsynced());
+    bool isOvertaken = true;
+    std::int32_t rows = 20;
+    disk.onRead = [&](std::uint64_t offset) {
+        if (offset != kChangeCounterOffset || std::exchange(isOvertaken, true))
+            return;
+        inTransaction(writer, [&] { appendSamples(writer.table(u"Tabel"), rows + 1, rows + 400); });
+        rows += 400;
+    };
+    for (const std::size_t expected : {420U, 820U}) {
+        seen.recordCount();
+        isOvertaken = false;
+        EXPECT_EQ(findings(reader), "") << "pages of two states would not fit together";
+        EXPECT_EQ(idsOf(seen.byIndex(u"IndexPrimar")).size(), expected);
+    }
+}
+
+TEST(SharedInMemory, ValueOvertakenByAWriterIsNotLookedForInThePagesOfBefore)
+{
+    MemoryDisk disk = diskWithSamples(20);
+    const Database reader = openOn(disk, {.readOnly = true, .cachedPages = 1});
+    const Table seen = reader.table(u"Tabel");
+    Cursor cursor = seen.byIndex(u"IndexPrimar");
+    ASSERT_TRUE(cursor.next());
+    seen.recordCount(); // leaves the map of the table's pages in memory
+    Database writer = openOn(disk, unsynced());
+    bool isOvertaken = false;
+    disk.onRead = [&](std::uint64_t offset) {
+        if (offset != kChangeCounterOffset || std::exchange(isOvertaken, true))
+            return;
+        writer.table(u"Tabel").deleteAll();
+        writer.createTable(tabelDesign(u"Alta"), kSomeDay).appendRow(sampleRow(1));
+    };
+    EXPECT_EQ(errorOf([&] { cursor.value(u"Id"); }), ErrorCode::RecordDeleted);
+}
+
+TEST(SharedInMemory, ReaderWithoutALockFileSeesEveryChangeWhole)
+{
+    MemoryDisk disk = diskWithSamples(20);
+    const Database reader = openOn(disk, unsynced(true));
+    const Table seen = reader.table(u"Tabel");
+    Cursor cursor = seen.records();
+    ASSERT_TRUE(cursor.next());
+    Database writer = openOn(disk, unsynced());
+    Table table = writer.table(u"Tabel");
+    std::int32_t rows = 20;
+    for (const std::int32_t last : {200, 450, 460}) {
+        inTransaction(writer, [&] { appendSamples(table, std::exchange(rows, last) + 1, last); });
+        EXPECT_EQ(seen.recordCount(), static_cast<std::uint32_t>(last));
+        EXPECT_EQ(idsOf(seen.byIndex(u"IndexPrimar")).size(), static_cast<std::size_t>(last));
+        EXPECT_EQ(findings(reader), "");
+    }
+    EXPECT_EQ(idsOf(std::move(cursor)).size(), 459U) << "the rest of a walk begun before";
+}
+
+TEST(SharedInMemory, OpenerThatWaitedForACompactionWritesToTheNewFile)
+{
+    MemoryDisk disk = diskWithSamples(20);
+    bool isCompacted = false;
+    disk.onLook = [&](const std::string &) { // between the look at the database and its lock
+        if (!std::exchange(isCompacted, true))
+            compactDatabase(kFile, kSomeDay, filesOf(disk));
+    };
+    openOn(disk).table(u"Tabel").appendRow(sampleRow(21));
+    EXPECT_EQ(openOn(disk).table(u"Tabel").recordCount(), 21U);
+}
+
+TEST(SharedInMemory, NewDatabaseNeverTakesTheNameOfAnother)
+{
+    MemoryDisk disk;
+    const Bytes another{'a'};
+    disk.onLook = [&](const std::string &name) {
+        if (name == kJournal) // the last that is looked for
+            disk[kFile] = another;
+    };
+    EXPECT_EQ(errorOf([&] { makeNewDatabase(kFile, kSomeDay, filesOf(disk)); }),
+              ErrorCode::FileExists);
+    EXPECT_EQ(disk[kFile], another);
+    EXPECT_FALSE(disk.has(kFile + ".new"));
+}
+
+TEST_F(Sharing, DraftAndJournalAreNotReadByThoseWhoMayNotReadTheDatabase)
+{
+    MemoryDisk disk = diskWithSamples(20);
+    compactDatabase(kFile, kSomeDay, filesOf(disk));
+    EXPECT_TRUE(disk.contents[disk.names[kFile]].madePrivate);
+    openOn(disk).table(u"Tabel").appendRow(sampleRow(21));
+    EXPECT_TRUE(disk.contents[disk.names[kJournal]].madePrivate);
+    using std::filesystem::perms;
+    std::filesystem::permissions(m_path, perms::owner_read | perms::owner_write);
+    const auto files = makeSystemFiles();
+    const auto draft = m_folder / "draft";
+    files->open(draft, FileSystem::Access::CreatePrivate);
+    EXPECT_EQ(std::filesystem::status(draft).permissions(),
+              std::filesystem::status(m_path).permissions());
+    EXPECT_EQ(errorOf([&] { files->place(draft, m_path); }), ErrorCode::FileExists);
+}
+
+TEST(SharedInMemory, CompactionKeepsWhatItDoesNotUnderstandAndRefusesDamage)
+{
+    MemoryDisk disk = diskWithSamples(20);
     const Bytes properties{'M', 'R', '2', 0, 1, 2, 3};
     {
-        Session session(makeSystemFiles(), m_path, unsynced());
+        Session session(filesOf(disk), kFile, unsynced());
         session.begin();
         session.catalog().setProperties(u"Tabel", properties);
         session.commit();
     }
-    std::filesystem::permissions(m_path, std::filesystem::perms::owner_all);
-    const auto rights = std::filesystem::status(m_path).permissions();
-    compactDatabase(m_path, kSomeDay);
-    EXPECT_EQ(std::filesystem::status(m_path).permissions(), rights);
+    compactDatabase(kFile, kSomeDay, filesOf(disk));
     {
-        Session session(makeSystemFiles(), m_path, unsynced());
+        Session session(filesOf(disk), kFile, unsynced());
         Catalog &catalog = session.catalog();
         EXPECT_EQ(catalog.properties(*catalog.find(u"Tabel")), Value(properties));
     }
-    std::fstream file(m_path, std::ios::binary | std::ios::in | std::ios::out);
-    const auto count = static_cast<std::streamoff>(
-        fileOffset(
-            Session(makeSystemFiles(), m_path, {true}).catalog().find(u"Tabel")->definition) +
-        16);
-    file.seekp(count);
-    file.put(21); // rows: one more than there are
-    file.close();
-    EXPECT_EQ(errorOf([&] { compactDatabase(m_path, kSomeDay); }), ErrorCode::Damaged);
-    EXPECT_TRUE(std::filesystem::exists(m_path));
+    FileImage image(disk[kFile]);
+    image.page(image.definitionPage())[kRowCountOffset] = 21; // one more than there are
+    disk[kFile] = image.bytes();
+    EXPECT_EQ(errorOf([&] { compactDatabase(kFile, kSomeDay, filesOf(disk)); }),
+              ErrorCode::Damaged);
+    EXPECT_EQ(disk[kFile], image.bytes());
 }
 
 } // namespace

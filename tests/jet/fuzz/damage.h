@@ -1,8 +1,8 @@
 #pragma once
 
-#include "tests/jet/fuzz/shapes.h"
-#include "tests/jet/memory_disk.h"
+#include "tests/jet/memory_database.h"
 
+#include <map>
 #include <vector>
 
 // Damaged files for the fuzzer and for the tests: a sound database and bytes of it replaced.
@@ -11,16 +11,6 @@
 
 namespace jet
 {
-
-inline constexpr const char *kDamagedFile = "folder/damaged.mdb";
-inline constexpr const char *kDamagedJournal = "folder/damaged.mdb.jrn";
-
-inline MemoryDisk diskWith(const Bytes &content)
-{
-    MemoryDisk disk;
-    disk.files[kDamagedFile].content = content;
-    return disk;
-}
 
 /// Replaces bytes: each four bytes of `patches` are u24 offset, u8 new value.
 inline void damage(Bytes &content, ByteView patches)
@@ -32,110 +22,82 @@ inline void damage(Bytes &content, ByteView patches)
 template <typename Step>
 void ignoringErrors(Step &&step)
 {
-    try {
-        step();
-    } catch (const Error &) {
-        return;
-    }
+    static_cast<void>(errorOf(step));
 }
 
-inline void readEverything(const Database &database)
+inline void readEverything(const Table &table)
 {
-    ignoringErrors([&] { database.check(); });
-    for (const Text &name : database.tables()) {
-        ignoringErrors([&] { rowsOf(database.table(name).records()); });
-        ignoringErrors([&] {
-            const Table table = database.table(name);
-            for (const IndexDesign &index : table.design().indexes)
-                ignoringErrors([&] { rowsOf(table.byIndex(index.name, Order::Descending)); });
-            ignoringErrors([&] { rowsOf(table.sortedBy(table.design().columns.back().name)); });
-        });
-    }
+    ignoringErrors([&] { rowsOf(table.records()); });
+    for (const IndexDesign &index : table.design().indexes)
+        ignoringErrors([&] { rowsOf(table.byIndex(index.name, Order::Descending)); });
+    rowsOf(table.sortedBy(table.design().columns.back().name));
 }
 
-inline void changeEverything(Database &database)
+inline void changeEverything(Table table)
 {
-    for (const Text &name : database.tables()) {
+    const Text first = table.design().columns.front().name;
+    for (int i = 0; i < 3; ++i)
+        ignoringErrors([&] { table.append({{first, 100000 + i}}); });
+    Cursor cursor = table.records();
+    for (int i = 0; i < 20 && cursor.next(); ++i)
         ignoringErrors([&] {
-            Table table = database.table(name);
-            for (int i = 0; i < 3; ++i)
-                ignoringErrors([&] {
-                    table.append({{table.design().columns.front().name, 100000 + i}});
-                });
-            Cursor cursor = table.records();
-            for (int i = 0; i < 20 && cursor.next(); ++i)
-                ignoringErrors([&] {
-                    if (i % 2 == 0)
-                        cursor.erase();
-                    else
-                        cursor.update({{table.design().columns.front().name, 200000 + i}});
-                });
+            if (i % 2 == 0)
+                cursor.erase();
+            else
+                cursor.update({{first, 200000 + i}});
         });
-        ignoringErrors([&] { database.table(name).deleteAll(); });
-        ignoringErrors([&] { database.renameTable(name, name + u"2", kSomeDay); });
-        ignoringErrors([&] { database.dropTable(name + u"2"); });
-    }
-    ignoringErrors([&] { database.createTable(tabelDesign(u"Nou"), kSomeDay); });
 }
 
 /// Opens the file, reads all of it and then changes all of it.
 inline void exercise(MemoryDisk &disk)
 {
     ignoringErrors([&] {
-        Database database =
-            Database::open(kDamagedFile, unsynced(), std::make_unique<MemoryFileSystem>(disk));
-        readEverything(database);
-        changeEverything(database);
+        Database database = openOn(disk, unsynced());
+        ignoringErrors([&] { database.check(); });
+        for (const Text &name : database.tables())
+            ignoringErrors([&] { readEverything(database.table(name)); });
+        for (const Text &name : database.tables()) {
+            ignoringErrors([&] { changeEverything(database.table(name)); });
+            ignoringErrors([&] { database.table(name).deleteAll(); });
+            ignoringErrors([&] { database.renameTable(name, name + u"2", kSomeDay); });
+            ignoringErrors([&] { database.dropTable(name + u"2"); });
+        }
+        database.createTable(tabelDesign(u"Nou"), kSomeDay);
     });
 }
 
-/// A file as a stopped program leaves it, with part of an append in it and all of it in the
-/// journal.
-inline MemoryDisk interruptedDisk(const Bytes &content, long writes)
+/// A file as a stopped program leaves it.
+inline MemoryDisk interrupted(MemoryDisk disk)
 {
-    MemoryDisk disk = diskWith(content);
-    ignoringErrors([&] {
-        Database database =
-            Database::open(kDamagedFile, unsynced(), std::make_unique<MemoryFileSystem>(disk));
+    interrupt(disk, [](Database &database) {
         Table table = database.table(database.tables().front());
         const Row row = rowsOf(table.records()).back();
-        Transaction transaction(database);
         table.deleteAll();
         for (int i = 0; i < 40; ++i)
             ignoringErrors([&] { table.appendRow(row); });
-        disk.setFault(MemoryDisk::Fault::Stop, writes, 700);
-        transaction.commit();
     });
-    disk.endProgram();
     return disk;
 }
 
 /// What the fuzzer runs and the tests repeat: the number of a shape, from 128 on with a statement
 /// left in its journal, then patches, which reach from the end of the file on into the journal.
-inline void exerciseDamaged(const std::vector<Bytes> &shapes, ByteView input)
+inline void exerciseDamaged(const std::vector<MemoryDisk> &shapes, ByteView input)
 {
     if (input.empty())
         return;
     const std::size_t number = input.front() % 128 % shapes.size();
-    if (input.front() < 128) {
-        Bytes content = shapes[number];
-        damage(content, input.subspan(1));
-        MemoryDisk disk = diskWith(content);
-        exercise(disk);
-        return;
+    MemoryDisk disk = shapes[number];
+    if (input.front() >= 128) {
+        static std::map<std::size_t, MemoryDisk> made; // for millions of runs
+        disk = made.try_emplace(number, interrupted(disk)).first->second;
     }
-    static std::map<std::size_t, MemoryDisk> interrupted; // for millions of runs
-    const auto found = interrupted.try_emplace(number, interruptedDisk(shapes[number], 5)).first;
-    MemoryDisk disk = found->second;
-    Bytes &content = disk.files[kDamagedFile].content;
-    Bytes &journal = disk.files[kDamagedJournal].content;
-    const std::size_t size = content.size();
-    Bytes both = content;
-    appendBytes(both, journal);
+    Bytes both = disk[kFile];
+    const std::size_t size = both.size();
+    appendBytes(both, disk[kJournal]);
     damage(both, input.subspan(1));
-    std::copy_n(both.begin(), size, content.begin());
-    std::copy(both.begin() + static_cast<std::ptrdiff_t>(size), both.end(), journal.begin());
-    hashJournal(journal, kStatementOffset);
+    std::copy_n(both.begin(), size, disk[kFile].begin());
+    std::copy(both.begin() + static_cast<std::ptrdiff_t>(size), both.end(), disk[kJournal].begin());
+    hashJournal(disk[kJournal], kStatementOffset);
     exercise(disk);
 }
 
