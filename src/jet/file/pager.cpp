@@ -67,23 +67,40 @@ PageRef Pager::read(PageNo page)
     return load(page);
 }
 
+void Pager::readStart(PageNo page, MutableBytes start)
+{
+    if (m_changes.contains(page) || m_cache.find(page)) {
+        std::ranges::copy_n(read(page)->begin(), std::ssize(start), start.begin());
+        return;
+    }
+    if (m_inTransaction)
+        m_reliedOn.insert(page);
+    loadBytes(page, start);
+}
+
 std::shared_ptr<PageBuffer> Pager::load(PageNo page)
 {
     if (auto cached = m_cache.find(page))
         return cached;
+    auto content = std::make_shared<PageBuffer>();
+    loadBytes(page, *content);
+    m_cache.keep(page, content);
+    return content;
+}
+
+/// From where a page stands when it is not in memory.
+void Pager::loadBytes(PageNo page, MutableBytes start)
+{
     if (m_isGlancing)
         endGlance();
     if (page >= m_pageCount)
         throwDamaged("a reference leads to page " + std::to_string(page) +
                          " behind the end of the file",
                      page);
-    auto content = std::make_shared<PageBuffer>();
     if (const auto waiting = m_overlay.find(page); waiting != m_overlay.end())
-        *content = *waiting->second;
-    else if (m_file->read(fileOffset(page), *content) != kPageSize)
+        std::ranges::copy_n(waiting->second->begin(), std::ssize(start), start.begin());
+    else if (m_file->read(fileOffset(page), start) != start.size())
         throwDamaged("the file ends inside page " + std::to_string(page), page);
-    m_cache.keep(page, content);
-    return content;
 }
 
 PageBuffer &Pager::edit(PageNo page)

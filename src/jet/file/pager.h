@@ -51,6 +51,12 @@ public:
     /// The content of a page. Throws Error(Damaged) for a page behind the end of the file.
     PageRef read(PageNo page);
 
+    /// The first bytes of a page that is not worth keeping in memory. Throws as read() does.
+    void readStart(PageNo page, MutableBytes start);
+    /// Nothing the transaction has read on a page matters to it, as it gives the page back: after
+    /// an interruption the page may hold anything.
+    void disregard(PageNo page) { m_reliedOn.erase(page); }
+
     /// The page for changing; the reference stays valid until the transaction ends.
     PageBuffer &edit(PageNo page);
     /// A page of zeros behind the last one.
@@ -154,6 +160,7 @@ private:
     void syncIfWanted();
     void endTransaction();
     std::shared_ptr<PageBuffer> load(PageNo page);
+    void loadBytes(PageNo page, MutableBytes start);
     void forgetPages();
     void refreshPageCount();
 

@@ -58,11 +58,16 @@ void initDataPage(MutablePageBytes page, std::uint32_t owner)
     setFree(page);
 }
 
-void checkDataPage(PageBytes page, PageNo pageNo, std::uint32_t owner)
+void checkOwner(ByteView start, PageNo pageNo, std::uint32_t owner)
 {
-    if (!hasType(page, PageType::Data) || readU32(page, kOwnerOffset) != owner)
+    if (!hasType(start, PageType::Data) || readU32(start, kOwnerOffset) != owner)
         throwDamaged("page " + std::to_string(pageNo) + " does not hold the rows it should",
                      pageNo);
+}
+
+void checkDataPage(PageBytes page, PageNo pageNo, std::uint32_t owner)
+{
+    checkOwner(page, pageNo, owner);
     const std::size_t count = slotCount(page);
     if (count > kMaxSlots + 1 || lowestStart(page) < slotOffset(count))
         throwDamaged("the rows of page " + std::to_string(pageNo) + " overlap its slots", pageNo);

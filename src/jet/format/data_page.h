@@ -43,7 +43,11 @@ struct Slot {
 
 void initDataPage(MutablePageBytes page, std::uint32_t owner);
 
-/// Throws Error(Damaged) when the page is not a data page of this owner or its slots overlap.
+/// The bytes of a page that checkOwner() needs.
+inline constexpr std::size_t kOwnerEnd = 8;
+/// Throws Error(Damaged) when a page that starts like this is not a data page of this owner.
+void checkOwner(ByteView start, PageNo pageNo, std::uint32_t owner);
+/// The same, and when its slots overlap.
 void checkDataPage(PageBytes page, PageNo pageNo, std::uint32_t owner);
 
 std::size_t slotCount(PageBytes page);

@@ -28,9 +28,10 @@ enum class PageType : std::uint8_t {
     UsageBitmap = 5,
 };
 
-inline bool hasType(PageBytes page, PageType type)
+/// Of a page that starts with these bytes.
+inline bool hasType(ByteView start, PageType type)
 {
-    return page[0] == static_cast<std::uint8_t>(type) && page[1] == 1;
+    return start[0] == static_cast<std::uint8_t>(type) && start[1] == 1;
 }
 
 inline std::uint64_t fileOffset(PageNo page)

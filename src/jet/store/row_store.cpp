@@ -157,8 +157,12 @@ std::vector<PageNo> RowStore::clear()
     m_filling = 0;
     UsageMap owned(m_pager, m_owned);
     std::vector<PageNo> unused = owned.pages();
-    for (const PageNo number : unused)
-        page(number);
+    for (const PageNo number : unused) {
+        // Their rows do not matter any more, but no page of somebody else may be given back.
+        std::array<std::uint8_t, kOwnerEnd> start{};
+        m_pager.readStart(number, start);
+        checkOwner(start, number, m_owner);
+    }
     const auto alsoUnused = [&](const std::vector<PageNo> &pages) {
         unused.insert(unused.end(), pages.begin(), pages.end());
     };

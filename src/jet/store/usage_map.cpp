@@ -146,6 +146,7 @@ void PageAllocator::release(std::span<const PageNo> pages)
         if (page < kFirstAllocatablePage || page >= m_pager.pageCount())
             throwDamaged("page " + std::to_string(page) + " cannot be given back", page);
         setFree(page, true);
+        m_pager.disregard(page);
     }
 }
 
