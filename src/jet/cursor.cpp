@@ -79,16 +79,23 @@ bool Cursor::next()
 {
     if (m_place == Place::Before)
         return first();
-    return m_place == Place::On && (stepWithinPage() || step(true));
+    return m_place == Place::On && (stepUnchanged() || step(true));
 }
 
-/// Moves forward without reading the file while nothing has changed; false when the next record
-/// needs a read.
-bool Cursor::stepWithinPage()
+/// Moves forward while nothing has changed, without a lock where the pages are in memory; false when
+/// that does not lead to the next record.
+bool Cursor::stepUnchanged()
 {
     if (!m_forward || !m_moved.empty() || m_movedTo || !m_store || !m_session->isUnchanged() ||
-        m_structure != m_session->structure() || !m_walk->nextWithinPage(*m_store))
+        m_structure != m_session->structure())
         return false;
+    try {
+        const Pager::Glance glance(m_session->pager());
+        if (!m_walk->tryNext(*m_store))
+            return false;
+    } catch (const Pager::Overtaken &) {
+        return false;
+    }
     arrive(true, Place::After);
     return true;
 }

@@ -73,7 +73,7 @@ private:
     RowPointer current() const;
     StoredRow storedRow(const TableStore &table) const;
     bool step(bool forward);
-    bool stepWithinPage();
+    bool stepUnchanged();
     void beginPass(bool forward);
     void arrive(bool found, Place otherwise);
 

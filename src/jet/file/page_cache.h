@@ -16,6 +16,8 @@ class PageCache
 public:
     explicit PageCache(std::size_t capacity) : m_capacity(capacity) {}
 
+    std::size_t capacity() const { return m_capacity; }
+
     /// Null when the page is not kept.
     std::shared_ptr<PageBuffer> find(PageNo page)
     {

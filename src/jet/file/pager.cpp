@@ -1,6 +1,7 @@
 #include "jet/file/pager.h"
 
 #include <algorithm>
+#include <cstring>
 #include <utility>
 
 namespace jet
@@ -75,6 +76,7 @@ void Pager::readStart(PageNo page, MutableBytes start)
     }
     if (m_inTransaction)
         m_reliedOn.insert(page);
+    requirePage(page);
     loadBytes(page, start);
 }
 
@@ -82,14 +84,46 @@ std::shared_ptr<PageBuffer> Pager::load(PageNo page)
 {
     if (auto cached = m_cache.find(page))
         return cached;
+    requirePage(page);
+    if (const PageNo run = runFrom(page); run > 1)
+        return loadRun(page, run);
     auto content = std::make_shared<PageBuffer>();
     loadBytes(page, *content);
     m_cache.keep(page, content);
     return content;
 }
 
-/// From where a page stands when it is not in memory.
-void Pager::loadBytes(PageNo page, MutableBytes start)
+/// How many pages to read together: ever more while they are asked for one after the other.
+PageNo Pager::runFrom(PageNo page)
+{
+    constexpr PageNo kLongest = 16;
+    constexpr PageNo kGap = 4; // pages of an index lie between those of its table
+    const bool goesOn = page > m_readUpTo && page - m_readUpTo <= kGap && m_overlay.empty();
+    const PageNo pagesInFile = m_inTransaction ? m_pageCountBefore : m_pageCount;
+    const auto fewOfAll = static_cast<PageNo>(m_cache.capacity() / 8);
+    m_run = goesOn ? std::min({2 * m_run, kLongest, fewOfAll, pagesInFile - page}) : 1;
+    m_run = std::max<PageNo>(m_run, 1);
+    m_readUpTo = page + m_run - 1;
+    return m_run;
+}
+
+/// Reads pages with one call and keeps those that were not in memory; the first one of them.
+std::shared_ptr<PageBuffer> Pager::loadRun(PageNo first, PageNo count)
+{
+    Bytes bytes(count * kPageSize);
+    loadBytes(first, bytes);
+    std::shared_ptr<PageBuffer> result;
+    for (PageNo page = first + count; page-- > first;) {
+        if (page != first && m_cache.find(page))
+            continue;
+        result = std::make_shared<PageBuffer>();
+        std::memcpy(result->data(), bytes.data() + fileOffset(page - first), kPageSize);
+        m_cache.keep(page, result);
+    }
+    return result;
+}
+
+void Pager::requirePage(PageNo page)
 {
     if (m_isGlancing)
         endGlance();
@@ -97,6 +131,11 @@ void Pager::loadBytes(PageNo page, MutableBytes start)
         throwDamaged("a reference leads to page " + std::to_string(page) +
                          " behind the end of the file",
                      page);
+}
+
+/// From where a page stands when it is not in memory.
+void Pager::loadBytes(PageNo page, MutableBytes start)
+{
     if (const auto waiting = m_overlay.find(page); waiting != m_overlay.end())
         std::ranges::copy_n(waiting->second->begin(), std::ssize(start), start.begin());
     else if (m_file->read(fileOffset(page), start) != start.size())

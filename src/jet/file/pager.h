@@ -161,6 +161,9 @@ private:
     void endTransaction();
     std::shared_ptr<PageBuffer> load(PageNo page);
     void loadBytes(PageNo page, MutableBytes start);
+    void requirePage(PageNo page);
+    PageNo runFrom(PageNo page);
+    std::shared_ptr<PageBuffer> loadRun(PageNo first, PageNo count);
     void forgetPages();
     void refreshPageCount();
 
@@ -186,6 +189,8 @@ private:
     bool m_mustLook = true; ///< what is in memory may not be what is in the file
 
     PageCache m_cache;
+    PageNo m_readUpTo = 0; ///< the last page that was read from the file
+    PageNo m_run = 1;      ///< pages that were read together then
     /// Pages of a journal that a read-only opener may not apply.
     std::map<PageNo, PageRef> m_overlay;
     std::unordered_map<PageNo, ChangedPage> m_changes;

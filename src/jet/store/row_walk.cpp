@@ -19,23 +19,10 @@ public:
     {
         return settle(table, table.rows().previous({0xFFFFFF, 0xFF}));
     }
-    bool next(const TableStore &table) override
+    bool next(const TableStore &table) override { return tryNext(table); }
+    bool tryNext(const TableStore &table) override
     {
         return nextWithinPage(table) || settle(table, table.rows().next(behind(m_row)));
-    }
-    bool nextWithinPage(const TableStore &table) override
-    {
-        if (!isCurrent(table))
-            return false;
-        for (std::size_t slot = m_row.row + std::size_t{1}; slot < slotCount(*m_page); ++slot) {
-            const Slot found = slotAt(*m_page, m_row.page, slot);
-            if (!found.isRow())
-                continue;
-            m_slot = found;
-            m_row.row = static_cast<std::uint8_t>(slot);
-            return true;
-        }
-        return false;
     }
     bool previous(const TableStore &table) override
     {
@@ -57,13 +44,28 @@ private:
     {
         return m_page != nullptr && m_version == table.pager().version();
     }
+    bool nextWithinPage(const TableStore &table)
+    {
+        if (!isCurrent(table))
+            return false;
+        for (std::size_t slot = m_row.row + std::size_t{1}; slot < slotCount(*m_page); ++slot) {
+            const Slot found = slotAt(*m_page, m_row.page, slot);
+            if (!found.isRow())
+                continue;
+            m_slot = found;
+            m_row.row = static_cast<std::uint8_t>(slot);
+            return true;
+        }
+        return false;
+    }
     bool settle(const TableStore &table, std::optional<RowPointer> found)
     {
         if (!found)
             return false;
+        PageRef page = table.rows().page(found->page);
+        m_slot = slotAt(*page, found->page, found->row);
         m_row = *found;
-        m_page = table.rows().page(m_row.page);
-        m_slot = slotAt(*m_page, m_row.page, m_row.row);
+        m_page = std::move(page);
         m_version = table.pager().version();
         return true;
     }

@@ -19,8 +19,8 @@ public:
     virtual bool first(const TableStore &table) = 0;
     virtual bool last(const TableStore &table) = 0;
     virtual bool next(const TableStore &table) = 0;
-    /// The same if it needs no read of the file; otherwise returns false and does not move.
-    virtual bool nextWithinPage(const TableStore &) { return false; }
+    /// The same for a walk that does not move when this throws or finds no row; false for the others.
+    virtual bool tryNext(const TableStore &) { return false; }
     virtual bool previous(const TableStore &table) = 0;
     virtual RowPointer row() const = 0;
     /// The bytes of the current row. Throws Error(RecordDeleted).
