@@ -61,7 +61,7 @@ void Table::appendRow(Row values)
         if (values.size() != columns.size())
             throw Error(ErrorCode::InvalidArgument, "A record needs one value for every column.");
         for (std::size_t column = 0; column < columns.size(); ++column)
-            values[column] = columnValue(values[column], columns[column]);
+            makeColumnValue(values[column], columns[column]);
         table.insert(std::move(values));
     });
 }

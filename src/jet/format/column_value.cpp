@@ -1,8 +1,11 @@
 #include "jet/format/column_value.h"
 
+#include "jet/format/date_time_text.h"
 #include "jet/format/numeric.h"
 #include "jet/format/value_access.h"
 #include "jet/value_conversion.h"
+
+#include <cmath>
 
 namespace jet
 {
@@ -27,6 +30,25 @@ bool isTooLong(const Value &value, const ColumnDefinition &column)
     return bytes != nullptr && bytes->size() > column.length;
 }
 
+/// For the types that samples are made of; false says nothing.
+bool isColumnValue(const Value &value, const ColumnDefinition &column)
+{
+    switch (column.type) {
+    case ColumnType::Long:
+        return std::holds_alternative<std::int32_t>(value);
+    case ColumnType::Double: {
+        const auto *number = std::get_if<double>(&value);
+        return number != nullptr && std::isfinite(*number);
+    }
+    case ColumnType::DateTime: {
+        const auto *moment = std::get_if<DateTime>(&value);
+        return moment != nullptr && isInRange(*moment);
+    }
+    default:
+        return false;
+    }
+}
+
 } // namespace
 
 Value columnValue(const Value &value, const ColumnDefinition &column)
@@ -37,6 +59,12 @@ Value columnValue(const Value &value, const ColumnDefinition &column)
     if (isTooLong(converted, column))
         throwValueTooLong();
     return converted;
+}
+
+void makeColumnValue(Value &value, const ColumnDefinition &column)
+{
+    if (!isColumnValue(value, column))
+        value = columnValue(value, column);
 }
 
 } // namespace jet

@@ -10,5 +10,7 @@ namespace jet
 /// convertValue(), and must fit. Throws Error(TypeConversion), also for a number with too many
 /// digits, and Error(ValueTooLong) for a text or binary that is too long.
 Value columnValue(const Value &value, const ColumnDefinition &column);
+/// The same in place, which is faster where there is nothing to convert.
+void makeColumnValue(Value &value, const ColumnDefinition &column);
 
 } // namespace jet
