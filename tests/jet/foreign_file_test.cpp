@@ -226,6 +226,15 @@ TEST_F(ForeignFile, ColumnDroppedAndColumnsAddedLater)
     EXPECT_EQ(mdbExport(m_path, "T"), "1,\"nnnnnnnn\",\"scurt\",1\n2,\"nnnnnnnn\",,0\n");
 }
 
+TEST_F(ForeignFile, DeletingAllRowsGivesNoPageOfAnotherOwnerBack)
+{
+    make(twoColumns(false), 2);
+    load();
+    m_image.setMapBit(m_image.definition().ownedPages, m_image.definitionPage(), true);
+    save();
+    EXPECT_EQ(errorOf([&] { open().table(u"T").deleteAll(); }), ErrorCode::Damaged);
+}
+
 TEST_F(ForeignFile, CompressedLeafFullerThanThreeOfOurs)
 {
     constexpr std::int32_t kRows = 598;
