@@ -105,8 +105,9 @@ ChangeCounter counterOf(PageBytes headerPage)
 
 void countChange(MutablePageBytes page, std::uint16_t salt)
 {
-    std::uint32_t number = page[kChangeCounterOffset] | page[kChangeCounterOffset + 2] << 8;
-    number = ((number + 1) & 0xFFFF) | std::uint32_t{salt} << 16;
+    const std::uint32_t low = page[kChangeCounterOffset];
+    const std::uint32_t high = page[kChangeCounterOffset + 2];
+    const std::uint32_t number = ((low | high << 8) + 1) % 0x10000 | std::uint32_t{salt} << 16;
     for (std::size_t i = 0; i < 4; ++i)
         writeU16(page, kChangeCounterOffset + 2 * i,
                  static_cast<std::uint16_t>(0x0100 | ((number >> (8 * i)) & 0xFF)));
