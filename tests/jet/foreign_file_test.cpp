@@ -228,8 +228,7 @@ TEST_F(ForeignFile, ColumnDroppedAndColumnsAddedLater)
 
 TEST_F(ForeignFile, DeletingAllRowsGivesNoPageOfAnotherOwnerBack)
 {
-    make(twoColumns(false), 2);
-    load();
+    make(2);
     m_image.setMapBit(m_image.definition().ownedPages, m_image.definitionPage(), true);
     save();
     EXPECT_EQ(errorOf([&] { open().table(u"T").deleteAll(); }), ErrorCode::Damaged);
