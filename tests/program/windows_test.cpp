@@ -159,6 +159,8 @@ TEST_F(WindowsTest, EveryMenuItemHasItsEffect)
         const QWidget *inFront = program->window().activeChild();
         escapeDialogs();
         EXPECT_EQ(program->window().activeChild(), inFront) << row.item;
+        const QWidget *focus = program->window().focusWidget();
+        EXPECT_TRUE(focus == inFront || inFront->isAncestorOf(focus)) << row.item;
     }
     EXPECT_FALSE(child<QDialog>("frmAbout")) << "is gone once it is closed";
     EXPECT_EQ(folder.config(), shipped);
