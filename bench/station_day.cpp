@@ -6,7 +6,7 @@
 
 #include "bench/process_memory.h"
 #include "bench/report.h"
-#include "tests/support/simulated_station.h"
+#include "bench/simulated_station.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>

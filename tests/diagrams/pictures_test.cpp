@@ -5,8 +5,7 @@
 #include "tests/diagrams/diagrams_rig.h"
 #include "tests/jet/mdbtools.h"
 #include "tests/support/controls.h"
-#include "tests/support/fake_printers.h"
-#include "tests/support/fake_shell.h"
+#include "tests/support/fake_desktop.h"
 
 #include <QDir>
 #include <QLabel>

@@ -6,29 +6,14 @@
 #include "storage/storage_file.h"
 #include "storage/tabel.h"
 #include "tests/support/controls.h"
+#include "tests/support/fake_desktop.h"
 #include "tests/support/fake_operator.h"
-#include "tests/support/fake_printers.h"
-#include "tests/support/fake_shell.h"
 #include "tests/support/joined_line.h"
 #include "tests/support/station_folder.h"
+#include "tests/support/test_time.h"
 #include "tools/trm10c_simulator/recorder_simulation.h"
 
-#include <QElapsedTimer>
 #include <QMenuBar>
-
-/// Goes like the system's clock, but on a day of its own and far from midnight.
-class MorningClock final : public Clock
-{
-public:
-    MorningClock() { m_watch.start(); }
-    QDateTime now() const override
-    {
-        return wallTime(QDate(2026, 3, 7), QTime(9, 5)).addMSecs(m_watch.elapsed());
-    }
-
-private:
-    QElapsedTimer m_watch;
-};
 
 /// The whole program on a simulated recorder: real windows, real line, real files.
 class ProgramRig : public ::testing::Test
@@ -82,7 +67,7 @@ protected:
         return database.table(tabel::kName).recordCount();
     }
 
-    MorningClock clock;
+    TestTime clock;
     QObject timers;
     QtScheduler scheduler{timers};
     StationFolder folder;

@@ -1,4 +1,4 @@
-#include "tests/support/simulated_station.h"
+#include "bench/simulated_station.h"
 #include "storage/storage_file.h"
 #include "storage/tabel.h"
 

@@ -1,8 +1,24 @@
 #pragma once
 
 #include "platform/printers.h"
+#include "platform/runtime_error.h"
+#include "platform/shell.h"
 
 #include <QStringList>
+
+/// Records what was opened.
+class FakeShell final : public Shell
+{
+public:
+    void open(const QString &path, Window window) override
+    {
+        if (fails)
+            throw RuntimeError(RuntimeError::FileNotFound);
+        opened += path + (window == Window::Minimised ? " minimised" : "");
+    }
+    QStringList opened;
+    bool fails = false;
+};
 
 /// No printers, unless a test lists some. Choosing one in the dialog makes it the default, as some
 /// systems do.
