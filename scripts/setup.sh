@@ -3,7 +3,7 @@
 
 build_packages=(ccache cmake g++ ninja-build qt6-base-dev qt6-serialport-dev libcups2-dev
                 libqcustomplot-dev pandoc)
-test_packages=(catdoc cups-daemon libgmock-dev libgtest-dev mdbtools poppler-utils)
+test_packages=(catdoc libgmock-dev libgtest-dev mdbtools poppler-utils)
 bench_packages=(libqt6opengl6-dev libsqlite3-dev qt6-charts-dev)
 
 as_root() {

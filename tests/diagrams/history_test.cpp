@@ -119,24 +119,7 @@ TEST_F(HistoryDiagramsTest, LoadTakesLimitsAndNamesFromTheSettings)
     EXPECT_EQ(history.chart(1).valueAxisMaximum(), -4) << "behind it";
 }
 
-TEST_F(HistoryDiagramsTest, ADayIsDrawnWithThePresentAlarmLimits)
-{
-    writeDay(301);
-    station.Diagrame[0].alarma_minim = 31;
-    station.Diagrame[1].alarma_maxim = 77;
-    history.load();
-    EXPECT_EQ(history.genereaza_diagrame({kArchive}), "");
-    expectDay(301);
-    EXPECT_EQ(valueAt(history.chart(0), 4, 301), 31);
-    EXPECT_EQ(valueAt(history.chart(1), 5, 1), 77);
-    EXPECT_EQ(history.chartWidths(), (std::array{15351.0, 15351.0}));
-    EXPECT_EQ(history.pointText(1, 3, 301), "T6 = 63,01\r\n07.03.2026 00:05:01");
-
-    history.unload();
-    expectCleared();
-}
-
-TEST_F(HistoryDiagramsTest, ForeignTablesShowTheSameDay)
+TEST_F(HistoryDiagramsTest, ForeignTablesShowTheSameDayWithThePresentAlarmLimits)
 {
     // Other order, other types, no Id for the last ones; records not in the order of their Id.
     jet::TableDesign table = tabel::design();
@@ -153,9 +136,17 @@ TEST_F(HistoryDiagramsTest, ForeignTablesShowTheSameDay)
         records.back()[1].second = jet::Text(u"07.03.2026");
     }
     writeArchive(table, records);
+    station.Diagrame[0].alarma_minim = 31;
+    station.Diagrame[1].alarma_maxim = 77;
+    history.load();
     EXPECT_EQ(history.genereaza_diagrame({kArchive}), "");
     expectDay(3);
-    EXPECT_TRUE(history.pointText(0, 1, 2).endsWith("07.03.2026 00:00:02"));
+    EXPECT_EQ(valueAt(history.chart(0), 4, 3), 31);
+    EXPECT_EQ(valueAt(history.chart(1), 5, 1), 77);
+    EXPECT_EQ(history.pointText(1, 3, 2), "T6 = 60,02\r\n07.03.2026 00:00:02");
+
+    history.unload();
+    expectCleared();
 }
 
 TEST_F(HistoryDiagramsTest, WhatWasNotStoredIsAGap)

@@ -14,10 +14,6 @@
 #include <QPrinter>
 #include <QRegularExpression>
 
-#ifndef Q_OS_WIN
-#include "tests/diagrams/print_service.h"
-#endif
-
 namespace
 {
 
@@ -183,21 +179,3 @@ TEST_F(PrintingTest, APdfHoldsThePage)
     EXPECT_EQ(op.told, QStringList("482 Printer error"));
     EXPECT_EQ(op.lastIcon, Operator::Icon::Critical);
 }
-
-#ifndef Q_OS_WIN // where the spooler takes every document
-TEST_F(PrintingTest, AQueueThatTakesNoJobsIsTold)
-{
-    const PrintService service;
-    ASSERT_TRUE(service.isThere());
-    op.meanwhile = [this] { expectAllPutBack(); };
-    for (const auto &[queue, told] :
-         {std::pair("Takes", QStringList()), {"Refuses", {"482 Printer error"}}}) {
-        auto printer = std::make_unique<QPrinter>();
-        printer->setPrinterName(QLatin1String(queue));
-        ASSERT_EQ(printer->printerName(), queue);
-        printers.next = printJobOn(std::move(printer));
-        print();
-        EXPECT_EQ(op.told, told) << queue;
-    }
-}
-#endif
