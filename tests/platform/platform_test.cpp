@@ -6,11 +6,9 @@
 #include "platform/runtime_error.h"
 
 #include <QDateTime>
-#include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
 #include <cmath>
-#include <future>
 #include <gtest/gtest.h>
 
 TEST(NumericText, LeadingNumberReadsWhatCanContinueIt)
@@ -105,26 +103,4 @@ TEST(DurableFile, IsCopiedWhole)
     QFile copied(copy);
     ASSERT_TRUE(copied.open(QIODevice::ReadOnly));
     EXPECT_TRUE(copied.readAll() == day);
-}
-
-TEST(DurableFile, IsReplacedAlthoughAScannerLooksIntoItForAMoment)
-{
-    const QTemporaryDir folder;
-    const QString path = folder.filePath(QStringLiteral("config.ini"));
-    replaceFile(path, "old");
-    QFile scanner(path);
-    ASSERT_TRUE(scanner.open(QIODevice::ReadOnly));
-    // It goes when the new file lies beside the old one, or the old one has been replaced.
-    const auto look = std::async(std::launch::async, [&] {
-        while (QDir(folder.path()).entryList(QDir::Files).size() < 2 &&
-               QFileInfo(path).size() == 3) {
-        }
-        scanner.close();
-    });
-    replaceFile(path, "newer");
-    look.wait();
-    QFile replaced(path);
-    ASSERT_TRUE(replaced.open(QIODevice::ReadOnly));
-    EXPECT_EQ(replaced.readAll(), "newer");
-    EXPECT_EQ(QDir(folder.path()).entryList(QDir::Files).size(), 1);
 }
