@@ -1,6 +1,6 @@
 #include "dialogs/diagram_options.h"
 #include "storage/storage_names.h"
-#include "tests/dialogs/dialog_rig.h"
+#include "tests/diagrams/diagrams_rig.h"
 
 namespace
 {
@@ -9,11 +9,12 @@ constexpr auto kLimits = OptionTab::GraphLimits;
 constexpr auto kAlarms = OptionTab::Alarms;
 constexpr auto kScan = OptionTab::ScanOptions;
 
-class Options : public DialogRig
+class Options : public DiagramsRig
 {
 protected:
     Options()
     {
+        load(live);
         for (const OptionTab tab : {kLimits, kAlarms, kScan})
             options.afiseaza_tab(tab, boxes);
     }
@@ -118,21 +119,21 @@ TEST_F(Options, AllTabsStopAtTheFirstRefusedOne)
     EXPECT_EQ(boxes.Scan, "1");
 }
 
-TEST_F(Options, SaveWritesTheTabAndRestoreBringsItBackByteForByte)
+TEST_F(Options, SaveWritesTheTabAndRestoreBringsItBack)
 {
     boxes.Scan = "5";
     boxes.NumeMdb = {"date", "a,b", "b", "b"};
-    QByteArray expected = configWith(
-        {"Diagrama1.interval_scanare =,5", "Diagrama2.interval_scanare =,5",
-         "Diagrama1.masura_interval =,0", "Diagrama2.masura_interval =,0", "NumeFisier1 =,date.mdb",
-         "NumeFisier2 =,a,b.mdb", "NumeFisier3 =,b.mdb", "NumeFisier4 =,b.mdb"});
     options.saveDefaults(kScan, boxes);
-    EXPECT_EQ(folder.config(), expected);
-
     boxes.AlarmInf = "x"; // refused: what is in memory is saved all the same
-    expected = configWith({"Diagrama2.alarma_minim =,10", "Diagrama2.alarma_maxim =,138"});
     options.saveDefaults(kAlarms, boxes);
-    EXPECT_EQ(folder.config(), expected);
+    const QByteArray saved = folder.config();
+    EXPECT_TRUE(saved.startsWith(
+        "Diagrama2.alarma_minim =,10\r\nDiagrama2.alarma_maxim =,138\r\n"
+        "Diagrama1.interval_scanare =,5\r\nDiagrama2.interval_scanare =,5\r\n"
+        "Diagrama1.masura_interval =,0\r\nDiagrama2.masura_interval =,0\r\n"
+        "NumeFisier1 =,date.mdb\r\nNumeFisier2 =,a,b.mdb\r\nNumeFisier3 =,b.mdb\r\n"
+        "NumeFisier4 =,b.mdb\r\n"))
+        << saved.toStdString();
 
     for (Diagrama &diagram : station.Diagrame)
         diagram.interval_scanare = diagram.masura_interval = 3;
@@ -149,7 +150,7 @@ TEST_F(Options, SaveWritesTheTabAndRestoreBringsItBackByteForByte)
     }
     EXPECT_EQ(boxes.MasuraTimp, 0);
     EXPECT_EQ(boxes.NumeMdb, (std::array<QString, 4>{"date.mdb", "a", "b.mdb", "b.mdb"}));
-    EXPECT_EQ(folder.config(), expected);
+    EXPECT_EQ(folder.config(), saved);
 }
 
 TEST_F(Options, RestoreOfALackingTabKeepsTheRunningOne)

@@ -1,10 +1,11 @@
 #include "dialogs/names_and_title.h"
-#include "tests/dialogs/dialog_rig.h"
+#include "tests/diagrams/diagrams_rig.h"
 
-using Names = DialogRig;
+using Names = DiagramsRig;
 
 TEST_F(Names, AnyTextLeavesASettingsFileThatLoads)
 {
+    load(live);
     for (const char *typed : {"\"T1", "\"", "a\r\nNumeFisier1 =,x", "șăț"}) {
         renameSensors(station, settings, 0, {QString::fromUtf8(typed), "b", "c"});
         load(live);
@@ -17,6 +18,7 @@ TEST_F(Names, AnyTextLeavesASettingsFileThatLoads)
 
 TEST_F(Names, FailedWriteKeepsTheOldOnes)
 {
+    load(live);
     station.appFolder += "/nowhere";
     EXPECT_EQ(errorOf([&] {
                   renameSensors(station, settings, 0, {"a", "b", "c"});

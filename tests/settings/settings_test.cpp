@@ -5,17 +5,6 @@ using SettingsTest = StationRig;
 
 static const QString kConfigError = QStringLiteral("Eroare in /config/config.ini");
 
-TEST_F(SettingsTest, CommaInANumberIsReadAndOneInANameCutsIt)
-{
-    folder.setValue("Diagrama1.limita_maxima =", "\"12,5\"");
-    folder.setValue("NumeFisier1 =", "a,b");
-    Diagrama record;
-    record.name = "Diagrama1";
-    settings.incarca_setari_diagrama(record);
-    EXPECT_EQ(record.limita_maxima, 12.5);
-    EXPECT_EQ(station.NumeFisier[0], "a");
-}
-
 TEST_F(SettingsTest, MissingKeyTellsTheOperatorOnceAndLeavesTheRest)
 {
     folder.setConfig("a =,1\r\nc =,3\r\n\r\n");
@@ -24,15 +13,6 @@ TEST_F(SettingsTest, MissingKeyTellsTheOperatorOnceAndLeavesTheRest)
     EXPECT_EQ(op.lastIcon, Operator::Icon::Critical);
     EXPECT_FALSE(settings.optionalValue("ControlPlc.CommPort ="));
     EXPECT_EQ(op.told.size(), 1);
-}
-
-TEST_F(SettingsTest, WriteTurnsDecimalCommasAndOnlyThose)
-{
-    EXPECT_EQ(
-        settings.scrie_config({"Diagrama1.limita_minima =", "NumeFisier2 ="}, {"12,5", "a,b"}),
-        QStringList({"12.5", "a,b"}));
-    EXPECT_TRUE(
-        folder.config().startsWith("Diagrama1.limita_minima =,12.5\r\nNumeFisier2 =,a,b\r\n"));
 }
 
 TEST_F(SettingsTest, WriteOfAKeyThatIsNotThereChangesNothing)
