@@ -1,11 +1,9 @@
-#include "app/mdiform1.h"
 #include "app/screen_size.h"
 #include "platform/message_box_operator.h"
 #include "platform/window_frame.h"
 
 #include <QAbstractButton>
 #include <QApplication>
-#include <QMdiSubWindow>
 #include <QMessageBox>
 #include <QTimer>
 #include <gtest/gtest.h>
@@ -60,25 +58,4 @@ TEST(MessageBoxOperator, ShowsPlainTextUnderTheTitleAndTakesTheButtonForAnAnswer
         });
         op.tell(QStringLiteral("<b>?"), icon);
     }
-}
-
-TEST(MDIForm1, BringsAWindowThatIsOutOfReachBackIntoSight)
-{
-    MDIForm1 window{[] { return true; }};
-    auto *child = new QWidget;
-    QMdiSubWindow *frame = window.addChild(child);
-    frame->resize(300, 200);
-    window.resize(900, 700);
-    window.show();
-    const QPoint corner(590, 440);
-    const auto broughtUpAt = [&](QPoint position) {
-        frame->move(position);
-        window.bringUp(child);
-        return frame->geometry();
-    };
-    for (const QPoint position : {corner, QPoint(-150, 300), QPoint(700, 600)})
-        EXPECT_EQ(broughtUpAt(position).topLeft(), position) << "partly out, within reach";
-    window.resize(500, 400);
-    for (const QPoint position : {corner, QPoint(-280, 90), QPoint(90, -30), QPoint(480, 90)})
-        EXPECT_TRUE(QRect({}, window.innerSize()).contains(broughtUpAt(position)));
 }

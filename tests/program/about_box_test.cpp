@@ -2,22 +2,16 @@
 #include "tests/support/controls.h"
 #include "tests/support/fake_operator.h"
 
-#include <QApplication>
 #include <QLabel>
 #include <QLocale>
 #include <QSysInfo>
 
 TEST(AboutBox, TellsOfTheProgramItsLibrariesAndTheSystemWithoutATool)
 {
-    QFont font = QApplication::font();
-    font.setPixelSize(20); // as a desktop may have it
-    QApplication::setFont(font);
     for (const char *tool : {"", "/nu/exista"}) {
         FakeOperator op;
         const AboutBox box("Monitorizare PLC", "2.0.0", tool, op);
-        const auto &title = control<QLabel>(box, "lblTitle");
-        EXPECT_EQ(title.text(), "Monitorizare PLC");
-        EXPECT_GT(QFontInfo(title.font()).pixelSize(), 30);
+        EXPECT_EQ(control<QLabel>(box, "lblTitle").text(), "Monitorizare PLC");
         EXPECT_TRUE(control<QLabel>(box, "lblVersion").text().endsWith("2.0.0"));
         const QString libraries = control<QLabel>(box, "lblLibraries").text();
         for (const QString &part : {QStringLiteral("Qt ") + qVersion(), QString("QCustomPlot"),
@@ -33,5 +27,4 @@ TEST(AboutBox, TellsOfTheProgramItsLibrariesAndTheSystemWithoutATool)
         for (const QChar letter : op.told[0])
             EXPECT_LT(letter, QChar(128));
     }
-    QApplication::setFont({});
 }

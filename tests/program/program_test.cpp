@@ -29,12 +29,19 @@ protected:
     }
 };
 
-TEST_F(ProgramTest, KeysStartAndStopMonitoringAndSamplesReachChartAndFile)
+TEST_F(ProgramTest, KeysAndMouseCommandAndSamplesReachChartAndFile)
 {
     start();
     EXPECT_EQ(program->window().windowTitle(), "Monitorizare PLC v2.1.0");
     EXPECT_TRUE(program->window().findChild<QObject *>("ControlPlc"));
     QWidget &plot = *child<QWidget>("MSChart2")->findChild<QCustomPlot *>();
+    const QPoint point(60, 40);
+    QTest::mouseClick(&plot, Qt::LeftButton, {}, point);
+    EXPECT_FALSE(QApplication::activePopupWidget());
+    QTest::mouseClick(&plot, Qt::RightButton, {}, point);
+    EXPECT_EQ(QApplication::activePopupWidget(), item("MeniuFisier")->menu());
+    EXPECT_EQ(item("MeniuFisier")->menu()->pos(), plot.mapToGlobal(point));
+    item("MeniuFisier")->menu()->close();
     QKeyEvent held(QEvent::KeyRelease, Qt::Key_F1, {}, {}, true);
     QCoreApplication::sendEvent(&plot, &held);
     EXPECT_FALSE(program->station().monitorActive) << "letting the key go counts";
@@ -99,18 +106,6 @@ TEST_F(ProgramTest, WindowsComeAndGoWhileMonitoringGoesOn)
     }
     EXPECT_EQ(chart.columnData(1)[0], 0);
     EXPECT_EQ(storedRecords(), std::uint32_t(lastId));
-}
-
-TEST_F(ProgramTest, RightButtonOpensTheFileMenuWhereItWasPressed)
-{
-    start();
-    QWidget &plot = *child<QWidget>("MSChart1")->findChild<QCustomPlot *>();
-    const QPoint point(60, 40);
-    QTest::mouseClick(&plot, Qt::LeftButton, {}, point);
-    EXPECT_FALSE(QApplication::activePopupWidget());
-    QTest::mouseClick(&plot, Qt::RightButton, {}, point);
-    EXPECT_EQ(QApplication::activePopupWidget(), item("MeniuFisier")->menu());
-    EXPECT_EQ(item("MeniuFisier")->menu()->pos(), plot.mapToGlobal(point));
 }
 
 TEST_F(ProgramTest, BrowserShowsTheNewestFirstAndGivesWayToTheArchive)

@@ -4,6 +4,7 @@
 #include <QAbstractButton>
 #include <QAbstractScrollArea>
 #include <QComboBox>
+#include <QDebug>
 #include <QDialog>
 #include <QGroupBox>
 #include <QHeaderView>
@@ -186,14 +187,8 @@ public:
 
     void fault(const QWidget &widget, const QString &what)
     {
-        const QRect at = widget.geometry();
-        faults += QStringLiteral("%1 at %2,%3 %4x%5 %6")
-                      .arg(nameOf(widget))
-                      .arg(at.x())
-                      .arg(at.y())
-                      .arg(at.width())
-                      .arg(at.height())
-                      .arg(what);
+        const QString at = QDebug::toString(widget.geometry());
+        faults += QStringLiteral("%1 at %2 %3").arg(nameOf(widget), at, what);
     }
 
 private:
@@ -218,9 +213,7 @@ private:
         if (widget.size().isEmpty())
             fault(widget, "is empty");
         if (!scrolls(parent) && !parent.rect().contains(widget.geometry()))
-            fault(widget, QStringLiteral("is outside its parent of %1x%2")
-                              .arg(parent.width())
-                              .arg(parent.height()));
+            fault(widget, "is outside its parent, " + QDebug::toString(parent.size()));
         if (const auto *chart = qobject_cast<const ChartView *>(&widget))
             look(*chart, parent);
         if (isShortened(widget))
@@ -259,9 +252,7 @@ QStringList faultsOf(const QWidget &frame)
         const QSize wanted = frame.sizeHint().boundedTo(room);
         const bool isMainWindow = isOne<QMainWindow>(frame); // takes what there is
         if (!isMainWindow && (frame.width() < wanted.width() || frame.height() < wanted.height()))
-            walk.fault(frame, QStringLiteral("is smaller than the %1x%2 it wants")
-                                  .arg(wanted.width())
-                                  .arg(wanted.height()));
+            walk.fault(frame, "is smaller than it wants, " + QDebug::toString(wanted));
         if (!frame.isWindow() && !frame.parentWidget()->rect().contains(frame.geometry()))
             walk.fault(frame, "is outside its area");
         if (QFontMetrics(caption).horizontalAdvance(frame.windowTitle()) > captionRoom(frame))
