@@ -2,6 +2,7 @@
 #include "jet/format/make_definition.h"
 #include "jet/store/session.h"
 #include "jet/store/table_builder.h"
+#include "jet/store/usage_map.h"
 #include "tests/jet/file_image.h"
 #include "tests/jet/new_database.h"
 
@@ -10,16 +11,16 @@
 #include <random>
 
 // Forms that the engine reads and goes on working with but never writes itself: rows that left a
-// pointer behind, compressed index pages, columns dropped or added after the rows were written.
+// pointer behind, compressed index pages, columns dropped or added after the rows were written,
+// files near the bounds of the format.
 
 namespace jet
 {
 namespace
 {
 
-const TableDesign kTwoColumns{u"T",
-                              {{u"Id", ColumnType::Long}, {u"Nume", ColumnType::Text, 100}},
-                              {{u"Prim", {{u"Id"}}, true}}};
+const TableDesign kTwoColumns{
+    u"T", {{u"Id", ColumnType::Long}, {u"Nume", ColumnType::Text}}, {{u"Prim", {{u"Id"}}, true}}};
 
 /// A table T of an engine-made file whose pages a test rewrites as other programs would.
 class ForeignFile : public DatabaseFile
@@ -43,6 +44,13 @@ protected:
         return m_image.page(page).subspan(slot.start, slot.length);
     }
     void save() const { writeFile(m_path, m_image.bytes()); }
+    /// Opens a file of a length that comes from a hole: its pages are free ones that take no room.
+    Database openWithPages(PageNo count)
+    {
+        make(0);
+        std::filesystem::resize_file(m_path, fileOffset(count));
+        return open();
+    }
     /// The file is sound and mdbtools see the same numbers.
     void expectIds(std::vector<std::int32_t> ids) const
     {
@@ -152,6 +160,39 @@ TEST_F(ForeignFile, MapOfFreePagesThatCannotGrowIsRefused)
               }),
               ErrorCode::Damaged);
     expectIds({1, 2, 3});
+}
+
+TEST_F(ForeignFile, MapOfFreePagesOutgrowsItsPage)
+{
+    constexpr PageNo kPages = kPagesPerBitmap + 100;
+    Database database = openWithPages(kPages);
+    Table table = database.table(u"T");
+    inTransaction(database, [&] { append(table, 1, 10000, 255); });
+    const auto size = std::filesystem::file_size(m_path);
+    EXPECT_GT(size, fileOffset(kPages));
+    EXPECT_EQ(findings(database), "");
+    EXPECT_TRUE(exported(table.records()) == mdbExport(m_path, "T"));
+
+    table.deleteAll();
+    EXPECT_EQ(findings(database), "");
+    inTransaction(database, [&] { append(table, 1, 10000, 255); });
+    EXPECT_EQ(std::filesystem::file_size(m_path), size);
+    database.dropTable(u"T");
+    EXPECT_EQ(findings(database), "");
+}
+
+TEST_F(ForeignFile, StatementThatWouldPassTheLargestSizeIsRefused)
+{
+    constexpr PageNo kMost = 0x80000;
+    Database database = openWithPages(kMost);
+    Table table = database.table(u"T");
+    append(table, 1, 100, 255);
+    EXPECT_EQ(errorOf([&] { inTransaction(database, [&] { append(table, 101, 10000, 255); }); }),
+              ErrorCode::DiskFull);
+    EXPECT_EQ(table.recordCount(), 100U);
+    EXPECT_EQ(std::filesystem::file_size(m_path), fileOffset(kMost));
+    append(table, 101, 101, 255);
+    EXPECT_EQ(table.recordCount(), 101U);
 }
 
 TEST_F(ForeignFile, BlocksOfTheDatabaseProgramAreReadAndNeverLost)
