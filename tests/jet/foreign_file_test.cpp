@@ -257,14 +257,14 @@ TEST_F(ForeignFile, ColumnDroppedAndColumnsAddedLater)
     m_image.setDefinition(table);
     save();
 
-    EXPECT_EQ(mdbExport(m_path, "T"), "1,\"nnnnnnnn\",,0\n2,\"nnnnnnnn\",,0\n");
+    EXPECT_EQ(mdbExport(m_path, "T"), "1,nnnnnnnn,,0\n2,nnnnnnnn,,0\n");
     Database database = open();
     Cursor cursor = database.table(u"T").records();
     ASSERT_TRUE(cursor.next());
     EXPECT_EQ(cursor.row(), (Row{1, Text(u"nnnnnnnn"), Null{}, false}));
     cursor.update({{u"Nou", Text(u"scurt")}, {u"Da", true}});
     EXPECT_EQ(cursor.row(), (Row{1, Text(u"nnnnnnnn"), Text(u"scurt"), true}));
-    EXPECT_EQ(mdbExport(m_path, "T"), "1,\"nnnnnnnn\",\"scurt\",1\n2,\"nnnnnnnn\",,0\n");
+    EXPECT_EQ(mdbExport(m_path, "T"), "1,nnnnnnnn,scurt,1\n2,nnnnnnnn,,0\n");
 }
 
 TEST_F(ForeignFile, DeletingAllRowsGivesNoPageOfAnotherOwnerBack)

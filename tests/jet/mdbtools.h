@@ -1,13 +1,11 @@
 #pragma once
 
 #include "jet/cursor.h"
-#include "jet/utf8.h"
 #include "jet/value_conversion.h"
 #include "tests/jet/command.h"
 
 #include <chrono>
 #include <cmath>
-#include <cstdio>
 #include <filesystem>
 #include <random>
 #include <stdexcept>
@@ -107,37 +105,26 @@ inline std::string outputOf(const std::vector<std::string> &command)
     return outcome.output;
 }
 
-/// A table as comma-separated lines, without the line of names; rows as in table order.
+/// A table as comma-separated lines, without quotes and the line of names; rows in table order.
 inline std::string mdbExport(const std::filesystem::path &database, const std::string &table)
 {
-    return outputOf({"mdb-export", "-H", "-D", "%Y-%m-%d", "-T", "%Y-%m-%d %H:%M:%S",
-                     toolName(database), table});
+    return outputOf(
+        {"mdb-export", "-H", "-Q", "-T", "%Y-%m-%d %H:%M:%S", toolName(database), table});
 }
 
-/// A value as mdbExport() has it: two programs write the same number or date in one way only here.
+/// A value as mdbExport() has it.
 inline std::string exported(const Value &value)
 {
-    char text[64] = "";
     if (const bool *flag = std::get_if<bool>(&value))
         return *flag ? "1" : "0";
-    if (const double *number = std::get_if<double>(&value)) {
-        std::snprintf(text, sizeof text, "%.16g", *number);
-        return text;
-    }
     if (const DateTime *moment = std::get_if<DateTime>(&value)) {
         const double day = std::floor(moment->days);
         const double time = moment->days - day;
         const std::string date = day == 0 ? "1899-12-30" : defaultText(DateTime{day});
-        return '"' + date + ' ' + (time == 0 ? "00:00:00" : defaultText(DateTime{time})) + '"';
+        return date + ' ' + (time == 0 ? "00:00:00" : defaultText(DateTime{time}));
     }
     if (const Bytes *bytes = std::get_if<Bytes>(&value))
-        return '"' + std::string(bytes->begin(), bytes->end()) + '"';
-    if (const Text *words = std::get_if<Text>(&value)) {
-        std::string quoted = "\"";
-        for (const char letter : toUtf8(*words))
-            quoted.append(letter == '"' ? 2 : 1, letter);
-        return quoted + '"';
-    }
+        return {bytes->begin(), bytes->end()};
     return defaultText(value);
 }
 
