@@ -1,6 +1,7 @@
 #include "jet/store/session.h"
 #include "tests/jet/new_database.h"
 
+#include <algorithm>
 #include <limits>
 
 namespace jet
@@ -60,18 +61,22 @@ TEST_F(NewDatabase, AutonumbersGoOnAfterNegativeNumbersAndEndAtTheGreatest)
     EXPECT_EQ(idsOf(table.records()), (std::vector<std::int32_t>{1, -2, 2, 4, 5, 3, 6, greatest}));
 }
 
-TEST_F(NewDatabase, RowWhoseKeyIsTooLongIsRefusedAlone)
+TEST_F(NewDatabase, RecordWhoseKeyOrRowIsTooLongIsRefusedAlone)
 {
     TableDesign design{u"T", {}, {{u"Toate", {}}}};
-    for (const char16_t name : Text(u"ABCDEFGH")) {
+    for (const char16_t name : Text(u"ABCDEFGHIJKLMNOPQRSTUVWX"))
         design.columns.push_back({Text(1, name), ColumnType::Binary, 255});
+    for (const char16_t name : Text(u"ABCDEFGH"))
         design.indexes.front().columns.push_back({Text(1, name)});
-    }
     Table table = make(design);
+    Row longKey(24);
+    std::fill_n(longKey.begin(), 8, Bytes(255, 1));
+    Row longRow(24, Bytes(255, 1));
+    std::fill_n(longRow.begin(), 8, Null{});
     inTransaction([&] {
-        EXPECT_EQ(errorOf([&] { table.appendRow(Row(8, Bytes(255, 1))); }),
-                  ErrorCode::RecordTooLarge);
-        table.appendRow(Row(8, Bytes(9, 1)));
+        for (const Row &row : {longKey, longRow})
+            EXPECT_EQ(errorOf([&] { table.appendRow(row); }), ErrorCode::RecordTooLarge);
+        table.appendRow(Row(24, Bytes(9, 1)));
     });
     EXPECT_EQ(table.recordCount(), 1U);
 }

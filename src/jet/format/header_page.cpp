@@ -28,7 +28,6 @@ constexpr std::size_t kPasswordOffset = 0x42;
 constexpr std::size_t kPasswordSize = 40;
 constexpr std::size_t kBuildOffset = 0x6A;
 constexpr std::size_t kSortOrderOffset = 0x6E;
-constexpr std::size_t kSortVersionOffset = 0x71;
 constexpr std::size_t kCreationDateOffset = 0x72;
 constexpr std::size_t kCommitOffset = 0xE00;
 
@@ -120,7 +119,7 @@ bool isChangeCounter(ChangeCounter counter)
     return (counter & kHighBytes) == kAtRest;
 }
 
-HeaderInfo readHeaderPage(PageBytes page)
+void checkHeaderPage(PageBytes page)
 {
     checkFormat(page);
     Bytes plain(page.begin(), page.end());
@@ -129,8 +128,6 @@ HeaderInfo readHeaderPage(PageBytes page)
         throw Error(ErrorCode::NotSupported, "The database is encoded.");
     if (hasPassword(plain))
         throw Error(ErrorCode::PasswordNeeded, "Not a valid password.");
-    return {readU16(plain, kCodePageOffset), readU16(plain, kSortOrderOffset),
-            readU8(plain, kSortVersionOffset), readF64(plain, kCreationDateOffset)};
 }
 
 Bytes makeHeaderPage()

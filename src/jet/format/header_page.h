@@ -33,16 +33,9 @@ void countChange(MutablePageBytes page, std::uint16_t salt);
 /// False for bytes that neither this engine nor the database program writes there.
 bool isChangeCounter(ChangeCounter counter);
 
-struct HeaderInfo {
-    std::uint16_t codePage = 1252;
-    std::uint16_t sortOrder = 0; ///< of the file; each column has its own as well
-    std::uint8_t sortVersion = 0;
-    double creationDate = 0; ///< days since 1899-12-30
-};
-
 /// Checks that the engine supports the file of this page 0. Throws Error(NotADatabase),
 /// Error(PasswordNeeded), Error(NotSupported) for an encoded file or one of a newer version.
-HeaderInfo readHeaderPage(PageBytes page);
+void checkHeaderPage(PageBytes page);
 
 /// Page 0 of a new database. Its creation date is fixed: the security ids in the system tables (see
 /// system_tables.h) depend on it.

@@ -23,7 +23,7 @@ Session::Session(std::shared_ptr<FileSystem> files, const std::filesystem::path 
     : m_pager(std::move(files), path, options, use, isSound)
 {
     const Pager::ReadScope scope(m_pager);
-    readHeaderPage(*m_pager.read(kHeaderPage));
+    checkHeaderPage(*m_pager.read(kHeaderPage));
     catalog();
 }
 

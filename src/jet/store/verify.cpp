@@ -31,7 +31,7 @@ public:
 
     std::vector<Finding> run()
     {
-        guarded(m_findings, [&] { readHeaderPage(*m_pager.read(kHeaderPage)); });
+        guarded(m_findings, [&] { checkHeaderPage(*m_pager.read(kHeaderPage)); });
         claim(kHeaderPage, "the header");
         claim(kGlobalMapPage, "the map of free pages");
         guarded(m_findings, [&] {
