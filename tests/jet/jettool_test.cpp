@@ -1,7 +1,7 @@
 #include "tests/jet/memory_database.h"
 #include "tests/jet/new_database.h"
 
-#include <tuple>
+#include <utility>
 
 // The program itself, as a user types it.
 
@@ -22,7 +22,17 @@ protected:
     }
 };
 
-TEST_F(Jettool, LooksChecksAndCompacts)
+/// Leaves the files of a database as a program does that was stopped while it appended a sample.
+void interruptAppend(const std::filesystem::path &path, std::int32_t id)
+{
+    MemoryDisk disk;
+    disk[kFile] = bytesOf(path);
+    interrupt(disk, [&](Database &database) { appendSamples(database.table(u"Tabel"), id, id); });
+    writeFile(path, disk[kFile]);
+    writeFile(journalPath(path), disk[kJournal]);
+}
+
+TEST_F(Jettool, LooksAtAnInterruptedStatementWithoutFinishingItAndCompacts)
 {
     EXPECT_EQ(run({"create", m_path.string()}), "exit 0\n");
     EXPECT_NE(run({"create", m_path.string()}).find("3204"), std::string::npos);
@@ -30,11 +40,17 @@ TEST_F(Jettool, LooksChecksAndCompacts)
         Database database = open();
         inTransaction(database, [&] { makeTabel(database, 2000); });
         database.table(u"Tabel").deleteAll();
-        appendSamples(database.table(u"Tabel"), 1, 40);
+        appendSamples(database.table(u"Tabel"), 1, 39);
     }
-    const Bytes before = bytesOf(m_path);
+    interruptAppend(m_path, 40);
+    const auto state = [&] { return std::pair(bytesOf(m_path), bytesOf(journalPath(m_path))); };
+    const auto left = state();
+    ASSERT_NE(left.second, Bytes());
     EXPECT_EQ(run({"tables", m_path.string()}), "Tabel\nexit 0\n");
-    EXPECT_EQ(run({"count", m_path.string(), "tabel"}), "40\nexit 0\n");
+    std::error_code failure; // some systems have no links
+    std::filesystem::create_symlink(m_path, m_folder / "link.mdb", failure);
+    const auto name = failure ? m_path : m_folder / "link.mdb";
+    EXPECT_EQ(run({"count", name.string(), "tabel"}), "40\nexit 0\n");
     EXPECT_EQ(run({"check", m_path.string()}), "exit 0\n");
     const std::string csv = run({"dump", "--csv", m_path.string(), "Tabel"});
     EXPECT_TRUE(csv.starts_with("\"Id\",\"Senzor1\"")) << csv.substr(0, 80);
@@ -43,10 +59,10 @@ TEST_F(Jettool, LooksChecksAndCompacts)
     EXPECT_NE(run({"schema", m_path.string()})
                   .find("CREATE UNIQUE INDEX [IndexPrimar] ON [Tabel] ([Id]) WITH PRIMARY;"),
               std::string::npos);
-    EXPECT_EQ(bytesOf(m_path), before) << "reading changes nothing";
+    EXPECT_TRUE(state() == left) << "reading finishes no statement";
 
     EXPECT_EQ(run({"compact", m_path.string()}), "exit 0\n");
-    EXPECT_LT(std::filesystem::file_size(m_path), before.size() / 2);
+    EXPECT_LT(std::filesystem::file_size(m_path), left.first.size() / 2);
     EXPECT_EQ(run({"dump", m_path.string(), "Tabel"}), csv);
     EXPECT_EQ(run({"check", m_path.string()}), "exit 0\n");
     EXPECT_EQ(mdbCount(m_path, "Tabel"), "40\n");
@@ -74,26 +90,6 @@ TEST_F(Jettool, DumpsEveryTableInLinesThatNameIt)
     const std::string table = "\"Nr\",\"table\"\n1,\"a\n\\\"\"ș\"\n2,\n";
     EXPECT_EQ(run({"dump", m_path.string()}),
               "# Unu\n" + table + "# Doi \"\n" + table + "exit 0\n");
-}
-
-TEST_F(Jettool, ReadsAnInterruptedStatementAndLeavesIt)
-{
-    makeTabel(m_path, 5);
-    const auto journal = m_folder / "autoclava1.mdb.jrn";
-    interruptAppend(m_path, 6, 6);
-    ASSERT_NE(bytesOf(journal), Bytes());
-    const auto state = [&] {
-        using std::filesystem::last_write_time;
-        return std::tuple(bytesOf(m_path), last_write_time(m_path), bytesOf(journal),
-                          last_write_time(journal));
-    };
-    const auto left = state();
-    EXPECT_EQ(run({"tables", m_path.string()}), "Tabel\nexit 0\n");
-    EXPECT_EQ(run({"count", m_path.string(), "Tabel"}), "6\nexit 0\n");
-    EXPECT_EQ(run({"check", m_path.string()}), "exit 0\n");
-    EXPECT_NE(run({"dump", m_path.string()}).find("\n6,24,"), std::string::npos);
-    EXPECT_NE(run({"schema", m_path.string()}).find("[Tabel]"), std::string::npos);
-    EXPECT_TRUE(state() == left);
 }
 
 TEST_F(Jettool, NamesThePageAndTheReasonOfDamageAndNotesLostSpace)

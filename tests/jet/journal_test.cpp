@@ -1,7 +1,8 @@
 #include "jet/file/journal_file.h"
 
 #include "tests/jet/memory_database.h"
-#include "tests/jet/new_database.h"
+
+#include <gtest/gtest.h>
 
 #include <algorithm>
 
@@ -131,23 +132,6 @@ TEST_F(LeftOverJournal, OfAnEarlierVersionIsFinished)
     EXPECT_EQ(findings(open()), "");
     open().table(u"Tabel").appendRow(sampleRow(91));
     EXPECT_EQ(open().table(u"Tabel").recordCount(), 91U);
-}
-
-class JournalOnDisk : public DatabaseFile
-{
-};
-
-TEST_F(JournalOnDisk, BelongsToTheFileWhateverNameOpensIt)
-{
-    makeTabel(m_path, 20);
-    const auto backup = m_folder / "autoclava1.bak";
-    std::filesystem::copy(m_path, backup);
-    interruptAppend(m_path, 21, 90);
-    EXPECT_EQ(Database::open(backup).table(u"Tabel").recordCount(), 20U);
-    std::error_code failure;
-    std::filesystem::create_symlink(m_path, m_folder / "link.mdb", failure);
-    const auto name = failure ? m_path : m_folder / "link.mdb"; // some systems have no links
-    EXPECT_EQ(Database::open(name).table(u"Tabel").recordCount(), 90U);
 }
 
 } // namespace

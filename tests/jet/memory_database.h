@@ -63,16 +63,4 @@ void interrupt(MemoryDisk &disk, Statement &&statement)
     disk.endProgram();
 }
 
-/// Leaves the files of a database as an append of samples does that was interrupted.
-inline void interruptAppend(const std::filesystem::path &path, std::int32_t first,
-                            std::int32_t last)
-{
-    MemoryDisk disk;
-    disk[kFile] = bytesOf(path);
-    interrupt(disk,
-              [&](Database &database) { appendSamples(database.table(u"Tabel"), first, last); });
-    writeFile(path, disk[kFile]);
-    writeFile(journalPath(path), disk[kJournal]);
-}
-
 } // namespace jet
