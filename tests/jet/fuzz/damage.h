@@ -2,7 +2,6 @@
 
 #include "tests/jet/memory_database.h"
 
-#include <map>
 #include <vector>
 
 // Damaged files for the fuzzer and for the tests: a sound database and bytes of it replaced.
@@ -66,31 +65,13 @@ inline void exercise(MemoryDisk &disk)
     });
 }
 
-/// A file as a stopped program leaves it.
-inline MemoryDisk interrupted(MemoryDisk disk)
-{
-    interrupt(disk, [](Database &database) {
-        Table table = database.table(database.tables().front());
-        const Row row = rowsOf(table.records()).back();
-        table.deleteAll();
-        for (int i = 0; i < 40; ++i)
-            ignoringErrors([&] { table.appendRow(row); });
-    });
-    return disk;
-}
-
-/// What the fuzzer runs and the tests repeat: the number of a shape, from 128 on with a statement
-/// left in its journal, then patches, which reach from the end of the file on into the journal.
+/// What the fuzzer runs and the tests repeat: the number of a shape, then patches, which reach from
+/// the end of the file on into the journal.
 inline void exerciseDamaged(const std::vector<MemoryDisk> &shapes, ByteView input)
 {
     if (input.empty())
         return;
-    const std::size_t number = input.front() % 128 % shapes.size();
-    MemoryDisk disk = shapes[number];
-    if (input.front() >= 128) {
-        static std::map<std::size_t, MemoryDisk> made; // for millions of runs
-        disk = made.try_emplace(number, interrupted(disk)).first->second;
-    }
+    MemoryDisk disk = shapes[input.front() % shapes.size()];
     Bytes both = disk[kFile];
     const std::size_t size = both.size();
     appendBytes(both, disk[kJournal]);

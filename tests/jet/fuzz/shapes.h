@@ -5,6 +5,8 @@
 #include "jet/store/session.h"
 #include "jet/store/usage_map.h"
 
+#include <algorithm>
+#include <iterator>
 #include <vector>
 
 // Sound databases to damage, small and each with other kinds of pages and rows. Recorded damage
@@ -28,18 +30,12 @@ inline void makeKeysShape(Database &database)
     design.indexes.push_back({u"Toate", {{u"Octet", true}, {u"Id"}, {u"Nume"}}, false, true});
     design.indexes.push_back({u"Da Pret", {{u"Da"}, {u"Pret"}}, false, false, false, true});
     Table table = database.createTable(design, kSomeDay);
-    for (int i = 0; i < 40; ++i)
-        table.append({{u"Da", i % 2 == 0},
-                      {u"Octet", i % 5},
-                      {u"Scurt", -i},
-                      {u"Pret", i * 1.5},
-                      {u"Simplu", -i / 4.0},
-                      {u"Cand", DateTime{i * 1.5}},
-                      {u"Brut", Bytes(static_cast<std::size_t>(i % 8), 9)},
-                      {u"Nume", Text(static_cast<std::size_t>(i % 18), u'ă') + u"-'"},
-                      {u"Lung", Text(static_cast<std::size_t>(i), u't')},
-                      {u"Obiect", Bytes(static_cast<std::size_t>(i), 7)},
-                      {u"Zecimal", i}});
+    for (int i = 0; i < 40; ++i) {
+        const auto length = static_cast<std::size_t>(i);
+        table.appendRow({Null{}, i % 2 == 0, i % 5, -i, i * 1.5, -i / 4.0, Null{},
+                         DateTime{i * 1.5}, Bytes(length % 8, 9), Text(length % 18, u'ă') + u"-'",
+                         Text(length, u't'), Bytes(length, 7), Null{}, i});
+    }
     eraseEvery(table, 4);
 }
 
@@ -71,7 +67,21 @@ inline void makeForeign(MemoryDisk &disk)
     pager.commit();
 }
 
-/// The disks that recorded damage names by their place in this list.
+/// A file as a stopped program leaves it.
+inline MemoryDisk interrupted(MemoryDisk disk)
+{
+    interrupt(disk, [](Database &database) {
+        Table table = database.table(database.tables().front());
+        const Row row = rowsOf(table.records()).back();
+        table.deleteAll();
+        for (int i = 0; i < 40; ++i)
+            errorOf([&] { table.appendRow(row); }); // most are refused: the key is taken
+    });
+    return disk;
+}
+
+/// The disks that recorded damage names by their place in this list; in its second half each once
+/// more with a statement left in its journal.
 inline std::vector<MemoryDisk> makeShapes()
 {
     const auto makeNotes = [](Database &database) {
@@ -85,6 +95,7 @@ inline std::vector<MemoryDisk> makeShapes()
     makeForeign(shapes.back());
     for (MemoryDisk &shape : shapes)
         shape.names.erase(kJournal);
+    std::ranges::transform(std::vector(shapes), std::back_inserter(shapes), interrupted);
     return shapes;
 }
 
