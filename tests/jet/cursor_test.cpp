@@ -97,16 +97,11 @@ TEST_F(Cursors, SystemTablesAreOnlyRead)
     Cursor cursor = objects.records();
     ASSERT_TRUE(cursor.next());
     const Row row = cursor.row();
+    const Assignments change{{u"Name", u"Alta"}};
     const std::function<void()> statements[] = {
-        [&] {
-            objects.append(Assignments{{u"Id", 1}});
-        },
-        [&] { objects.appendRow(row); },
-        [&] { objects.deleteAll(); },
-        [&] { cursor.erase(); },
-        [&] {
-            cursor.update(Assignments{{u"Name", u"Alta"}});
-        },
+        [&] { objects.append(change); }, [&] { objects.appendRow(row); },
+        [&] { objects.deleteAll(); },    [&] { cursor.erase(); },
+        [&] { cursor.update(change); },
     };
     for (const auto &statement : statements)
         EXPECT_EQ(errorOf(statement), ErrorCode::ReadOnly) << &statement - statements;

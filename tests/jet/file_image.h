@@ -1,7 +1,9 @@
 #pragma once
 
 #include "jet/file/journal.h"
+#include "jet/format/bitmap.h"
 #include "jet/format/data_page.h"
+#include "jet/format/entry_ends.h"
 #include "jet/format/index_page.h"
 #include "jet/format/row_codec.h"
 #include "jet/format/table_definition_codec.h"
@@ -98,9 +100,7 @@ public:
     void setMapBit(RowPointer map, PageNo number, bool value)
     {
         const Slot slot = slotAt(page(map.page), map.page, map.row);
-        std::uint8_t &byte = page(map.page)[slot.start + 5 + number / 8];
-        const auto bit = static_cast<std::uint8_t>(1u << number % 8);
-        byte = static_cast<std::uint8_t>(value ? byte | bit : byte & ~bit);
+        putBit(page(map.page).subspan(slot.start + 5), number, value);
     }
     /// Moves a row to another slot of its page, and leaves a pointer in its own.
     void leavePointerBehind(PageNo data, std::size_t slot)
@@ -126,8 +126,7 @@ public:
                 ByteView(entry).subspan(end == 0 ? 0 : static_cast<std::size_t>(prefix));
             writeBytes(leaf, kEntryArea + end, stored);
             end += stored.size();
-            std::uint8_t &bits = leaf[27 + end / 8];
-            bits = static_cast<std::uint8_t>(bits | 1u << end % 8);
+            putBit(leaf.subspan(kEndsOffset), end, true);
         }
         writeU16(leaf, 2, static_cast<std::uint16_t>(kEntryAreaSize - end));
         writeU16(leaf, 24, static_cast<std::uint16_t>(prefix));

@@ -149,16 +149,11 @@ inline TableDesign notesDesign()
             {{u"Id", {{u"Id"}}, true}, {u"Cheie", {{u"Nume", true}, {u"Data"}}}}};
 }
 
-/// The lengths of a note's values: in the row, in a row of their own, in a chain of pages.
-inline std::size_t noteLength(int number)
-{
-    constexpr std::size_t lengths[] = {1, 31, 33, 62, 65, 500, 2038, 2039, 4074, 4077, 9000};
-    return lengths[static_cast<std::size_t>(number) % std::size(lengths)];
-}
-
+/// Its long values lie in the row, in a row of their own or in a chain of pages.
 inline Assignments note(int number)
 {
-    const std::size_t length = noteLength(number);
+    constexpr std::size_t lengths[] = {1, 31, 33, 62, 65, 500, 2038, 2039, 4074, 4077, 9000};
+    const std::size_t length = lengths[static_cast<std::size_t>(number) % std::size(lengths)];
     return {{u"Nume", Text(static_cast<std::size_t>(number * 37 % 200), u'ă') + u"-'" +
                           static_cast<char16_t>(u'!' + number % 90)},
             {u"Data", DateTime{number * 1.5}},
