@@ -7,6 +7,35 @@
 
 #include <QtTest/QTest>
 
+#ifndef Q_OS_WIN
+#include <fcntl.h>
+#include <sys/ioctl.h>
+#include <termios.h>
+#include <unistd.h>
+
+namespace
+{
+
+termios settingsOf(int port)
+{
+    termios settings{};
+    EXPECT_EQ(::tcgetattr(port, &settings), 0);
+    return settings;
+}
+
+speed_t drainedAt = B0;
+
+} // namespace
+
+/// Stands in for the system's own, which leaves no trace on a pseudo-terminal.
+extern "C" int tcdrain(int port)
+{
+    const termios settings = settingsOf(port);
+    drainedAt = ::cfgetospeed(&settings);
+    return ::ioctl(port, TCSBRK, 1);
+}
+#endif
+
 namespace
 {
 
@@ -99,6 +128,26 @@ TEST_F(Line, AWrongRecorderFailsOnceAndNeverSpoilsTheNextExchange)
         EXPECT_EQ(heard.filter("ESC C 01").size(), row.fails ? 2 : 3) << "after complete replies";
     }
 }
+
+#ifndef Q_OS_WIN
+TEST_F(Line, IsDrainedBeforeItsOldSettingsComeBackAndDoesNotHangUp)
+{
+    plug(Fault::None);
+    const int port = ::open(joined.stationPort.toLocal8Bit().constData(), O_RDWR | O_NOCTTY);
+    termios before = settingsOf(port);
+    before.c_cflag |= HUPCL;
+    ::cfsetspeed(&before, B38400);
+    ASSERT_EQ(::tcsetattr(port, TCSANOW, &before), 0);
+    line->open();
+    line->write(trm10c::closeCommand());
+    line->close();
+    EXPECT_EQ(drainedAt, B9600);
+    const termios after = settingsOf(port);
+    EXPECT_EQ(::cfgetospeed(&after), B38400);
+    EXPECT_FALSE(after.c_cflag & HUPCL);
+    ::close(port);
+}
+#endif
 
 TEST_F(Line, ThatVanishes)
 {
