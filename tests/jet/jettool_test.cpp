@@ -47,11 +47,11 @@ TEST_F(Jettool, LooksAtAnInterruptedStatementWithoutFinishingItAndCompacts)
     const auto left = state();
     ASSERT_NE(left.second, Bytes());
     EXPECT_EQ(run({"tables", m_path.string()}), "Tabel\nexit 0\n");
+    EXPECT_EQ(run({"count", m_path.string(), "tabel"}), "40\nexit 0\n");
     std::error_code failure; // some systems have no links
     std::filesystem::create_symlink(m_path, m_folder / "link.mdb", failure);
     const auto name = failure ? m_path : m_folder / "link.mdb";
-    EXPECT_EQ(run({"count", name.string(), "tabel"}), "40\nexit 0\n");
-    EXPECT_EQ(run({"check", m_path.string()}), "exit 0\n");
+    EXPECT_EQ(run({"check", name.string()}), "exit 0\n");
     const std::string csv = run({"dump", "--csv", m_path.string(), "Tabel"});
     EXPECT_TRUE(csv.starts_with("\"Id\",\"Senzor1\"")) << csv.substr(0, 80);
     EXPECT_NE(csv.find("\n7,24.5,25.5,26.5,27.5,28.5,29.5,\"Yes\",\"2026-11-21\",\"00:00:07\"\n"),
