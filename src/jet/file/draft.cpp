@@ -12,11 +12,11 @@ namespace jet
 namespace
 {
 
-/// Stands in page 0 of a draft, where a database has zeros.
+/// In page 0 of a draft, where a database has zeros.
 constexpr std::array<std::uint8_t, 8> kMark{'J', 'E', 'T', 'D', 'R', 'A', 'F', 'T'};
 constexpr std::size_t kMarkOffset = 0xA0;
 
-/// True for nothing, too: so far an attempt may have come.
+/// True for an empty file, too: an attempt may have been interrupted there.
 bool isDraft(File &file)
 {
     std::array<std::uint8_t, kMark.size()> found{};
@@ -34,7 +34,7 @@ Draft::Draft(FileSystem &files, std::filesystem::path target, const char *extens
                                                : FileSystem::Access::CreateNew);
     } catch (const Error &error) {
         if (error.code() == ErrorCode::FileNotFound)
-            throwFileNotFound(m_target); // it is the folder that is missing
+            throwFileNotFound(m_target); // the folder is missing
         if (error.code() == ErrorCode::FileExists)
             throwInUse();
         throw;
@@ -93,7 +93,7 @@ void Draft::finish()
         m_files.syncFolder(m_target.parent_path());
 }
 
-/// The first name that nothing has but what an interrupted attempt may have left.
+/// The first name that is free or has the draft of an interrupted attempt.
 std::filesystem::path Draft::chooseName(const std::string &extension)
 {
     for (int number = 1;; ++number) {
@@ -104,7 +104,7 @@ std::filesystem::path Draft::chooseName(const std::string &extension)
     }
 }
 
-/// False for a file that is no draft.
+/// False for a file that is not a draft.
 bool Draft::removeLeftOver(const std::filesystem::path &name)
 {
     const auto file = m_files.open(name, FileSystem::Access::Write);

@@ -56,8 +56,8 @@ bool JournalFile::hasStatement()
     return mark == kStatementMark || m_mark == kOldStatementMark;
 }
 
-/// False for a file that only happens to have the name, and must not be written over. A journal
-/// whose mark a disk has garbled is taken for one, but not while it holds a statement.
+/// False for an unrelated file of that name, which must not be overwritten. A journal whose mark
+/// was garbled is taken for unrelated, but not while it holds a statement.
 bool JournalFile::isOurs()
 {
     return m_mark == JournalMark{} || m_mark == kDurableNameMark || hasStatement();
@@ -108,7 +108,7 @@ void JournalFile::makeNameDurable()
 void JournalFile::clear() noexcept
 {
     if (!m_file)
-        return; // another opener has put it away meanwhile
+        return; // another opener has renamed it meanwhile
     try {
         if (m_mark == kOldStatementMark) {
             m_file->resize(0);

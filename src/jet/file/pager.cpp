@@ -28,14 +28,14 @@ void Pager::openFile(FileSystem::Access access)
         m_file = m_files->open(m_path, access);
         lock(LockPart::Opener, LockMode::Shared,
              "the file is opened exclusively by another program");
-        // While the lock was waited for, another file may have taken this one's place.
+        // Another file may have replaced this one while the lock was waited for.
     } while (!m_file->isNamed(m_path));
 }
 
 void Pager::openLockFile(FileSystem::Access access)
 {
     const std::filesystem::path path = lockPath(m_path);
-    if (m_use == Use::Draft || path == m_path) // a database may be called name.ldb itself
+    if (m_use == Use::Draft || path == m_path) // the database itself may be named name.ldb
         return;
     do {
         m_lockFile = m_files->openLock(path, access);
@@ -47,11 +47,11 @@ void Pager::openLockFile(FileSystem::Access access)
             throw Error(ErrorCode::InUse,
                         "Could not use '" + displayName(m_path) +
                             "': the file is opened exclusively by another program.");
-        // The last user may have removed it after this one had opened it.
+        // Its last user may have removed it since it was opened.
     } while (!m_lockFile->isNamed());
 }
 
-/// Users remove lock files that look left over. The database program would then lock another one.
+/// Users remove lock files that look stale. The database program would then lock another one.
 void Pager::renewLockFile()
 {
     if (m_lockFile && !m_lockFile->isNamed())
@@ -93,11 +93,11 @@ std::shared_ptr<PageBuffer> Pager::load(PageNo page)
     return content;
 }
 
-/// How many pages to read together: ever more while they are asked for one after the other.
+/// How many pages to read ahead: more and more while they are read in sequence.
 PageNo Pager::runFrom(PageNo page)
 {
     constexpr PageNo kLongest = 16;
-    constexpr PageNo kGap = 4; // pages of an index lie between those of its table
+    constexpr PageNo kGap = 4; // pages of an index may lie between those of its table
     const bool goesOn = page > m_readUpTo && page - m_readUpTo <= kGap && m_overlay.empty();
     const PageNo pagesInFile = m_inTransaction ? m_pageCountBefore : m_pageCount;
     const auto fewOfAll = static_cast<PageNo>(m_cache.capacity() / 8);
@@ -107,7 +107,7 @@ PageNo Pager::runFrom(PageNo page)
     return m_run;
 }
 
-/// Reads pages with one call and keeps those that were not in memory; the first one of them.
+/// Reads pages with one call and caches those that were not in memory. Returns the first one.
 std::shared_ptr<PageBuffer> Pager::loadRun(PageNo first, PageNo count)
 {
     Bytes bytes(count * kPageSize);
@@ -133,7 +133,7 @@ void Pager::requirePage(PageNo page)
                      page);
 }
 
-/// From where a page stands when it is not in memory.
+/// Reads a page that is not in memory: from the overlay or the file.
 void Pager::loadBytes(PageNo page, MutableBytes start)
 {
     if (const auto waiting = m_overlay.find(page); waiting != m_overlay.end())
@@ -178,7 +178,7 @@ void Pager::begin()
     lockWriter();
     try {
         renewLockFile();
-        lookAtFile(); // nobody else changes it now
+        lookAtFile(); // nobody else can change it now
     } catch (...) {
         m_mustLook = true;
         unlockWriter();
@@ -202,7 +202,7 @@ void Pager::commit()
         lockPages(LockMode::Exclusive, "another program is reading it");
         requireName(m_name);
         if (m_path != m_name)
-            requireName(m_path); // where the journal stands and will be looked for
+            requireName(m_path); // where the next opener looks for the journal
         applyChanges();
     } catch (...) {
         rollback();
@@ -225,7 +225,7 @@ std::vector<PageChange> Pager::sortedChanges() const
     return changes;
 }
 
-/// Other programs leave traces on page 1, and on page 0, which always changes, whatever they write.
+/// Whatever other programs write, they change page 1, or page 0, which is always a record.
 std::vector<PageWitness> Pager::witnesses()
 {
     m_reliedOn.insert(kGlobalMapPage);
@@ -314,7 +314,7 @@ void Pager::beginRead()
         try {
             lookAtFile();
         } catch (...) {
-            m_mustLook = true; // what was to be seen has not been seen yet
+            m_mustLook = true; // the change has not been read yet
             m_file->unlock(LockPart::Pages);
             throw;
         }
@@ -341,7 +341,7 @@ void Pager::beginGlance()
     ++m_readDepth;
 }
 
-/// A page can be trusted under the lock only.
+/// Pages are only valid under the lock.
 void Pager::endGlance()
 {
     lockPages(LockMode::Shared, "another program is writing to it");
@@ -359,7 +359,7 @@ void Pager::lock(LockPart part, LockMode mode, const char *who)
                     "Could not use '" + displayName(m_path) + "': " + std::string(who) + ".");
 }
 
-/// Readers that come one after the other would otherwise keep a writer waiting for ever.
+/// Otherwise readers in quick succession could starve a writer.
 void Pager::lockPages(LockMode mode, const char *who)
 {
     lock(LockPart::Turn, mode, who);
@@ -428,8 +428,8 @@ void Pager::releaseName()
     m_file->releaseName();
 }
 
-/// Called while an object is destroyed. A lock that cannot be weakened stays the stronger one:
-/// others wait longer, nothing is lost.
+/// Called by destructors. A lock that cannot be weakened stays exclusive: others wait longer,
+/// nothing is lost.
 void Pager::weaken(LockPart part) noexcept
 {
     try {

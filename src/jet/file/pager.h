@@ -17,65 +17,65 @@
 namespace jet
 {
 
-// The pages of one database file: a bounded cache, transactions, and the agreement with other
+// The pages of one database file: an LRU cache, transactions, and the coordination with other
 // openers. A transaction collects the new content of pages in memory; commit() writes them through
-// the journal (see journal.h), so the file goes from one consistent state to the next in one step
-// for every other opener and across every kind of stop.
+// the journal (see journal.h), so that the file changes atomically for every other opener and after
+// every kind of interruption.
 //
-// Each commit changes the change counter in page 0, and page 0 is the first page it writes. What an
-// opener keeps in memory is therefore true as long as the counter is the one it was read under, and
-// pages are loaded only under the lock that keeps writers out.
+// Each commit increments the change counter in page 0, and page 0 is the first page it writes.
+// Cached pages are therefore valid while the counter has the value they were read under; pages are
+// loaded only under the lock that excludes writers.
 class Pager
 {
 public:
     enum class Use {
         Shared,
-        Draft, ///< nobody else knows the file, and a stop makes it worthless: no locks, no journal
+        Draft, ///< a file of this opener alone, discarded when interrupted: no locks, no journal
     };
     /// True when all pages fit together.
     using SoundnessCheck = std::function<bool(Pager &)>;
 
-    /// Opens the file. What an interrupted statement left is finished or dropped at the first look
-    /// at the file; a read-only opener only sees the file as it will be then. `isSound` decides
-    /// where the journal alone does not tell whether it belongs to the file. Throws
-    /// Error(FileNotFound), Error(ReadOnly), Error(InUse).
+    /// Opens the file. The first access finishes or drops an interrupted statement; a read-only
+    /// opener only sees the file as it would be after that. `isSound` decides where the journal
+    /// alone does not prove that it belongs to the file. Throws Error(FileNotFound),
+    /// Error(ReadOnly), Error(InUse).
     Pager(std::shared_ptr<FileSystem> files, const std::filesystem::path &path,
           const OpenOptions &options, Use use, SoundnessCheck isSound);
     ~Pager();
     Pager(const Pager &) = delete;
     Pager &operator=(const Pager &) = delete;
 
-    /// Pages of the file, with those a running transaction has added.
+    /// Pages of the file, including those that a running transaction has added.
     PageNo pageCount() const { return m_pageCount; }
 
-    /// The content of a page. Throws Error(Damaged) for a page behind the end of the file.
+    /// The content of a page. Throws Error(Damaged) for a page beyond the end of the file.
     PageRef read(PageNo page);
 
-    /// The first bytes of a page that is not worth keeping in memory. Throws as read() does.
+    /// Reads the first bytes of a page without caching it. Throws as read() does.
     void readStart(PageNo page, MutableBytes start);
-    /// Nothing the transaction has read on a page matters to it, as it gives the page back: after
-    /// an interruption the page may hold anything.
+    /// Removes a page from the witnesses of the transaction, which releases it: after an
+    /// interruption the page may hold anything.
     void disregard(PageNo page) { m_reliedOn.erase(page); }
 
-    /// The page for changing; the reference stays valid until the transaction ends.
+    /// The page for writing; the reference is valid until the transaction ends.
     PageBuffer &edit(PageNo page);
-    /// A page of zeros behind the last one.
+    /// Appends a page of zeros.
     PageNo extend();
 
     /// Starts a transaction. Throws Error(ReadOnly), Error(InUse) when another opener writes, and
-    /// what a look at the file throws.
+    /// what ReadScope throws.
     void begin();
-    /// Writes the transaction. On failure the file is put back and the transaction rolled back; on
-    /// a disk that does not even take the old pages back, the journal keeps the transaction, the
-    /// error's description says so, and the next opener or statement finishes it. Throws
-    /// Error(FileNotFound), Error(DiskError) when the name does not lead to the file any more.
+    /// Writes the transaction. On failure the file is restored and the transaction rolled back;
+    /// when the disk refuses even that, the journal keeps the transaction, the error's description
+    /// says so, and the next opener or statement finishes it. Throws Error(FileNotFound) or
+    /// Error(DiskError) when the name no longer leads to the file.
     void commit();
     void rollback();
     bool inTransaction() const { return m_inTransaction; }
 
-    /// While one lives, no other opener changes the file; pages and versions read under it belong
-    /// together. May be nested. Throws Error(InUse), Error(NotADatabase) for a file of less than
-    /// one page, Error(Damaged) when an interrupted statement fits the file neither way.
+    /// While one exists, no other opener changes the file; pages and versions read under it are
+    /// consistent. May be nested. Throws Error(InUse), Error(NotADatabase) for a file of less than
+    /// one page, Error(Damaged) when an interrupted statement can be neither finished nor dropped.
     class ReadScope
     {
     public:
@@ -88,8 +88,9 @@ public:
         Pager &m_pager;
     };
 
-    /// The same without a lock until a page has to be loaded, only when isUnchanged(). When the
-    /// file has changed by then, loading throws Overtaken, and what was read so far is old.
+    /// The same, but takes the lock only when a page must be loaded. Precondition: isUnchanged().
+    /// If the file has changed by then, loading throws Overtaken, and what was read so far is
+    /// outdated.
     class Glance
     {
     public:
@@ -103,22 +104,22 @@ public:
     };
     struct Overtaken {
     };
-    /// True while nobody has changed the file since it was looked at last.
+    /// True if nobody has changed the file since its last access.
     bool isUnchanged();
     bool isReading() const { return m_readDepth > 0 || m_inTransaction; }
 
-    /// Changes with every change of any page, by this opener or another: what was worked out from
-    /// pages under another version has to be worked out again.
+    /// Changes with every change of any page, by this opener or another: what was computed from
+    /// pages under another version is outdated.
     std::uint64_t version() const { return m_version; }
     /// Changes when definitions may have changed: after a rollback or a change by another opener.
     std::uint64_t foreignVersion() const { return m_foreignVersion; }
 
-    /// Keeps every other opener out until unlockOpeners(). Throws Error(TableLocked).
+    /// Excludes other openers until unlockOpeners(). Throws Error(TableLocked).
     void lockOpeners();
     void unlockOpeners();
 
-    /// Lets another file take the name; the locks are kept as long as the system lets. Nothing else
-    /// may follow.
+    /// Lets another file take the name; the locks are kept where the system allows it. Only the
+    /// destructor may follow.
     void releaseName();
 
     const std::filesystem::path &path() const { return m_path; }
@@ -186,12 +187,12 @@ private:
     bool m_isGlancing = false; ///< reading without a lock
     bool m_inTransaction = false;
     bool m_holdsWriter = false;
-    bool m_mustLook = true; ///< what is in memory may not be what is in the file
+    bool m_mustLook = true; ///< the cache may be outdated
 
     PageCache m_cache;
     PageNo m_readUpTo = 0; ///< the last page that was read from the file
     PageNo m_run = 1;      ///< pages that were read together then
-    /// Pages of a journal that a read-only opener may not apply.
+    /// Pages of a journal that a read-only opener cannot apply to the file.
     std::map<PageNo, PageRef> m_overlay;
     std::unordered_map<PageNo, ChangedPage> m_changes;
     std::unordered_set<PageNo> m_reliedOn; ///< pages that the transaction has read

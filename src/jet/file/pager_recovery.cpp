@@ -2,13 +2,13 @@
 
 #include <string>
 
-// What a pager does about the work of others: changes to the file, and statements that their
-// writers could not finish.
+// How a pager reacts to other openers: to changes of the file, and to statements that were
+// interrupted.
 
 namespace jet
 {
 
-/// What is written to a file that nobody can find any more is lost.
+/// What is written to a file without a name is lost.
 void Pager::requireName(const std::filesystem::path &name)
 {
     if (m_file->isNamed(name))
@@ -23,11 +23,11 @@ void Pager::requireName(const std::filesystem::path &name)
 ChangeCounter Pager::storedCounter()
 {
     std::array<std::uint8_t, sizeof(ChangeCounter)> bytes{};
-    m_file->read(kChangeCounterOffset, bytes); // a file too short for it has no page either
+    m_file->read(kChangeCounterOffset, bytes); // a file too short for it has no pages
     return readLittleEndian<ChangeCounter>(bytes, 0);
 }
 
-/// Called with the pages locked for reading, or by the one who writes.
+/// Called with the pages locked for reading, or by the writer.
 void Pager::lookAtFile()
 {
     const ChangeCounter counter = storedCounter();
@@ -59,7 +59,7 @@ void Pager::recover()
     lockWriter();
     try {
         finishJournal();
-        // While nobody else can write: another writer might stop halfway before the pages are read.
+        // Under the writer's lock: another writer might be interrupted before the pages are read.
         lockPages(LockMode::Shared, "another program is writing to it");
     } catch (...) {
         unlockWriter();
@@ -72,8 +72,7 @@ void Pager::finishJournal()
 {
     if (const auto left = m_journal.read()) {
         switch (remedyFor(*left)) {
-        case Remedy::Drop: // undone or written whole, but perhaps only in the system's memory so
-                           // far
+        case Remedy::Drop: // undone or complete, but perhaps not yet synced
             syncIfWanted();
             break;
         case Remedy::Finish:
@@ -120,9 +119,9 @@ void Pager::loadOverlay()
     }
 }
 
-/// A file that shows only what the statement found or wrote is the statement's own. Otherwise a
-/// disk may have garbled a sector when the power went, another program may have written to the
-/// file, or another file may stand in its place: then all pages together have to tell.
+/// A file whose sectors are all old or new belongs to the statement. Otherwise a loss of power may
+/// have garbled a sector, another program may have written to the file, or another file may have
+/// replaced it: then the check of the whole file decides.
 Pager::Remedy Pager::remedyFor(const Journal &journal)
 {
     const JournalTraces traces = journal.tracesIn(*m_file);
@@ -143,13 +142,13 @@ Pager::Remedy Pager::remedyFor(const Journal &journal)
     return Remedy::KeepAside;
 }
 
-/// Looks at the file as it would be with other content of some pages.
+/// Checks the file as it would be with other content of some pages.
 bool Pager::isSoundWith(const std::map<PageNo, PageRef> &pages)
 {
     forgetPages();
     m_overlay = pages;
     refreshPageCount();
-    ++m_readDepth; // the locks are held already
+    ++m_readDepth; // the locks are already held
     bool isSound = false;
     try {
         isSound = m_isSound(*this);

@@ -30,7 +30,7 @@ bool isTooLong(const Value &value, const ColumnDefinition &column)
     return bytes != nullptr && bytes->size() > column.length;
 }
 
-/// For the types that samples are made of; false says nothing.
+/// Fast path for the types of a sample: true when the value already has the column's type.
 bool isColumnValue(const Value &value, const ColumnDefinition &column)
 {
     switch (column.type) {

@@ -76,7 +76,7 @@ private:
     std::uint64_t m_version = 0;
 };
 
-/// The smallest bytes greater than everything that begins with `prefix`; empty when there are none.
+/// The least bytes greater than everything that begins with `prefix`; empty when there are none.
 Bytes behindPrefix(Bytes prefix)
 {
     while (!prefix.empty() && prefix.back() == 0xFF)
