@@ -82,8 +82,8 @@ bool Cursor::next()
     return m_place == Place::On && (stepUnchanged() || step(true));
 }
 
-/// Moves forward while nothing has changed, without a lock where the pages are in memory; false when
-/// that does not lead to the next record.
+/// Moves forward while nothing has changed, without a lock where the pages are in memory; false
+/// when that does not lead to the next record.
 bool Cursor::stepUnchanged()
 {
     if (!m_forward || !m_moved.empty() || m_movedTo || !m_store || !m_session->isUnchanged() ||

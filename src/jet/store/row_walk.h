@@ -19,7 +19,8 @@ public:
     virtual bool first(const TableStore &table) = 0;
     virtual bool last(const TableStore &table) = 0;
     virtual bool next(const TableStore &table) = 0;
-    /// The same for a walk that does not move when this throws or finds no row; false for the others.
+    /// The same for a walk that does not move when this throws or finds no row; false for the
+    /// others.
     virtual bool tryNext(const TableStore &) { return false; }
     virtual bool previous(const TableStore &table) = 0;
     virtual RowPointer row() const = 0;

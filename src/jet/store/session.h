@@ -28,8 +28,8 @@ public:
     {
         return readWhen(isUnchanged(), std::forward<Function>(function));
     }
-    /// The same; `wasUnchanged`: the result of isUnchanged() just before. Nested in another one, the
-    /// outer one runs again: what it has read so far is outdated as well.
+    /// The same; `wasUnchanged`: the result of isUnchanged() just before. Nested in another one,
+    /// the outer one runs again: what it has read so far is outdated as well.
     template <typename Function>
     auto readWhen(bool wasUnchanged, Function &&function)
     {
