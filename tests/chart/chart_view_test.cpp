@@ -47,6 +47,12 @@ protected:
         QWheelEvent wheel(at, plot.mapToGlobal(at), {}, {0, 120}, {}, {}, Qt::NoScrollPhase, false);
         QCoreApplication::sendEvent(&plot, &wheel);
     }
+    void send(QEvent::Type type, Qt::MouseButton button, Qt::MouseButtons down, QPoint at)
+    {
+        QMouseEvent event(type, at, plot.mapToGlobal(at), button, down, Qt::NoModifier);
+        QCoreApplication::sendEvent(&plot, &event);
+        plot.replot();
+    }
     QPoint legendCentre() const { return plot.legend->outerRect().center(); }
     void expectAllRows(double maximum) const
     {
@@ -60,6 +66,22 @@ protected:
 };
 
 } // namespace
+
+TEST_F(ChartViewTest, ManyEditsAreOneRepaint)
+{
+    QSignalSpy repaints(&plot, &QCustomPlot::afterReplot);
+    fill();
+    for (int row = 1; row <= 60; ++row) {
+        grid.setRow(row);
+        grid.setData(row);
+    }
+    grid.setColumnLabel("Camera");
+    grid.setBackdrop(ChartGrid::Backdrop::Transparent);
+    QTRY_COMPARE(repaints.size(), 1);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(repaints.size(), 1);
+    EXPECT_EQ(plot.graph(0)->data()->at(59)->value, 60);
+}
 
 TEST_F(ChartViewTest, PickTakesTheNearestLineAndPoint)
 {
@@ -130,6 +152,43 @@ TEST_F(ChartViewTest, LegendIsDraggedAndPutBack)
     QTest::mouseDClick(&plot, Qt::LeftButton, {}, legendCentre());
     plot.replot();
     EXPECT_EQ(plot.legend->outerRect(), home);
+}
+
+/// A message box swallows the release of the drag that it interrupts.
+TEST_F(ChartViewTest, DragEndsWithTheLeftButtonAlone)
+{
+    const QPoint middle(450, 120);
+    zoom(middle);
+    plot.replot();
+    for (const QPoint from : {middle, legendCentre()}) {
+        send(QEvent::MouseButtonPress, Qt::LeftButton, Qt::LeftButton, from);
+        send(QEvent::MouseButtonPress, Qt::MiddleButton, Qt::LeftButton | Qt::MiddleButton, from);
+        send(QEvent::MouseButtonRelease, Qt::MiddleButton, Qt::LeftButton, from);
+        send(QEvent::MouseMove, Qt::NoButton, Qt::LeftButton, from - QPoint(40, 10));
+        const QCPRange rows = plot.xAxis->range();
+        const QPoint legend = legendCentre();
+        send(QEvent::MouseMove, Qt::NoButton, Qt::NoButton, from - QPoint(90, 30));
+        EXPECT_EQ(plot.xAxis->range(), rows);
+        EXPECT_EQ(legendCentre(), legend);
+        drag(middle, middle - QPoint(20, 0));
+        EXPECT_NE(plot.xAxis->range(), rows) << "the plot can be dragged again";
+    }
+    EXPECT_TRUE(plot.axisRect()->rect().contains(legendCentre())) << "the legend was dragged too";
+}
+
+TEST_F(ChartViewTest, LooksTheSameBehindALockedDialog)
+{
+    grid.setBackdrop(ChartGrid::Backdrop::Transparent);
+    const QImage before = view.image(Qt::lightGray);
+    view.setEnabled(false);
+    for (const double maximum : {200, 150}) { // applied, restored
+        grid.setValueAxisMaximum(maximum);
+        plot.replot();
+    }
+    EXPECT_EQ(view.image(Qt::lightGray), before);
+    view.setEnabled(true);
+    plot.replot();
+    EXPECT_EQ(view.image(Qt::lightGray), before);
 }
 
 TEST_F(ChartViewTest, LettersStandOutFromWhatLiesBehind)
