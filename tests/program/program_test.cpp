@@ -149,6 +149,19 @@ TEST_F(ProgramTest, BrowserShowsTheNewestFirstAndGivesWayToTheArchive)
     EXPECT_FALSE(program->station().FormMdbDeschis);
 }
 
+TEST_F(ProgramTest, DayArchivesItselfAtItsEndWhileMonitoringGoesOn)
+{
+    monitor(3);
+    clock.setClock(wallTime(QDate(2026, 3, 7), QTime(23, 59, 50)));
+    const QString archive = folder.path() + "/mdb/arhive/arh_07.03.2026_autoclava1.mdb";
+    ASSERT_TRUE(QTest::qWaitFor([&] { return QFile::exists(archive); }, 60'000));
+    lastId = 0;
+    ASSERT_TRUE(reaches(3)) << "the new day counts from 1";
+    hit(Qt::Key_F2);
+    EXPECT_EQ(storedRecords(), std::uint32_t(lastId));
+    EXPECT_TRUE(op.told.isEmpty()) << op.told.join('\n').toStdString();
+}
+
 TEST_F(ProgramTest, BrowserThatFailsMayBeClosedBehindItsOwnMessage)
 {
     start();
