@@ -4,84 +4,52 @@
 #include "jet/value_conversion.h"
 #include "tests/jet/command.h"
 
-#include <chrono>
+#include <QDeadlineTimer>
+#include <QFile>
+#include <QTemporaryDir>
 #include <cmath>
 #include <filesystem>
-#include <random>
 #include <stdexcept>
 #include <string>
 #include <vector>
-#ifdef _WIN32
-#include <cctype>
-#include <cstdlib>
-#include <fstream>
-#include <process.h>
-#include <thread>
-#endif
 
 // mdbtools read what the engine wrote: programs that share no line with it.
 
 namespace jet
 {
 
-/// A folder of its own for the life of the object.
-class TemporaryFolder
-{
-public:
-    TemporaryFolder()
-        : m_path(std::filesystem::temp_directory_path() /
-                 ("jet_tests_" + std::to_string(std::random_device{}())))
-    {
-        std::filesystem::create_directories(m_path);
-    }
-    ~TemporaryFolder()
-    {
-        std::error_code ignored;
-        std::filesystem::remove_all(m_path, ignored);
-    }
-    TemporaryFolder(const TemporaryFolder &) = delete;
-    TemporaryFolder &operator=(const TemporaryFolder &) = delete;
-
-    std::filesystem::path operator/(const char *name) const { return m_path / name; }
-
-private:
-    std::filesystem::path m_path;
-};
-
 #ifdef _WIN32
 /// Under Wine a file has two names: this is the one for the host's programs, such as mdbtools.
 inline std::string toolName(const std::filesystem::path &path)
 {
     const std::string name = std::filesystem::absolute(path).generic_string();
-    const auto drive = static_cast<char>(std::tolower(static_cast<unsigned char>(name.at(0))));
-    return std::string(std::getenv("WINEPREFIX")) + "/dosdevices/" + drive + name.substr(1);
+    const char drive = QChar::fromLatin1(name.at(0)).toLower().toLatin1();
+    return qgetenv("WINEPREFIX").toStdString() + "/dosdevices/" + drive + name.substr(1);
 }
 
 /// Wine starts the host's programs, but lends them no pipe and waits for none: what they write goes
 /// to a file, and a second one appears when they have ended.
 inline Outcome runTool(const std::vector<std::string> &command)
 {
-    const TemporaryFolder folder;
+    const QTemporaryDir folder;
+    const auto quoted = [](const std::string &word) { return "'" + word + "' "; };
+    const auto file = [&](const char *name) {
+        return quoted(toolName(folder.filePath(name).toStdU16String()));
+    };
     std::string line;
     for (const std::string &word : command)
-        line += "'" + word + "' ";
-    line += "> '" + toolName(folder / "output") + "' 2>&1; echo $? > '" +
-            toolName(folder / "part") + "'; mv '" + toolName(folder / "part") + "' '" +
-            toolName(folder / "status") + "'";
-    line = '"' + line + '"';
-    if (_spawnl(_P_NOWAIT, R"(Z:\bin\sh)", "sh", "-c", line.c_str(), nullptr) < 0)
+        line += quoted(word);
+    line += "> " + file("output") + "2>&1; echo $? > " + file("part") + "; mv " + file("part") +
+            file("status");
+    if (!QProcess::startDetached("Z:\\bin\\sh", {"-c", QString::fromStdString(line)}))
         throw std::runtime_error("mdbtools are run by Wine's host, and there is none");
-    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(60);
-    while (!std::filesystem::exists(folder / "status")) {
-        if (std::chrono::steady_clock::now() > end)
+    QFile output(folder.filePath("output"));
+    QFile status(folder.filePath("status"));
+    for (const QDeadlineTimer limit(60'000); !status.open(QIODevice::ReadOnly);)
+        if (limit.hasExpired())
             throw std::runtime_error("no end of " + line);
-        std::this_thread::yield();
-    }
-    Outcome outcome;
-    std::ifstream output(folder / "output", std::ios::binary);
-    outcome.output.assign(std::istreambuf_iterator<char>(output), {});
-    std::ifstream(folder / "status") >> outcome.status;
-    return outcome;
+    output.open(QIODevice::ReadOnly);
+    return {output.readAll().toStdString(), status.readAll().trimmed().toInt()};
 }
 #else
 inline std::string toolName(const std::filesystem::path &path)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "tests/jet/mdbtools.h"
 #include "tests/jet/sample_database.h"
 
 #include <gtest/gtest.h>
@@ -16,7 +17,8 @@ protected:
         return Database::open(m_path, unsynced(readOnly));
     }
 
-    TemporaryFolder m_folder;
+    const QTemporaryDir m_temporary;
+    const std::filesystem::path m_folder = m_temporary.path().toStdU16String();
     const std::filesystem::path m_path = m_folder / "autoclava1.mdb";
 };
 

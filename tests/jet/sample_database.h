@@ -4,7 +4,6 @@
 #include "jet/format/make_definition.h"
 #include "jet/utf8.h"
 #include "tests/jet/jet_testing.h"
-#include "tests/jet/mdbtools.h"
 
 #include <string>
 #include <vector>

@@ -306,16 +306,6 @@ void RowView::read(std::size_t column, Value &value) const
         decodeValue(stored(column), layout, value);
 }
 
-std::vector<Value> decodeRow(ByteView row, const RowLayout &layout)
-{
-    const RowView view(row, layout);
-    std::vector<Value> values;
-    values.reserve(layout.columns.size());
-    for (std::size_t i = 0; i < layout.columns.size(); ++i)
-        values.push_back(view.value(i));
-    return values;
-}
-
 Bytes encodeRow(std::span<const Value> values, const RowLayout &layout)
 {
     assert(values.size() == layout.columns.size());

@@ -74,9 +74,6 @@ private:
     std::size_t m_fixedEnd = 0;      ///< first byte after the fixed area
 };
 
-/// All columns, in the order of RowLayout::columns.
-std::vector<Value> decodeRow(ByteView row, const RowLayout &layout);
-
 /// The bytes of a row. `values` in the order of RowLayout::columns, each Null or of the column's
 /// own type (see convertValue()); Memo and OLE columns take Bytes, the stored reference made by
 /// encodeLongValueRef(). A null Boolean is stored as false. Throws Error(RecordTooLarge) for more
