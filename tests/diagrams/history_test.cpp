@@ -1,6 +1,5 @@
 #include "app/settings/chart_settings.h"
 #include "diagrams/history_date.h"
-#include "diagrams/history_layout.h"
 #include "jet/file/file.h"
 #include "platform/file_date.h"
 #include "platform/runtime_error.h"
@@ -9,30 +8,6 @@
 
 #include <QFile>
 #include <cmath>
-
-TEST(HistoryLayout, PartsLieInTheWindowOneBelowTheOther)
-{
-    for (const auto &[window, rows] :
-         {std::pair(TwipsSize{28000, 14000}, 1), {{11000, 6200}, 2}, {{3600, 7400}, 3}}) {
-        const HistoryLayout layout =
-            historyLayout({window, {5000, 240}, {1500, 330}, {1200, 360}, 2600, 260, 240});
-        double below = rows * 360;
-        EXPECT_EQ(layout.status.left > layout.button.left, rows == 1);
-        EXPECT_GE(layout.status.width, 2600) << "it can be read in whole";
-        EXPECT_LE(layout.status.top + layout.status.height, layout.chart1.title.top);
-        for (const HistoryPanel &panel : {layout.chart1, layout.chart2}) {
-            EXPECT_GE(panel.title.top, below);
-            EXPECT_GE(panel.viewport.top, panel.title.top + panel.title.height);
-            EXPECT_GT(panel.viewport.height, 1400);
-            EXPECT_EQ(panel.scrollBar.top, panel.viewport.top + panel.viewport.height + 30);
-            EXPECT_EQ(panel.scrollBar.width, panel.viewport.width);
-            below = panel.scrollBar.top + panel.scrollBar.height;
-        }
-        EXPECT_GE(layout.selection.top, below);
-        EXPECT_LE(layout.selection.top + layout.selection.height, window.height);
-        EXPECT_LE(layout.status.left + layout.status.width, window.width);
-    }
-}
 
 TEST(HistoryDate, DaysAreReadAsThePromptAsksForThem)
 {

@@ -309,6 +309,7 @@ protected:
         choose("DeschidDiag");
         pickAPoint("MSChart1", "DateLabel1_0");
         pickAPoint("MSChart2", "DateLabel1_1");
+        pickAPoint("MSChartAdo2", "LabelDate");
         expectInLine("MSChart1", "MSChart2");
         expectInLine("MSChartAdo1", "MSChartAdo2");
     }
@@ -323,7 +324,7 @@ protected:
         EXPECT_TRUE(QTest::qWaitFor([&] { return edges(upper) == edges(lower); })) << upper;
     }
 
-    /// Its text is shown below the chart.
+    /// Its text is shown below the charts.
     void pickAPoint(const char *chart, const char *label)
     {
         auto &view = *child<ChartView>(chart);
