@@ -153,10 +153,16 @@ TEST_F(Sharing, KilledWriterLosesNothingItReported)
 {
     long survived = 20;
     for (int round = 0; round < 12; ++round) {
-        const Outcome writer = run({APPENDING_WRITER, m_path.string(), std::to_string(survived + 1),
-                                    std::to_string(6 + 7 * round)});
-        const std::size_t lastLine = writer.output.rfind('\n', writer.output.size() - 2) + 1;
-        const long last = std::stol(writer.output.substr(lastLine));
+        QProcess writer;
+        writer.start(APPENDING_WRITER, {QString::fromStdU16String(m_path.u16string()),
+                                        QString::number(survived + 1)});
+        QByteArray output;
+        while (output.count('\n') < 6 + 7 * round && writer.waitForReadyRead())
+            output += writer.readAllStandardOutput();
+        writer.kill();
+        ASSERT_TRUE(writer.waitForFinished());
+        output += writer.readAllStandardOutput();
+        const long last = output.trimmed().split('\n').last().toLong();
         EXPECT_GE(last, survived + 6 + 7 * round);
         const Database database = open();
         survived = database.table(u"Tabel").recordCount();
