@@ -4,7 +4,7 @@
 //   archived_days FOLDER FIRST_DAY DAYS SAMPLES SEED      FIRST_DAY as 2026-03-01, SAMPLES a day
 
 #include "jet/database.h"
-#include "platform/clock.h"
+#include "storage/storage_file.h"
 #include "storage/tabel.h"
 #include "tools/trm10c_simulator/autoclave_cycle.h"
 
@@ -35,12 +35,9 @@ jet::Row sample(std::int32_t number, QDate day, int second,
 
 void writeDay(const QString &path, QDate day, int samples, AutoclaveCycle &cycle)
 {
-    jet::OpenOptions options;
-    options.durability = jet::Durability::Unsynced;
-    jet::Database database = jet::Database::create(
-        path.toStdU16String(), tabel::momentValue(wallTime(day, QTime(0, 0))), options);
-    jet::Table table =
-        database.createTable(tabel::design(), tabel::momentValue(wallTime(day, QTime(0, 0))));
+    jet::Database database = jet::Database::create(nativePath(path), tabel::dateValue(day),
+                                                   {.durability = jet::Durability::Unsynced});
+    jet::Table table = database.createTable(tabel::design(), tabel::dateValue(day));
     jet::Transaction transaction(database);
     for (int i = 0; i < samples; ++i) {
         const int second = static_cast<int>(std::int64_t{kSecondsPerDay} * i / samples);

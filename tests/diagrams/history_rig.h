@@ -2,10 +2,9 @@
 
 #include "diagrams/history_diagrams.h"
 #include "jet/database.h"
+#include "storage/storage_file.h"
 #include "storage/tabel.h"
 #include "tests/diagrams/diagrams_rig.h"
-
-#include <QFileInfo>
 
 /// History diagrams on the shipped settings, and archives for them.
 class HistoryRig : public DiagramsRig
@@ -16,17 +15,12 @@ protected:
     HistoryRig() { load(live); }
 
     QString archive() const { return station.archiveFolder() + kArchive; }
-    std::filesystem::path archivePath() const
-    {
-        return QFileInfo(archive()).filesystemAbsoluteFilePath();
-    }
 
     void writeArchive(const jet::TableDesign &table,
                       const std::vector<jet::Assignments> &records) const
     {
-        jet::OpenOptions quick;
-        quick.durability = jet::Durability::Unsynced;
-        jet::Database database = jet::Database::create(archivePath(), {kDay}, quick);
+        jet::Database database = jet::Database::create(nativePath(archive()), {kDay},
+                                                       {.durability = jet::Durability::Unsynced});
         jet::Transaction transaction(database);
         jet::Table target = database.createTable(table, {kDay});
         for (const jet::Assignments &record : records)

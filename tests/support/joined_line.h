@@ -1,8 +1,6 @@
 #pragma once
 
-#include "platform/serial_line.h"
-
-#include <memory>
+#include "tools/trm10c_simulator/recorder_line.h"
 
 /// A line from a simulated recorder to the station.
 struct JoinedLine {
@@ -14,4 +12,11 @@ struct JoinedLine {
 
 /// Over a pseudo-terminal, or over the two joined ports that STATION_TEST_PORTS names, the
 /// station's first ("COM1,COM2"): systems without pseudo-terminals need them.
-JoinedLine joinLine();
+inline JoinedLine joinLine()
+{
+    const QStringList ports = qEnvironmentVariable("STATION_TEST_PORTS").split(u',');
+    if (ports.size() == 2)
+        return {openSerialPort(ports[1]).line, ports[0], false};
+    RecorderLine end = openPseudoTerminal();
+    return {std::move(end.line), end.portName, true};
+}
