@@ -13,26 +13,22 @@ TEST(HistoryDate, DaysAreReadAsThePromptAsksForThem)
 {
     const QLocale romanian(QLocale::Romanian);
     const QLocale american(QLocale::English, QLocale::UnitedStates);
-    struct Case {
-        const char *text;
-        QLocale locale;
-        QDate date;
-    };
-    for (const Case &c : {Case{"07.03.2026", romanian, {2026, 3, 7}},
-                          {" 7/3/26 ", american, {2026, 3, 7}},
-                          {"07-03-2026", QLocale(QLocale::Swedish), {2026, 3, 7}},
-                          {"2026-03-07", QLocale(QLocale::Swedish), {2026, 3, 7}},
-                          {"12/31/1999", american, {1999, 12, 31}},
-                          {"7 Mar 2026", QLocale::c(), {2026, 3, 7}},
-                          {"07 03 2026", QLocale::c(), {2026, 3, 7}},
-                          {"1.1.30", romanian, {1930, 1, 1}},
-                          {"29.02.2026", romanian, {}},
-                          {"07.03", romanian, {}},
-                          {"azi", romanian, {}},
-                          {"", romanian, {}},
-                          {"07.03.2026x", romanian, {}}})
-        EXPECT_EQ(typedDate(QString::fromUtf8(c.text), c.locale).value_or(QDate()), c.date)
-            << c.text;
+    using Case = std::tuple<const char *, QLocale, QDate>;
+    for (const auto &[text, locale, date] :
+         std::initializer_list<Case>{Case{"07.03.2026", romanian, {2026, 3, 7}},
+                                     {" 7/3/26 ", american, {2026, 3, 7}},
+                                     {"07-03-2026", QLocale(QLocale::Swedish), {2026, 3, 7}},
+                                     {"2026-03-07", QLocale(QLocale::Swedish), {2026, 3, 7}},
+                                     {"12/31/1999", american, {1999, 12, 31}},
+                                     {"7 Mar 2026", QLocale::c(), {2026, 3, 7}},
+                                     {"07 03 2026", QLocale::c(), {2026, 3, 7}},
+                                     {"1.1.30", romanian, {1930, 1, 1}},
+                                     {"29.02.2026", romanian, {}},
+                                     {"07.03", romanian, {}},
+                                     {"azi", romanian, {}},
+                                     {"", romanian, {}},
+                                     {"07.03.2026x", romanian, {}}})
+        EXPECT_EQ(typedDate(QString::fromUtf8(text), locale).value_or(QDate()), date) << text;
     EXPECT_EQ(archiveName(fileDate({2026, 3, 7}), "a%1.mdb"), "arh_07.03.2026_a%1.mdb");
 
     const QDate today(2026, 11, 21);
@@ -186,7 +182,7 @@ TEST_F(HistoryDiagramsTest, FailuresAreNumberedAndLeaveClearedCharts)
     writeDay(400);
     EXPECT_EQ(failure(), 0);
     const auto lock = jet::makeSystemFiles()->openLock(
-        std::filesystem::path(archivePath()).replace_extension(".ldb"),
+        std::filesystem::path(nativePath(archive())).replace_extension(".ldb"),
         jet::FileSystem::Access::Create);
     ASSERT_TRUE(lock->tryLock(jet::LockMode::Exclusive));
     EXPECT_EQ(failure(), static_cast<int>(ErrorCode::InUse));

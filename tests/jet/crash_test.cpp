@@ -38,21 +38,21 @@ void appendOne(Database &database)
 }
 
 const Statement kStatements[] = {
-    {"append", samples(20), appendOne},
-    {"append to a file that ends inside a page", samples(20), appendOne, 100},
-    {"append with a new page and a split index", samples(401),
+    {"Append", samples(20), appendOne},
+    {"AppendToAFileThatEndsInsideAPage", samples(20), appendOne, 100},
+    {"AppendWithANewPageAndASplitIndex", samples(401),
      [](Database &database) {
          inTransaction(database, [&] { appendSamples(database.table(u"Tabel"), 402, 460); });
      }},
-    {"create a table", [](Database &) {}, samples(0)},
-    {"copy, drop and rename", samples(60),
+    {"CreateATable", [](Database &) {}, samples(0)},
+    {"CopyDropAndRename", samples(60),
      [](Database &database) {
          inTransaction(database, [&] {
              copyDropAndRename(database);
              appendOne(database);
          });
      }},
-    {"empty and refill", samples(130),
+    {"EmptyAndRefill", samples(130),
      [](Database &database) {
          Table table = database.table(u"Tabel");
          inTransaction(database, [&] {
@@ -60,7 +60,7 @@ const Statement kStatements[] = {
              appendSamples(table, 1, 70);
          });
      }},
-    {"change keys and long values",
+    {"ChangeKeysAndLongValues",
      [](Database &database) { appendNotes(database.createTable(notesDesign(), kSomeDay), 1, 30); },
      [](Database &database) {
          inTransaction(database, [&] { changeNotes(database.table(u"Note")); });
@@ -243,15 +243,10 @@ TEST_P(CrashAgain, JournalOfADeadMakerGuardsTheNextStatement)
     }
 }
 
-std::string nameOf(const testing::TestParamInfo<Statement> &statement)
-{
-    std::string name = statement.param.name;
-    std::erase_if(name, [](char c) { return c == ' ' || c == ','; });
-    return name;
-}
-
-INSTANTIATE_TEST_SUITE_P(Statements, Crash, testing::ValuesIn(kStatements), nameOf);
-INSTANTIATE_TEST_SUITE_P(Statements, CrashAgain, testing::Values(kStatements[0]), nameOf);
+INSTANTIATE_TEST_SUITE_P(Statements, Crash, testing::ValuesIn(kStatements),
+                         testing::PrintToStringParamName());
+INSTANTIATE_TEST_SUITE_P(Statements, CrashAgain, testing::Values(kStatements[0]),
+                         testing::PrintToStringParamName());
 
 /// What makes a whole file: the name leads to the old file or to the new one, never to a part of
 /// it. Whatever was left, `run` can begin again.

@@ -3,26 +3,18 @@
 #include "jet/format/bytes.h"
 #include "jet/format/table_definition.h"
 
-#include <charconv>
+#include <QByteArray>
 #include <optional>
-#include <sstream>
-#include <string>
 
 // What the engine's tests share: bytes written as in a hex dump, the code of a failure, columns.
 
 namespace jet
 {
 
-inline Bytes hex(const std::string &dump)
+inline Bytes hex(const char *dump)
 {
-    Bytes bytes;
-    std::istringstream words(dump);
-    for (std::string word; words >> word;) {
-        std::uint8_t byte = 0;
-        std::from_chars(word.data(), word.data() + word.size(), byte, 16);
-        bytes.push_back(byte);
-    }
-    return bytes;
+    const QByteArray bytes = QByteArray::fromHex(dump);
+    return {bytes.begin(), bytes.end()};
 }
 
 /// The code of the jet::Error a statement throws; nothing when it throws none.

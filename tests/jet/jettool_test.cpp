@@ -1,7 +1,7 @@
 #include "tests/jet/memory_database.h"
 #include "tests/jet/new_database.h"
 
-#include <utility>
+#include <tuple>
 
 // The program itself, as a user types it.
 
@@ -154,12 +154,7 @@ TEST_F(Jettool, CompactionByAMemberOfTheGroupKeepsTheGroup)
 TEST_F(Jettool, SaysWhatIsWrong)
 {
     writeFile(m_path, Bytes(5000, 'x'));
-    struct Case {
-        std::vector<std::string> arguments;
-        const char *start;
-        const char *end;
-    };
-    const Case cases[] = {
+    const std::tuple<std::vector<std::string>, const char *, const char *> cases[] = {
         {{"tables", "/nowhere/x.mdb"}, "jettool: 3024 Could not find file", "\nexit 1\n"},
         {{"check", m_path.string()}, "jettool: 3343 ", "\nexit 1\n"},
         {{}, "jettool: no command\n\nusage: jettool", "\nexit 2\n"},

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <tuple>
 
 // A journal that a stopped program left, beside the file it belongs to and beside others.
 
@@ -48,12 +49,7 @@ TEST_F(LeftOverJournal, IsFinishedOrDroppedByWhatIsInTheFileAndOnlySeenByAReader
     copy[kFile] = m_before;
     openOn(copy).table(u"Tabel").appendRow(sampleRow(1000));
     const std::ptrdiff_t sector = changed - changed % 512;
-    struct Case {
-        const char *what;
-        Bytes file;
-        std::uint32_t rows;
-    };
-    const Case cases[] = {
+    const std::tuple<const char *, Bytes, std::uint32_t> cases[] = {
         {"as it was left", torn, 90},
         {"nothing has reached the file", m_before, 20},
         {"a changed sector came out as zeros", with(torn, sector, 0, 512), 90},

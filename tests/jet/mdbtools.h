@@ -2,10 +2,10 @@
 
 #include "jet/cursor.h"
 #include "jet/value_conversion.h"
-#include "tests/jet/command.h"
 
 #include <QDeadlineTimer>
 #include <QFile>
+#include <QProcess>
 #include <QTemporaryDir>
 #include <cmath>
 #include <filesystem>
@@ -13,10 +13,33 @@
 #include <string>
 #include <vector>
 
-// mdbtools read what the engine wrote: programs that share no line with it.
+// Programs run by tests; mdbtools among them read what the engine wrote and share no line with it.
 
 namespace jet
 {
+
+/// What a program wrote, and its exit code.
+struct Outcome {
+    std::string output;
+    int status = 0;
+};
+
+/// Runs a program to its end; what it writes on standard error is part of the output.
+inline Outcome run(const std::vector<std::string> &command)
+{
+    QStringList words;
+    for (const std::string &word : command)
+        words += QString::fromStdString(word);
+    QProcess process;
+    process.setProcessChannelMode(QProcess::MergedChannels);
+    process.start(words.takeFirst(), words);
+    if (!process.waitForFinished(-1))
+        throw std::runtime_error("cannot run " + command.front());
+    const bool isEnded = process.exitStatus() == QProcess::NormalExit;
+    // Windows programs end their lines in two characters.
+    return {process.readAll().replace("\r\n", "\n").toStdString(),
+            isEnded ? process.exitCode() : -1};
+}
 
 #ifdef _WIN32
 /// Under Wine a file has two names: this is the one for the host's programs, such as mdbtools.

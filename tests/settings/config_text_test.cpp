@@ -4,36 +4,31 @@
 
 TEST(ValueOfKey, FollowsTheFieldGrammar)
 {
-    struct Case {
-        const char *name;
-        QByteArray file;
-        QString key;
-        std::optional<QString> value;
-    };
-    for (const Case &c :
-         {Case{"AnyOrderAmongOtherLines", "; note\r\n\r\nb =,2\r\na =,1\r\n\r\n", "a =", "1"},
-          {"FirstOccurrenceWins", "a =,1\r\na =,2\r\n\r\n", "a =", "1"},
-          {"LetterCaseCounts", "A =,1\r\na =,2\r\n\r\n", "a =", "2"},
-          {"ValueEndsAtComma", "a =,x,y\r\n\r\n", "a =", "x"},
-          {"QuotesKeepCommas", "a =,\"9600,n,8,1\" x,y\r\nb =,2\r\n\r\n", "a =", "9600,n,8,1"},
-          {"BehindQuotesTheLineGoesOn", "a =,\"q\"\r\nb =,2\r\n\r\n", "b =", "2"},
-          {"LeadingBlanksAreSkipped", "  a =,  1 2\r\n\r\n", "a =", "1 2"},
-          {"EmptyValue", "a =,\r\nb =,2\r\n\r\n", "a =", ""},
-          {"LastLineWithValueNoLineEnd", "b =,2\r\na =,1", "a =", "1"},
-          {"LastKeyWithoutValueIsMissing", "b =,2\r\na =", "a =", std::nullopt},
-          {"LastKeyWithCommaOnlyIsMissing", "b =,2\r\na =,", "a =", std::nullopt},
-          {"MissingKey", "a =,1\r\n\r\n", "c =", std::nullopt},
-          {"EmptyFile", "", "a =", std::nullopt},
-          {"UnclosedQuoteIsText", "a =,\"x\r\nb =,\"2\"\r\n", "a =", "\"x"},
-          {"UnclosedQuoteHidesNothing", "a =,\"x\r\nb =,2\r\n", "b =", "2"},
-          {"PlainLineFeeds", "a =,1\nb =,2\n\n", "b =", "2"},
-          {"ByteOrderMark",
-           "\xEF\xBB\xBF"
-           "a =,1\r\n\r\n",
-           "a =", "1"},
-          {"Utf8", "a =,\xC2\xB0 C\r\n\r\n", "a =", QString::fromUtf8("° C")},
-          {"CodePage1252", "a =,\xB0 C \x80\r\n\r\n", "a =", QString::fromUtf8("° C €")}})
-        EXPECT_EQ(valueOfKey(c.file, c.key), c.value) << c.name;
+    using Case = std::tuple<const char *, QByteArray, QString, std::optional<QString>>;
+    for (const auto &[name, file, key, value] : std::initializer_list<Case>{
+             Case{"AnyOrderAmongOtherLines", "; note\r\n\r\nb =,2\r\na =,1\r\n\r\n", "a =", "1"},
+             {"FirstOccurrenceWins", "a =,1\r\na =,2\r\n\r\n", "a =", "1"},
+             {"LetterCaseCounts", "A =,1\r\na =,2\r\n\r\n", "a =", "2"},
+             {"ValueEndsAtComma", "a =,x,y\r\n\r\n", "a =", "x"},
+             {"QuotesKeepCommas", "a =,\"9600,n,8,1\" x,y\r\nb =,2\r\n\r\n", "a =", "9600,n,8,1"},
+             {"BehindQuotesTheLineGoesOn", "a =,\"q\"\r\nb =,2\r\n\r\n", "b =", "2"},
+             {"LeadingBlanksAreSkipped", "  a =,  1 2\r\n\r\n", "a =", "1 2"},
+             {"EmptyValue", "a =,\r\nb =,2\r\n\r\n", "a =", ""},
+             {"LastLineWithValueNoLineEnd", "b =,2\r\na =,1", "a =", "1"},
+             {"LastKeyWithoutValueIsMissing", "b =,2\r\na =", "a =", std::nullopt},
+             {"LastKeyWithCommaOnlyIsMissing", "b =,2\r\na =,", "a =", std::nullopt},
+             {"MissingKey", "a =,1\r\n\r\n", "c =", std::nullopt},
+             {"EmptyFile", "", "a =", std::nullopt},
+             {"UnclosedQuoteIsText", "a =,\"x\r\nb =,\"2\"\r\n", "a =", "\"x"},
+             {"UnclosedQuoteHidesNothing", "a =,\"x\r\nb =,2\r\n", "b =", "2"},
+             {"PlainLineFeeds", "a =,1\nb =,2\n\n", "b =", "2"},
+             {"ByteOrderMark",
+              "\xEF\xBB\xBF"
+              "a =,1\r\n\r\n",
+              "a =", "1"},
+             {"Utf8", "a =,\xC2\xB0 C\r\n\r\n", "a =", QString::fromUtf8("° C")},
+             {"CodePage1252", "a =,\xB0 C \x80\r\n\r\n", "a =", QString::fromUtf8("° C €")}})
+        EXPECT_EQ(valueOfKey(file, key), value) << name;
 }
 
 TEST(WithKeysReplaced, WrittenKeysMoveToTheTopAndTheRestKeepsBytesAndOrder)

@@ -3,33 +3,11 @@
 #include <QtGlobal>
 #ifdef Q_OS_UNIX // the faults are the system's own
 #include <QDir>
+#include <QScopeGuard>
 #include <csignal>
 #include <sys/resource.h>
 
-namespace
-{
-
-/// No file of this process grows beyond `bytes`: a disk that is full from there on.
-class FileSizeLimit
-{
-public:
-    explicit FileSizeLimit(rlim_t bytes)
-    {
-        std::signal(SIGXFSZ, SIG_IGN);
-        getrlimit(RLIMIT_FSIZE, &m_old);
-        const rlimit limit{bytes, m_old.rlim_max};
-        setrlimit(RLIMIT_FSIZE, &limit);
-    }
-    ~FileSizeLimit() { setrlimit(RLIMIT_FSIZE, &m_old); }
-    Q_DISABLE_COPY_MOVE(FileSizeLimit)
-
-private:
-    rlimit m_old{};
-};
-
 using SettingsFaults = StationRig;
-
-} // namespace
 
 TEST_F(SettingsFaults, FullDiskLeavesTheOldFileOrTheNewOne)
 {
@@ -40,9 +18,14 @@ TEST_F(SettingsFaults, FullDiskLeavesTheOldFileOrTheNewOne)
         return QDir(folder.path() + "/config").entryList(QDir::Files | QDir::Hidden);
     };
     const QByteArray before = folder.config();
+    std::signal(SIGXFSZ, SIG_IGN);
+    rlimit usual{};
+    getrlimit(RLIMIT_FSIZE, &usual);
+    const auto unlimit = qScopeGuard([usual] { setrlimit(RLIMIT_FSIZE, &usual); });
     rlim_t bytes = 0;
-    for (;; bytes += 97) {
-        const FileSizeLimit limit(bytes);
+    for (;; bytes += 97) { // a disk that is full from there on
+        const rlimit limit{bytes, usual.rlim_max};
+        setrlimit(RLIMIT_FSIZE, &limit);
         if (errorOf(save) == 0)
             break;
         EXPECT_EQ(folder.config(), before);
