@@ -83,8 +83,9 @@ BEGIN
     IF to_regclass(partition) IS NOT NULL THEN
         RETURN;
     END IF;
-    -- Another collector may be making it now.
-    PERFORM pg_advisory_xact_lock('sample'::regclass::oid::bigint);
+    -- Another collector may be making it now. Once this lock is granted what it made is seen; after an
+    -- advisory lock it would not be.
+    LOCK TABLE sample IN SHARE UPDATE EXCLUSIVE MODE;
     IF to_regclass(partition) IS NULL THEN
         -- Attached afterwards: CREATE ... PARTITION OF would lock out all readers.
         EXECUTE format('CREATE TABLE %I (LIKE sample)', partition);
