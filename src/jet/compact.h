@@ -15,7 +15,7 @@ class FileSystem;
 /// objects of the database program are not carried over, so a file that has any, or a table that
 /// the engine cannot make, is refused with Error(NotSupported), and a damaged one with
 /// Error(Damaged), as what cannot be read would be lost. Throws Error(InUse), Error(DiskFull); the
-/// old file then is as it was. Owner and rights of the file are kept as far as the system lets.
+/// old file is then as it was. Keeps owner and permissions of the file, best effort.
 void compactDatabase(const std::filesystem::path &path, DateTime now);
 /// The same on other files than the system's, for tests.
 void compactDatabase(const std::filesystem::path &path, DateTime now,

@@ -63,8 +63,7 @@ using Null = std::monostate;
 using Text = std::u16string;
 using Bytes = std::vector<std::uint8_t>;
 
-/// The value of one column of one row. Memo reads as Text; Binary, OLE and Block
-/// read as Bytes.
+/// The value of one column of one row. Memo reads as Text; Binary, OLE and Block read as Bytes.
 using Value = std::variant<Null, bool, std::uint8_t, std::int16_t, std::int32_t, Currency, float,
                            double, DateTime, Text, Bytes, Guid, Numeric>;
 

@@ -39,7 +39,7 @@ Draft::Draft(FileSystem &files, std::filesystem::path target, const char *extens
             throwInUse();
         throw;
     }
-    // Others take a file without a lock for one that was left over.
+    // To others a file without a lock is a left-over draft.
     if (!m_file->tryLock(LockPart::Opener, LockMode::Exclusive) || !m_file->isNamed(m_path))
         throwInUse();
     if (replaces)

@@ -25,7 +25,7 @@ public:
     Draft(const Draft &) = delete;
     Draft &operator=(const Draft &) = delete;
 
-    /// Puts into page 0 what tells an interrupted attempt from any other file.
+    /// Marks page 0, so that a left-over draft can be told from any other file.
     static void mark(MutablePageBytes headerPage);
 
     const std::filesystem::path &path() const { return m_path; }

@@ -57,7 +57,7 @@ struct PageWitness {
     std::uint64_t hash = 0; ///< hashBytes() of it
 };
 
-/// What the content of the database tells about a statement.
+/// How the content of the database relates to a statement.
 struct JournalTraces {
     bool lengthFits = true;       ///< as many pages as before, after or between
     bool reliedOnIsSame = true;   ///< every witness, page 0 aside

@@ -10,7 +10,7 @@ constexpr LockRange kGate{0x1'0000'0100, 1};
 
 } // namespace
 
-/// Opens the taken gate again, whatever happens to the lock.
+/// Releases the gate, whatever happens to the lock.
 class RangeLocks::GateKeeper
 {
 public:
@@ -59,9 +59,9 @@ bool RangeLocks::takeShared(LockRange range)
     return true;
 }
 
-/// A shared lock does not become an exclusive one, it has to be given up first. Nobody takes an
-/// exclusive lock without the gate, so the shared one can always be had back, unless another
-/// program, which knows no gate, has come between.
+/// Windows cannot turn a shared lock into an exclusive one: it is released first. Only the holder
+/// of the gate takes exclusive locks, so the shared one can be taken back, unless another program,
+/// which ignores the gate, has locked the range in between.
 bool RangeLocks::takeExclusive(LockRange range, bool isShared)
 {
     if (!request(kGate, LockMode::Exclusive))

@@ -11,10 +11,10 @@ namespace jet
 {
 
 // Page of an index tree; offsets from the page start:
-//   0 u8 3 node, 4 leaf | 1 u8 1 | 2 u16 free bytes | 4 u32 definition page of the table | 8 u32 0
-//   |
-//  12 u32 previous, 16 u32 next page of the level | 20 u32 node: tail child | 24 u16 prefix length
-//  | 26 u8 level, 0 = leaf | 27 453 bytes bitmap: bit k set = an entry ends at byte k of the area |
+//   0 u8 3 node, 4 leaf | 1 u8 1 | 2 u16 free bytes | 4 u32 definition page of the table |
+//   8 u32 0 | 12 u32 previous, 16 u32 next page of the level | 20 u32 node: tail child |
+//  24 u16 prefix length | 26 u8 level, 0 = leaf |
+//  27 453 bytes bitmap: bit k set = an entry ends at byte k of the area |
 // 480 area: entries back to back
 // An entry is key bytes and row id; on nodes the page of the child follows. All entries but the
 // first leave out the prefix they share with it. A node holds for every child but the last a copy
