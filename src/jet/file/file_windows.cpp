@@ -159,7 +159,7 @@ public:
 
     void remove(const std::filesystem::path &path) override
     {
-        const DWORD number = untilGranted([&] { return DeleteFileW(path.c_str()) != FALSE; });
+        const DWORD number = retryRefused([&] { return DeleteFileW(path.c_str()) != FALSE; });
         if (number != ERROR_SUCCESS && number != ERROR_FILE_NOT_FOUND &&
             number != ERROR_PATH_NOT_FOUND)
             throwSystemError("Removing '" + displayName(path) + "' failed", number);
@@ -167,7 +167,7 @@ public:
 
     void replace(const std::filesystem::path &from, const std::filesystem::path &to) override
     {
-        const DWORD number = untilGranted([&] {
+        const DWORD number = retryRefused([&] {
             return MoveFileExW(from.c_str(), to.c_str(),
                                MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) != FALSE;
         });
@@ -180,7 +180,7 @@ public:
 
     void place(const std::filesystem::path &from, const std::filesystem::path &to) override
     {
-        const DWORD number = untilGranted(
+        const DWORD number = retryRefused(
             [&] { return MoveFileExW(from.c_str(), to.c_str(), MOVEFILE_WRITE_THROUGH) != FALSE; });
         if (number == ERROR_ALREADY_EXISTS || number == ERROR_FILE_EXISTS)
             throwFileExists(to);

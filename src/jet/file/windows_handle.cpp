@@ -9,7 +9,7 @@ namespace jet
 namespace
 {
 
-/// The system's own text, UTF-8. The C library would give it in the code page of the country.
+/// The system's own text, UTF-8. The C library returns it in the local code page.
 std::string messageOf(DWORD number)
 {
     std::array<wchar_t, 512> text{};
@@ -101,7 +101,7 @@ Handle openHandle(const std::filesystem::path &path, FileSystem::Access access)
     const DWORD rights =
         access == FileSystem::Access::Read ? GENERIC_READ : GENERIC_READ | GENERIC_WRITE;
     Handle handle(INVALID_HANDLE_VALUE);
-    const DWORD number = untilGranted([&] {
+    const DWORD number = retryRefused([&] {
         handle = Handle(CreateFileW(path.c_str(), rights, FILE_SHARE_READ | FILE_SHARE_WRITE,
                                     nullptr, creationFor(access), FILE_ATTRIBUTE_NORMAL, nullptr));
         return handle.isOpen();

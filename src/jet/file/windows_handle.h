@@ -35,15 +35,14 @@ private:
     HANDLE m_handle;
 };
 
-/// What Windows refuses while another program looks into a file.
+/// True for the errors that Windows returns while another program reads a file.
 bool isRefusal(DWORD number);
 
-/// A file that was just removed keeps its name while a virus scanner or a backup still looks into
-/// it, and until then the system neither opens nor makes one of that name. Nor does it remove or
-/// replace a file they look into. They are done in moments: what is refused is tried again, for
-/// about 150 ms in all. Gives the last attempt's error number, ERROR_SUCCESS when it was done.
+/// Retries for about 150 ms while isRefusal() is true: while a virus scanner or a backup reads a
+/// file, Windows refuses to remove or replace it, and to open or create one of the name of a
+/// removed one. Returns the last attempt's error number, ERROR_SUCCESS when it succeeded.
 template <typename Attempt>
-DWORD untilGranted(Attempt attempt)
+DWORD retryRefused(Attempt attempt)
 {
     constexpr DWORD kLongestPause = 80; // ms
     for (DWORD pause = 5;; pause *= 2) {
