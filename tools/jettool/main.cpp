@@ -1,5 +1,4 @@
-// jettool: looks into .mdb files, checks them, makes and compacts them. Everything but create and
-// compact only reads and leaves the file as it is.
+// jettool lists, dumps, checks, creates and compacts .mdb files. Only create and compact write.
 
 #include "tools/jettool/export.h"
 

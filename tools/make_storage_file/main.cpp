@@ -1,4 +1,4 @@
-// Makes the storage files that an installation is delivered with.
+// Creates the storage files of an installation.
 
 #include "platform/clock.h"
 #include "storage/storage_file.h"

@@ -10,11 +10,11 @@ class QWidget;
 class Photographer
 {
 public:
-    /// `suffix` goes before the files' ending. Every function throws std::runtime_error when a
-    /// window does not open or its picture cannot be saved.
+    /// `suffix` is appended to the files' base names. Every function throws std::runtime_error when
+    /// a window does not open or its picture cannot be saved.
     Photographer(PosedStation &station, QString folder, QString suffix = {});
 
-    /// Every window there is, and one message box.
+    /// Every window, and one message box.
     void takeAll() const;
 
 private:

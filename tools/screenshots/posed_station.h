@@ -13,7 +13,7 @@ public:
     QDateTime moment = wallTime(QDate(2026, 3, 8), QTime(9, 5));
 };
 
-/// Nobody sits before the windows of a portrait: whatever asks for an operator is a failure.
+/// Pictures are taken unattended: every message or question is a failure.
 class AbsentOperator final : public Operator
 {
 public:
@@ -42,19 +42,19 @@ private:
     QString m_path;
 };
 
-/// The real program as it looks in the middle of a sterilisation, with the day before archived. It
-/// needs no recorder and its clock stands still, so that a picture changes only when a window does.
+/// The real program in the middle of a sterilisation, with the day before archived. It needs no
+/// recorder and its clock stands still, so that a picture changes only when a window does.
 class PosedStation
 {
 public:
-    /// `folder`: a newly laid station, which is written to; `printedPage`: the document that
-    /// printing makes. Throws std::runtime_error when a message had to be shown.
+    /// `folder`: a newly installed station, which is written to; `printedPage`: the document that
+    /// printing creates. Throws std::runtime_error when a message had to be shown.
     PosedStation(const QString &folder, const QString &printedPage);
 
     MDIForm1 &window() { return m_program.window(); }
     /// Chooses the menu item of that name and lets the windows settle.
     void choose(const QString &item);
-    /// While a dialog is open that shows the station's folder: the same path on every machine.
+    /// Makes a dialog that shows the station's folder show the same path on every machine.
     void showInstalledFolder(bool installed);
     QDate archivedDay() const;
 
@@ -71,5 +71,5 @@ private:
     Program m_program;
 };
 
-/// Lets the windows do what they have put off, down to their own destruction.
+/// Processes all pending events, deferred deletions included.
 void settle();

@@ -1,5 +1,5 @@
-// The station without a display: the same windows on the offscreen platform, started through their
-// own handlers, take a dozen samples; then the stored rows are read back from the file.
+// The station without a display: the same windows on the offscreen platform take twelve samples
+// through their own handlers; then the stored rows are read back from the file.
 
 #include "acquisition/form2.h"
 #include "app/main_menu.h"
@@ -34,7 +34,7 @@ void print(const QString &text)
     std::fflush(stdout);
 }
 
-/// Nobody sits at a demonstration: messages are printed, questions answered with No.
+/// A demonstration runs unattended: messages are printed, questions answered with No.
 class PrintingOperator final : public Operator
 {
 public:
@@ -57,7 +57,7 @@ QString textOf(const jet::Value &value)
     return QString::fromStdString(jet::defaultText(value));
 }
 
-/// Reads back from the file what the samples left there.
+/// Reads the stored samples back from the file.
 void printNewestRows(const QString &path)
 {
     jet::OpenOptions options;
@@ -76,7 +76,7 @@ void printNewestRows(const QString &path)
     }
 }
 
-/// Gives the program's exit code.
+/// Returns the program's exit code.
 int takeSamples(StationApplication &application, const QString &folder)
 {
     SystemClock clock;
@@ -106,7 +106,7 @@ int takeSamples(StationApplication &application, const QString &folder)
     });
 
     program.start();
-    // A dozen samples at one second, whatever the settings say.
+    // One sample a second, whatever the settings say.
     program.station().Diagrame[0].interval_scanare = 1;
     program.station().Diagrame[0].masura_interval = 0;
     program.window().showNormal();

@@ -5,19 +5,19 @@
 #include <random>
 #include <vector>
 
-/// The temperatures of one steam sterilisation after the other: three vacuum and steam pulses, heat
-/// up, plateau, exhaust, drying, a pause. Six sensors see it a little differently: some lag behind,
-/// all are off by their own tenths and shake. The same seed gives the same readings.
+/// The temperatures of consecutive steam sterilisations: three vacuum and steam pulses, heat-up,
+/// plateau, exhaust, drying, a pause. Each of the six sensors has its own lag, offset and noise.
+/// The same seed yields the same readings.
 class AutoclaveCycle
 {
 public:
     using Seconds = std::chrono::duration<double>;
     using Readings = std::array<double, 6>; // degrees Celsius
 
-    /// `plateau` in degrees Celsius: the hotter, the shorter it is held (121: 20 min, 134: 7 min).
+    /// `plateau` in degrees Celsius: a hotter one is shorter (121: 20 min, 134: 7 min).
     AutoclaveCycle(double plateau, unsigned seed);
 
-    /// What the sensors show that long after the first cycle began. Each call is a new reading.
+    /// The sensors' readings at a time since the first cycle began. Each call adds new noise.
     Readings read(Seconds sinceStart);
 
     Seconds duration() const { return m_course.back().at; }

@@ -14,9 +14,8 @@ struct RecorderLine {
 /// as opening the port does.
 RecorderLine openSerialPort(const QString &port);
 
-/// On a pseudo-terminal, whose other end is the named port; once the line is closed, that port is
-/// gone for good. The link, when a name is given, is made to point to the port and stands for its
-/// name; one that is left from an earlier run is replaced. Throws std::runtime_error
-/// (std::system_error among them) when the terminal or the link cannot be made; Windows has no
-/// pseudo-terminals.
+/// On a new pseudo-terminal; its other end is the named port, which disappears when the line is
+/// closed. `link`: path of a symbolic link to create to the port, empty for none; it is then the
+/// port's name and replaces the link of an earlier run. Throws std::runtime_error when the terminal
+/// or the link cannot be created; Windows has no pseudo-terminals.
 RecorderLine openPseudoTerminal(const QString &link = {});

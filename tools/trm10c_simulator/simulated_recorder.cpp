@@ -7,14 +7,15 @@ using std::chrono::milliseconds;
 namespace
 {
 
-// In their turn; after the request the recorder answers, then it waits for the last one.
+// In the order expected. Written out here instead of taken from the station, so that each side
+// checks the other's reading of the protocol.
 const QByteArrayList &commands()
 {
     static const QByteArrayList kCommands{"\033O 01\r\n", "\033T\r\n", "TS0\r\n", "FM0,01,06\r\n",
                                           "\033C 01\r\n"};
     return kCommands;
 }
-constexpr qsizetype kRequest = 3;
+constexpr qsizetype kRequest = 3; ///< index of the command that is answered
 
 constexpr qsizetype kLongestLine = 64;
 constexpr qsizetype kHeaderSize = 22;

@@ -6,7 +6,7 @@
 #include <QList>
 #include <QStringList>
 
-/// What the recorder may do wrong.
+/// Faults of the recorder.
 enum class Fault {
     None,
     Silent,  ///< no answer
@@ -23,11 +23,11 @@ struct RecorderSettings {
     double speed = 1;     ///< seconds of the sterilisation per second
     unsigned seed = 1;
     Fault fault = Fault::None;
-    unsigned faultAt = 0; ///< the exchange, from 1, that goes wrong; 0: every one
+    unsigned faultAt = 0; ///< the exchange, from 1, that fails; 0: every one
 };
 
-/// The recorder's side of the dialogue, on bytes. Every command must come in its turn and exactly,
-/// byte for byte; anything else is reported and not answered.
+/// The recorder's side of the dialogue, on bytes. Commands must arrive in order and byte for byte;
+/// anything else is reported and not answered.
 class SimulatedRecorder
 {
 public:
@@ -36,7 +36,7 @@ public:
         std::chrono::milliseconds after; ///< since the piece before
     };
     struct Reaction {
-        QStringList report; ///< what was received and what comes of it, a line each
+        QStringList report; ///< one line for each event
         QList<Piece> answer;
         bool vanish = false;
     };
@@ -56,6 +56,6 @@ private:
     AutoclaveCycle m_cycle;
     std::mt19937 m_random;
     QByteArray m_unfinishedLine;
-    qsizetype m_turn = 0; ///< index of the command that comes next
+    qsizetype m_turn = 0; ///< index of the next command
     unsigned m_exchange = 0;
 };
