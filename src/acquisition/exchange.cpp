@@ -46,8 +46,8 @@ void Exchange::onReadyRead()
 void Exchange::onTimeout()
 {
     m_station.TimeoutComunicare = true;
-    // Something long, as an archive made by hand, may have kept the event loop from the line: a
-    // reply that came in time is seen before the wait is given up.
+    // A long operation, such as an archive made by hand, may have blocked the event loop: a reply
+    // that came in time is seen before the wait is given up.
     m_nextLook->start(kAfterPendingEvents);
 }
 
@@ -61,7 +61,7 @@ void Exchange::lookAgain()
 
 void Exchange::lookForReply()
 {
-    // A count past the reply's size never counts: the recorder then sent something else.
+    // More bytes than a reply has: the recorder sent something else.
     if (m_line.bytesAvailable() == trm10c::kReplySize)
         takeReply();
     else if (m_station.TimeoutComunicare)
@@ -91,8 +91,7 @@ void Exchange::takeReply()
 void Exchange::drain()
 {
     if (m_line.bytesAvailable() > 0) {
-        // Bytes left in the buffer would keep the line draining for ever; what follows the reply is
-        // not read.
+        // Nobody reads what follows the reply: left in the buffer it would keep the line draining.
         m_line.discardInput();
         m_nextLook->start(kAfterPendingEvents);
         return;

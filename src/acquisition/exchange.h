@@ -11,10 +11,10 @@ class SerialLine;
 class Timer;
 struct Station;
 
-/// The dialogue with the recorder that reads all six channels once: Idle -> Waiting (for the reply)
-/// -> Draining (what comes behind it) -> Idle, or Waiting -> Telling (the operator of the failure)
-/// -> Idle. The line is open only in between, with one exception: an exchange whose monitoring was
-/// stopped meanwhile leaves it open with the reply unread, and the next one finds it so.
+/// The dialogue with the recorder that reads all channels once: Idle -> Waiting (for the reply) ->
+/// Draining (bytes after the reply) -> Idle, or Waiting -> Telling (the operator of the failure) ->
+/// Idle. The line is closed when Idle, with one exception: if monitoring was stopped during the
+/// exchange, the line stays open with the reply unread until the next exchange.
 class Exchange : public QObject
 {
     Q_OBJECT
@@ -25,17 +25,17 @@ public:
     ~Exchange() override;
 
     /// Sends the read commands; finished() follows from the event loop. Does nothing while an
-    /// exchange is under way. The text, the number of sensors, is not used: the recorder is always
-    /// asked for six channels. Throws RuntimeError when the line cannot be opened; no exchange is
-    /// then under way.
+    /// exchange is under way. The argument, the number of sensors, is not used: the recorder is
+    /// always asked for all channels. Throws RuntimeError when the line cannot be opened; no
+    /// exchange is then under way.
     void interogare_aparat(const QString &sensorCount);
 
     /// Cancels an exchange under way: the line is closed, no message, no signal.
     void abandon();
 
 signals:
-    /// Not failed: the values of the first six sensors are new. Failed: no value was touched; a
-    /// silent or wrong recorder has been reported to the operator, a stopped monitoring has not.
+    /// On success the sensors have new values. On failure no value has changed; a missing or wrong
+    /// reply has been reported to the operator, a stop of the monitoring has not.
     void finished(bool failed);
 
 private:

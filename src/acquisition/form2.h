@@ -8,14 +8,14 @@ class MonitoringCycle;
 class QLabel;
 struct Station;
 
-/// The control centre: starts and stops monitoring and shows whether it runs. The window comes and
-/// goes; what it controls stays.
+/// The control centre: starts and stops monitoring and shows whether it runs. Closing the window
+/// does not stop monitoring.
 class Form2 : public QWidget
 {
     Q_OBJECT
 public:
-    /// All must outlive this window. The first showing puts its frame to `position`, closing saves
-    /// it there.
+    /// All must outlive this window. It opens at `position` and saves its position there when it
+    /// closes.
     Form2(MonitoringCycle &cycle, const Station &station, WindowPosition &position,
           QWidget *parent = nullptr);
 

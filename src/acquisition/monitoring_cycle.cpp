@@ -105,7 +105,8 @@ void MonitoringCycle::pass()
 
 void MonitoringCycle::archiveAtEndOfDay()
 {
-    // A second that no pass sees, behind a long exchange or a message box, is not made up for.
+    // If no pass falls into that second, because of a long exchange or a message box, the day is
+    // not archived.
     const QDateTime now = m_clock.now();
     if (now.time() >= kRearmTime)
         m_archivedDay = {};

@@ -16,9 +16,9 @@ struct Station;
 /// it, and starts the archive at 23:59:50.
 ///
 /// A pass reads the clock and does what is due. Between passes the process sleeps until the next
-/// moment that can matter, at most a second at a time, so that a clock that was set is noticed.
-/// Start and stop may come at any moment, also from behind a message box of the pass under way;
-/// there is never more than one pass, nor more than one exchange on the line.
+/// moment that can matter, at most a second, so that it notices when the clock was set. Start and
+/// stop may come at any moment, even while a message box of the pass is open; there is never more
+/// than one pass, nor more than one exchange on the line.
 ///
 /// An exception that leaves start() or a timer's tick has ended monitoring.
 class MonitoringCycle : public QObject
@@ -30,9 +30,9 @@ public:
                     const Clock &clock, Scheduler &scheduler, QObject *parent = nullptr);
     ~MonitoringCycle() override;
 
-    /// Monitoring begins and the next sampling moment is now; while it runs already the schedule
-    /// restarts. An exchange under way goes on and gives that first sample. Throws RuntimeError
-    /// when the line cannot be opened or the sampling interval has no unit.
+    /// Starts monitoring with a sample now; while it runs, restarts the schedule. An exchange under
+    /// way continues and provides that first sample. Throws RuntimeError when the line cannot be
+    /// opened or the sampling interval has no valid unit.
     void start();
 
     /// No further exchange begins. One under way ends unread.

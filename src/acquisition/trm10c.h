@@ -19,13 +19,13 @@ inline constexpr std::size_t kChannels = channels::kCount;
 
 using Values = std::array<double, kChannels>; // degrees Celsius, channels 01 to 06
 
-/// The commands that ask for channels 01 to 06, in the order sent. Only some begin with ESC: the
-/// recorder wants them so.
+/// The commands that ask for all channels, in the order sent. Only some begin with ESC, as the
+/// recorder requires.
 QByteArrayList readCommands();
 
 /// Ends the dialogue after a complete reply.
 QByteArray closeCommand();
 
-/// The six values of a reply of kReplySize bytes. A field without a leading number is 0.
+/// The values of a reply of kReplySize bytes. A field without a leading number is 0.
 Values channelValues(const QByteArray &reply);
 } // namespace trm10c

@@ -38,7 +38,7 @@ void DefaultsDialog::reject()
 void DefaultsDialog::changeEvent(QEvent *event)
 {
     QDialog::changeEvent(event);
-    // Being disabled took the focus away; behind the error window the entry is corrected.
+    // Disabling took the focus away; after the error window closes the entry is corrected.
     if (event->type() == QEvent::EnabledChange && isEnabled())
         focusFirstBox();
 }

@@ -4,8 +4,8 @@
 
 class QLayout;
 
-/// A dialog of values that may be saved as defaults and restored from them, whose entries are
-/// refused in the error window. Modeless; it expects to be opened as a locked dialog.
+/// A dialog whose values can be saved as defaults and restored from them; the error window reports
+/// wrong entries. Modeless; it expects to be opened as a locked dialog.
 class DefaultsDialog : public QDialog
 {
     Q_OBJECT
@@ -16,8 +16,8 @@ public:
     void reject() override;
 
 signals:
-    /// What was typed is refused, for that reason: the dialog expects to be disabled until the
-    /// operator has read it.
+    /// An entry is refused, with the reason. The dialog expects to be disabled until the operator
+    /// has read it.
     void refused(const QString &message);
 
 protected:
@@ -28,7 +28,7 @@ protected:
     virtual void cmdRestDef_Click() = 0;
     virtual void cmdOK_Click() = 0;
     virtual void cmdApply_Click() = 0;
-    /// Sets the focus to the box where an entry is corrected first.
+    /// Focuses the first box that is shown.
     virtual void focusFirstBox() = 0;
 
     void changeEvent(QEvent *event) override;

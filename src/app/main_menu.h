@@ -7,8 +7,8 @@
 class QAction;
 class QMenuBar;
 
-/// One row of the main menu. A submenu has no command; the rows behind it are in it, until a row of
-/// another kind.
+/// One row of the main menu. A Submenu row has no command; the InSubmenu rows that follow it are
+/// its items.
 struct MenuItem {
     enum class Kind { Submenu, InSubmenu, TopCommand };
 
@@ -21,7 +21,7 @@ struct MenuItem {
 /// Fills `bar` with the items in their order.
 void buildMainMenu(QMenuBar &bar, const std::vector<MenuItem> &items);
 
-/// Every item of the bar in its order, submenus before what they hold.
+/// Every item of the bar in its order, each submenu before its items.
 QList<QAction *> menuItems(const QMenuBar &bar);
 
 /// The item of that name. Throws RuntimeError 9 when there is none.

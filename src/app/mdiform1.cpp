@@ -57,7 +57,7 @@ QMdiSubWindow *MDIForm1::addChild(QWidget *child)
 {
     QMdiSubWindow *frame = m_area->addSubWindow(child);
     frame->setObjectName(child->objectName() + QStringLiteral("Frame"));
-    // Left to itself the area puts a window where it overlaps least: below what can be seen.
+    // By default the area places a window where it overlaps least, which may be out of sight.
     frame->move(0, 0);
     connect(frame, &QMdiSubWindow::windowStateChanged, child,
             [this, child](Qt::WindowStates before, Qt::WindowStates now) {
@@ -83,7 +83,7 @@ void MDIForm1::leaveMenuBar()
         m_focusBefore->setFocus(Qt::MenuBarFocusReason);
 }
 
-/// Large letters in a narrow window: smaller ones rather than items out of sight.
+/// In a narrow window the letters shrink, so that no item is out of sight.
 void MDIForm1::fitMenuBar()
 {
     QFont letters = QApplication::font(menuBar());
@@ -101,7 +101,7 @@ void MDIForm1::resizeEvent(QResizeEvent *event)
     fitMenuBar();
 }
 
-/// Restored, it may find less room than it left.
+/// A restored window may have less room than before.
 void MDIForm1::followState(QWidget &child)
 {
     emit childStateChanged(&child);
@@ -155,7 +155,7 @@ bool MDIForm1::eventFilter(QObject *watched, QEvent *event)
     // The main window's own resize event comes before the area has its new size.
     if (watched == m_area->viewport() && event->type() == QEvent::Resize)
         QMetaObject::invokeMethod(this, &MDIForm1::followArea, Qt::QueuedConnection);
-    // Left with Escape; a command that was chosen brings its own window up first.
+    // The bar may have been left with Escape. Queued: a chosen command brings its own window up.
     if (watched == menuBar() && event->type() == QEvent::KeyRelease)
         QMetaObject::invokeMethod(this, &MDIForm1::leaveMenuBar, Qt::QueuedConnection);
     return QMainWindow::eventFilter(watched, event);

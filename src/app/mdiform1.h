@@ -15,7 +15,7 @@ class MDIForm1 final : public QMainWindow
 {
     Q_OBJECT
 public:
-    /// `mayClose` runs the closing dialogue and says whether the window goes.
+    /// `mayClose` runs the closing dialogue and returns whether the window may close.
     explicit MDIForm1(std::function<bool()> mayClose);
 
     /// Fills the menu bar, once.
@@ -26,11 +26,11 @@ public:
 
     /// Puts a window into a frame of the area, which owns both from then on. Not shown yet.
     QMdiSubWindow *addChild(QWidget *child);
-    /// Shows a child window where it can be seen, restored when it was minimised, and gives it the
-    /// focus.
+    /// Shows a child window, restores it when it was minimised, moves it into sight and gives it
+    /// the focus.
     void bringUp(QWidget *child);
 
-    /// Gives a child window that is shown the focus; a minimised one stays minimised.
+    /// Gives the focus to a child window that is shown; a minimised one stays minimised.
     void activate(QWidget *child);
 
     /// The child window in front, null when there is none.
@@ -40,8 +40,8 @@ public:
     QSize innerSize() const;
 
 signals:
-    /// The area has another size. What is connected lays its windows out first; then all of them
-    /// are fitted into the area.
+    /// The area has another size. Receivers lay out their windows; then every window is fitted into
+    /// the area.
     void areaResized();
     /// A child window has come to the front.
     void childActivated(QWidget *child);
@@ -62,5 +62,5 @@ private:
 
     std::function<bool()> m_mayClose;
     QMdiArea *m_area;
-    QPointer<QWidget> m_focusBefore; ///< the keyboard went to the menu bar
+    QPointer<QWidget> m_focusBefore; ///< had the focus before the menu bar took it
 };

@@ -9,6 +9,6 @@ struct ScreenSize {
 };
 
 /// The size to lay out for on a screen of the given pixels. Heights of 480, 600 and 768 pixels get
-/// the width of a 4:3 screen, so that wide screens of these heights look like the ones the windows
-/// were drawn for; any other height keeps its real width.
+/// the width of a 4:3 screen, which the windows were designed for; any other height keeps its real
+/// width.
 ScreenSize dimensiuni_ecran(QSize screenPixels);

@@ -6,9 +6,8 @@
 class QMainWindow;
 class QWidget;
 
-/// Makes a modeless dialog modal-like: while it is open the main window's menus and every other
-/// window are disabled, and a disabled window refuses to be closed. The dialog's side gives
-/// everything back when it closes.
+/// Disables the main window's menus and every window but one modeless dialog while that is open. A
+/// disabled window refuses to be closed. Whoever opens the dialog calls release() when it closes.
 class WindowLock final : public QObject
 {
     Q_OBJECT
@@ -31,14 +30,14 @@ public:
 
     /// Records the name and enabled state of every menu item, submenus included, in StareMeniu.
     void salveaza_stare_meniu();
-    /// Disables every menu item, or enables those whose recorded state was enabled; with them the
-    /// whole bar, whose corner holds the buttons of a maximised window.
+    /// Disables every menu item, or enables those whose recorded state was enabled, and with them
+    /// the bar: its corner has the buttons of a maximised window.
     void seteaza_meniu(bool enable);
     /// Sets the enabled state of every open window of the program but the main one and `dialog`.
     void activeaza_ferestre(const QWidget &dialog, bool enable);
 
 protected:
-    /// Window systems and shortcuts close a disabled window, too.
+    /// Refuses to close a disabled window: window systems and shortcuts would.
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:

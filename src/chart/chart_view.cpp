@@ -24,7 +24,7 @@ QCPRange rowsInSight(int rowCount)
 
 QVector<QCPGraphData> pointsOf(std::span<const double> rows)
 {
-    if (rows.size() == 1) { // a point alone has no line: it goes across all that is seen
+    if (rows.size() == 1) { // a single point has no line: draw it across the visible range
         const QCPRange all = rowsInSight(1);
         return {{all.lower, rows[0]}, {all.upper, rows[0]}};
     }
@@ -36,8 +36,8 @@ QVector<QCPGraphData> pointsOf(std::span<const double> rows)
     return points;
 }
 
-/// A plot keeps every mouse event and lets any button drag; here only the left button presses, the
-/// others belong to the window around it.
+/// QCustomPlot keeps every mouse event and drags with any button; here only the left button acts,
+/// the others are left to the parent.
 class Plot final : public QCustomPlot
 {
 public:
@@ -67,8 +67,8 @@ protected:
     }
 
 private:
-    /// A message box that opens during a drag swallows the release: the drag would go on without a
-    /// button.
+    /// A message box that opens during a drag swallows the release: the drag would continue without
+    /// a button.
     void releaseLost(const QMouseEvent &event)
     {
         if (!m_leftDown)
@@ -167,7 +167,7 @@ void ChartView::alignWith(ChartView &other)
     other.m_peer = this;
 }
 
-/// The longer numbers and the wider legend of both decide, whichever plot they are in.
+/// Both plots take the margins of the longer numbers and the wider legend.
 void ChartView::tellPeer()
 {
     const std::pair edges(m_plot->axisRect()->left(), m_plot->axisRect()->right());
@@ -205,7 +205,7 @@ void ChartView::copyLayout()
     followLimits();
 }
 
-/// New limits or rows show at once, even in a zoomed plot; anything else leaves the zoom alone.
+/// New limits or rows reset the zoom; other changes keep it.
 void ChartView::followLimits()
 {
     const QCPRange rows = rowsInSight(m_grid.rowCount());
@@ -228,8 +228,7 @@ void ChartView::showAll()
     m_plot->yAxis->setRange(m_shownArea.top(), m_shownArea.bottom());
 }
 
-/// Dragging and zooming end at the first and the last row and at the grid's limits, so the diagram
-/// cannot get lost.
+/// Dragging and zooming stop at the first and the last row and at the grid's limits.
 void ChartView::keepInSight()
 {
     m_plot->xAxis->setRange(

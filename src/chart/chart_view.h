@@ -10,14 +10,13 @@ class MovableLegend;
 class QCustomPlot;
 class ValueTicker;
 
-/// Draws a ChartGrid: a line per column, the legend at the right, row
-/// labels below, the value axis with the grid's limits. Many changes of the grid become one
-/// repaint.
+/// Draws a ChartGrid: a line per column, the legend at the right, row labels below, the value axis
+/// with the grid's limits. Changes of the grid are merged into one repaint.
 ///
-/// The mouse wheel zooms and the left button drags the plot, never beyond the rows and the grid's
-/// limits, or the legend. A double-click on the legend puts it back to the right, one on the plot
-/// shows all rows and the grid's limits again.
-/// Keys and the right mouse button are left to the parent.
+/// The mouse wheel zooms; the left button drags the plot or the legend. Neither leads beyond the
+/// rows and the grid's limits. A double-click on the legend returns it to the right, one on the
+/// plot shows all rows and the grid's limits again. Keys and the right mouse button are left to the
+/// parent.
 class ChartView : public QWidget
 {
     Q_OBJECT
@@ -29,9 +28,6 @@ public:
 
     /// The chart as it is now, in its own size; a transparent backdrop shows `behind`.
     QImage image(const QColor &behind);
-
-    void restoreLegend();
-    void restoreLayout();
 
     /// The plots of both views, which stand one above the other, share left and right edges.
     void alignWith(ChartView &other);
@@ -53,6 +49,8 @@ private:
     void copyLayout();
     void followLimits();
     void showAll();
+    void restoreLegend();
+    void restoreLayout();
     void keepInSight();
     void tellPeer();
     void pick(QPoint position);

@@ -8,8 +8,8 @@ class QCPLayoutGrid;
 class QCustomPlot;
 class QMouseEvent;
 
-/// The legend of a plot: at the right of the plot area, from where the operator can drag it over
-/// the plot. While it is dragged the plot area does not move.
+/// The legend of a plot, docked at the right of the plot area until the operator drags it over the
+/// plot. While it is dragged the plot area does not move.
 class MovableLegend : public QObject
 {
     Q_OBJECT
@@ -18,13 +18,13 @@ public:
     explicit MovableLegend(QCustomPlot &plot);
 
     bool contains(QPoint position) const;
-    /// The width that it takes at the right of the plot area, in pixels; 0 while it lies over it.
+    /// The width that it takes at the right of the plot area, in pixels; 0 while it floats.
     int dockedWidth() const;
     /// Reserves that width at the right at least.
     void setColumnWidth(int pixels);
     /// Back to the right of the plot area.
     void restore();
-    /// The colour behind its text where it lies over the plot; lines shine through it a little.
+    /// The colour behind its text while it floats; the plot's lines stay faintly visible.
     void setBackground(QColor colour);
 
 private:

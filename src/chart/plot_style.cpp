@@ -91,8 +91,7 @@ void applyScale(QCustomPlot &plot, const PlotScale &scale)
         axis->setTickLabelFont(font);
     plot.xAxis->ticker()->setTickCount(scale.rowTicks);
     plot.yAxis->ticker()->setTickCount(scale.valueTicks);
-    // The same left margin for all usual limits keeps charts that stand one above the other in
-    // line.
+    // The same left margin for all usual limits aligns charts that stand one above the other.
     // At the right the last row's label reaches beyond the plot by half of its width.
     const int lastLabel = QFontMetrics(font).horizontalAdvance(QStringLiteral("R00")) / 2;
     rect.setMinimumMargins(QMargins(4 * scale.fontPixels, scale.fontPixels, lastLabel, 0));
@@ -185,7 +184,7 @@ QVector<double> ValueTicker::createTickVector(double tickStep, const QCPRange &r
     for (const double limit : {m_limits.lower, m_limits.upper}) {
         if (limit < range.lower - slack || limit > range.upper + slack)
             continue;
-        // Its number would touch those of ticks beside it.
+        // Its number would touch those of its neighbours.
         ticks.removeIf([&](double tick) { return std::abs(tick - limit) <= tickStep / 2; });
         ticks.append(limit);
     }

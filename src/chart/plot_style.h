@@ -4,7 +4,7 @@
 
 class ChartGrid;
 
-/// How charts look: colours, line widths, fonts and ticks that suit a chart's size.
+/// The style of charts: colours, line widths, fonts and ticks that suit a chart's size.
 
 /// Pen of one column's line. Readings take the colours of Okabe and Ito, which operators with any
 /// colour vision tell apart; alarm limits are thin, dashed and vermilion. `dense`: more points than

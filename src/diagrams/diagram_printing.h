@@ -15,7 +15,6 @@ struct DiagramPrinting {
 };
 
 /// Prints all diagrams on one page, each with a line of its name, date and time below, on the
-/// printer that the operator chooses. No printer, or a failure, is reported. A cancelled
-/// dialog prints nothing. The default printer is afterwards what it was, and the charts' backdrops
-/// are transparent.
+/// printer that the operator chooses. Reports a failure, or that there is no printer. A cancelled
+/// dialog prints nothing. Restores the default printer and leaves the backdrops transparent.
 void printDiagrams(const DiagramPrinting &with);

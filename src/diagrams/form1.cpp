@@ -148,7 +148,7 @@ double Form1::pickedPointHeight(const Panel &panel)
     return panel.pickedPoint->text().isEmpty() ? 0 : twipsFromPixels(panel.pickedPoint->height());
 }
 
-/// The room above the upper chart shrinks to a few pixels with the main window: so do the titles.
+/// The titles shrink with the room above the upper chart.
 void Form1::fitTitles(double room)
 {
     QFont titleFont = font();
@@ -181,7 +181,7 @@ bool Form1::eventFilter(QObject *watched, QEvent *event)
 
 void Form1::keyReleaseEvent(QKeyEvent *event)
 {
-    // A key that is held repeats; only letting it go counts.
+    // A held key repeats; only its release counts.
     if (event->isAutoRepeat())
         return QWidget::keyReleaseEvent(event);
     switch (event->key()) {

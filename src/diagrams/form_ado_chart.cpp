@@ -148,7 +148,7 @@ void FormAdoChart::Command1_Click()
     generate(archiveName(fileDate(*day), m_station.NumeFisier[0]));
 }
 
-/// The prompt then shows how the system writes a date, and a date typed with points is one.
+/// The prompt then shows the system's date form, and a date typed with points is accepted.
 void FormAdoChart::useSystemDateForm()
 {
     const QString separator = dateSeparator(m_clock.now().date(), m_station.locale);
@@ -174,7 +174,7 @@ void FormAdoChart::generate(const QString &archive)
         m_operator.tell(failure, Operator::Icon::Exclamation);
 }
 
-/// Seen before the work begins, which keeps the window from painting.
+/// Painted at once: the work that follows blocks painting.
 void FormAdoChart::showWait()
 {
     m_wait->resize(m_wait->sizeHint() + kWaitMargins);
@@ -277,8 +277,8 @@ void FormAdoChart::aranjare_labelstare()
     m_status->setGeometry(pixelRect(m_layout.status));
 }
 
-/// The inner frame starts at the left edge; what was scrolled to is then shown again, as far as the
-/// new range goes.
+/// The inner frame starts at the left edge and then returns to the scrolled position, as far as the
+/// new range allows.
 void FormAdoChart::arrangeFrames(const Panel &panel, const HistoryPanel &place)
 {
     panel.viewport->setGeometry(pixelRect(place.viewport));
@@ -307,7 +307,7 @@ void FormAdoChart::showKey(const Panel &panel)
     place.moveBottomRight(panel.viewport->geometry().topRight() - QPoint(0, 1));
     panel.key->setGeometry(place);
     panel.key->setVisible(panel.scroll->isEnabled());
-    // A title that would reach into the key gives way to the left.
+    // A title that would overlap the key moves to the left.
     QRect title = panel.viewport->geometry();
     title.setTop(panel.title->y());
     title.setHeight(panel.title->height());

@@ -29,7 +29,7 @@ public:
     FormAdoChart(Station &station, HistoryDiagrams &diagrams, Operator &op, const Clock &clock,
                  QWidget *parent = nullptr);
 
-    /// Cleared charts, limits and names from the settings, first layout; sets
+    /// Clears the charts, reads limits and names from the settings, lays out the window and sets
     /// Station::historyOpen. `mainInner`: size in pixels of the main window's area for child
     /// windows. Throws what HistoryDiagrams::load() throws.
     void load(QSize mainInner);
@@ -53,8 +53,8 @@ protected:
     void closeEvent(QCloseEvent *event) override;
 
 private:
-    /// One chart: inner frame in its viewport, scroll bar below, title above. The key replaces
-    /// the legend of a chart that is wider than the window: the legend itself is then out of sight.
+    /// One chart: inner frame in its viewport, scroll bar below, title above. The key replaces the
+    /// legend of a chart that is wider than the window, where the legend is out of sight.
     struct Panel {
         QLabel *title;
         QLabel *key;

@@ -58,7 +58,7 @@ void HistoryDiagrams::unload()
     clear();
 }
 
-/// The charts as they are before any day was drawn.
+/// Resets the charts to their state before any day was drawn.
 void HistoryDiagrams::clear()
 {
     m_moments = {};
@@ -96,7 +96,7 @@ void HistoryDiagrams::draw(const QString &path)
     }
 }
 
-/// The present alarm limits, not those of the archived day: nothing tells what they were.
+/// The present alarm limits: those of the archived day are recorded nowhere.
 void HistoryDiagrams::drawAlarms(Diagrama &history) const
 {
     const auto live =

@@ -29,22 +29,21 @@ public:
     /// Chart 0 (sensors 1 to 3) or 1 (sensors 4 to 6). Throws RuntimeError 9 for any other.
     ChartGrid &chart(std::size_t index) const;
 
-    /// Cleared charts with the limits from the settings and the sensors' present names. Throws what
-    /// Settings throws.
+    /// Clears the charts and gives them the limits from the settings and the sensors' present
+    /// names. Throws what Settings throws.
     void load();
-    /// Forgets the day.
+    /// Frees the data of the day.
     void unload();
 
-    /// Draws the first of the files, an archive's name without its folder; there is at most one.
-    /// Returns nothing, or the number and the description of what went wrong: the charts are then
-    /// cleared.
+    /// Draws an archive, named without its folder; the list has at most one name. Returns an empty
+    /// text, or number and description of the failure: the charts are then cleared.
     QString genereaza_diagrame(const QStringList &fisiere);
 
-    /// Width of each chart for the rows it has, in twips; zeros when the first one has so few that
-    /// both take the window's width.
+    /// Width of each chart for its rows, in twips; zeros when the first one has so few that both
+    /// take the window's width.
     std::array<double, channels::kDiagrams> chartWidths() const;
 
-    /// What a picked point says: series label, value, and the moment of the sample.
+    /// The text of a picked point: series label, value, and the moment of the sample.
     QString pointText(std::size_t chart, int series, int point) const;
 
 private:

@@ -4,8 +4,8 @@
 
 #include <QtGlobal>
 
-/// Where the parts of the history window go, and how its charts grow and scroll. All lengths are
-/// twips; nothing here knows a window.
+/// The layout of the history window, and how its charts grow and scroll. All lengths are twips;
+/// nothing here knows a window.
 
 /// From this many rows on a history chart no longer keeps the window's width.
 constexpr int kRowsOfWindowWidth = 300;

@@ -6,7 +6,7 @@ class Settings;
 struct Station;
 
 /// The limits of the history charts' value axes: Station::Istoric in memory, the "Istoric." keys in
-/// the settings file. Failures of the settings file leave as Settings says.
+/// the settings file. Throws what Settings throws.
 
 /// Reads the limits from the settings file and applies them to the charts. A key that the file
 /// lacks is reported to the operator; its limit and those after it stay as they were.
@@ -22,15 +22,15 @@ struct HistoryLimitBoxes {
 class HistoryLimits
 {
 public:
-    /// `showError` tells the operator why the numbers were refused. Station and settings must
-    /// outlive this object.
+    /// `showError` reports why the numbers were refused. Station and settings must outlive this
+    /// object.
     HistoryLimits(Station &station, const Settings &settings, ShowError showError);
 
     /// The limits in memory, as the boxes show them.
     HistoryLimitBoxes boxes() const;
 
-    /// Checks tab "Istoric Diagrame": four numbers are stored and applied, the boxes hold what was
-    /// understood, and it returns true. Otherwise the reason is reported and nothing changes.
+    /// Checks tab "Istoric Diagrame". Four numbers are stored and applied, the boxes show them as
+    /// they were understood, and it returns true. Otherwise reports the reason and changes nothing.
     bool valideaza_tab(HistoryLimitBoxes &boxes);
 
     void save() const;

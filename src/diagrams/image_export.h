@@ -25,7 +25,7 @@ struct ImageExport {
 };
 
 /// Saves one Windows bitmap per diagram of the diagram table, then opens their folder minimised.
-/// Each file appears complete or not at all; one of the same minute is replaced. A picture
-/// that cannot be saved is reported, and the folder is then not opened. A folder that cannot be
-/// opened is reported with the news that the pictures are in it.
+/// Each file appears complete or not at all; one of the same minute is replaced. A picture that
+/// cannot be saved is reported, and the folder is not opened. If the folder cannot be opened, the
+/// message says that the pictures are in it.
 void saveDiagramImages(const ImageExport &with);

@@ -16,7 +16,7 @@ struct TwipsRect {
     bool operator==(const TwipsRect &) const = default;
 };
 
-/// What the layout depends on besides the main window: sizes that the window system decides.
+/// Sizes that the window system decides and the layout depends on.
 struct DiagramsMeasures {
     TwipsSize outer; ///< Form1 with its frame
     TwipsSize inner; ///< Form1 without its frame
@@ -40,11 +40,10 @@ struct DiagramsLayout {
 /// The outer size that Form1 takes for an inner size of the main window; never below zero.
 TwipsSize form1Size(TwipsSize mainInner);
 
-/// Places the parts. The upper chart follows an eighth of the main window's height, the lower one
-/// starts at half of it, each is a third of Form1 high: the proportions of the design. Frames and
-/// letters larger than the design counts on leave too little room: titles and texts then move
-/// inside the form, and the charts give way.
+/// Places the parts. The upper chart starts below an eighth of the main window's height, the lower
+/// one at half of it; each is a third of Form1 high. Where large frames or letters leave too little
+/// room, titles and texts move inside the form and the charts shrink.
 DiagramsLayout diagramsLayout(TwipsSize mainInner, const DiagramsMeasures &measures);
 
-/// Room above the upper chart, which its title has to fit into.
+/// The room above the upper chart, for its title.
 double titleRoom(TwipsSize mainInner);

@@ -79,8 +79,8 @@ ChartGrid &LiveDiagrams::chart(std::size_t control) const
 void LiveDiagrams::loadTables()
 {
     m_station.currentRow = 1;
-    // A message of the settings lets a running cycle take a sample in between: until the new tables
-    // are complete it works on the old ones.
+    // While a message of the settings is open a running cycle may take a sample: it works on the
+    // old tables until the new ones are complete.
     std::vector<Diagrama> diagrams = cauta_diagrame();
     for (Diagrama &record : diagrams)
         m_settings.incarca_nume_senzori(record);
@@ -108,7 +108,7 @@ std::vector<Diagrama> LiveDiagrams::cauta_diagrame() const
     for (const auto &chart : m_charts) {
         if (!chart->tag().contains(QLatin1String("Diagrama"), Qt::CaseInsensitive))
             continue;
-        // After the window was closed and opened again the old settings hold until they are read.
+        // When the window is opened again the old settings hold until they are read.
         Diagrama record = previousEntry(
             m_station.Diagrame, [&](const Diagrama &old) { return old.name == chart->tag(); });
         record.chart = chart.get();

@@ -27,8 +27,7 @@ class LiveDiagrams
 public:
     using Charts = std::vector<std::unique_ptr<ChartGrid>>;
 
-    /// The station's own two charts: five series, of which the last two are the alarm limits, and
-    /// 60 rows.
+    /// The station's charts, one for each diagram: its channels, the alarm limits, kStationRows.
     static Charts stationCharts();
 
     /// Station, settings and clock must outlive this object.
@@ -39,27 +38,28 @@ public:
     /// A chart by its place in the control order, from 0. Throws RuntimeError 9 beyond the last.
     ChartGrid &chart(std::size_t control) const;
 
-    /// First half of a load: back to row 1; the diagram table from the charts whose tag names a
-    /// diagram, sorted by name; the sensor table from their series, with names and calibrations
-    /// from the settings. Throws RuntimeError 6 when a table outgrows its 8-bit counter, 9 when a
-    /// chart has more sensor series than a diagram has names, and what Settings throws.
+    /// First half of a load: returns to row 1 and builds two tables, the diagrams from the charts
+    /// whose tag names a diagram, sorted by name, and the sensors from their series, with names and
+    /// calibrations from the settings. Throws RuntimeError 6 when a table outgrows its 8-bit
+    /// counter, 9 when a chart has more sensor series than a diagram has names, and what Settings
+    /// throws.
     void loadTables();
 
-    /// Second half: every diagram's settings, its chart redrawn with them, and the first
-    /// sampling moment counted from now. Throws what Settings and the schedule throw.
+    /// Second half: reads every diagram's settings, redraws its chart with them and sets the next
+    /// sampling moment one interval from now. Throws what Settings and the schedule throw.
     void loadSettings();
 
-    /// Writes one sample into every diagram and goes on to the next row. Throws RuntimeError 6 when
-    /// the row outgrows 16 bits, 9 when a chart has no such row.
+    /// Writes one sample into every diagram and advances to the next row. Throws RuntimeError 6
+    /// when the row outgrows 16 bits, 9 when a chart has no such row.
     void adauga_citiri(const std::vector<Sensor> &sensors);
 
-    /// Every sensor point at the lower graph limit; the next sample goes to row 1. The moments of
-    /// the rows stay until the rows are written again.
+    /// Sets every sensor point to the lower graph limit; the next sample goes to row 1. The rows
+    /// keep their moments until they are written again.
     void goleste_diagramele();
 
-    /// What a picked point of a live chart says: series label, value, and the moment the row was
+    /// The text of a picked point of a live chart: series label, value, and the moment the row was
     /// written. Makes the point the chart's current one. Throws RuntimeError 9 for a point, a
-    /// series or a chart that is not there.
+    /// series or a chart that does not exist.
     QString pointText(ChartGrid &chart, int series, int point) const;
 
 private:

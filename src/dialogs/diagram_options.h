@@ -22,22 +22,22 @@ struct OptionBoxes {
 
 /// The options of one diagram behind its dialog.
 ///
-/// Valid entries take effect in memory and on the chart at once; the settings file changes only
-/// through saveDefaults(). Failures of the settings file leave as Settings says.
+/// Valid entries take effect in memory and on the chart at once; only saveDefaults() changes the
+/// settings file. Throws what Settings throws.
 class DiagramOptions
 {
 public:
-    /// `diagram`: index into the diagram table. `showError` tells the operator why a tab was
-    /// refused. Station, settings and clock must outlive this object.
+    /// `diagram`: index into the diagram table. `showError` reports why a tab was refused. Station,
+    /// settings and clock must outlive this object.
     DiagramOptions(Station &station, const Settings &settings, const Clock &clock,
                    std::size_t diagram, ShowError showError);
 
     /// Fills one tab's boxes from memory.
     void afiseaza_tab(OptionTab tab, OptionBoxes &boxes) const;
 
-    /// Checks one tab's boxes; valid texts are stored and applied, and it returns true. Otherwise
-    /// the reason is reported and nothing changes. The boxes then hold what was understood: a
-    /// point for a comma, 1 for an interval of 0. Throws RuntimeError 6 for an interval beyond 16
+    /// Checks one tab's boxes. Valid texts are stored and applied, the boxes show them as they were
+    /// understood (a point for a comma, 1 for an interval of 0), and it returns true. Otherwise
+    /// reports the reason and changes nothing. Throws RuntimeError 6 for an interval beyond 16
     /// bits.
     bool valideaza_tab(OptionTab tab, OptionBoxes &boxes);
 

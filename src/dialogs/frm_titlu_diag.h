@@ -6,7 +6,7 @@ class QLineEdit;
 class Settings;
 struct Station;
 
-/// Edits the title of one diagram. Once it is accepted the title is changed.
+/// Edits the title of one diagram; accepting it changes the title.
 class frmTitluDiag : public QDialog
 {
     Q_OBJECT
@@ -14,7 +14,7 @@ public:
     /// Station and settings must outlive the dialog.
     frmTitluDiag(Station &station, Settings &settings, QWidget *parent = nullptr);
 
-    /// Takes a diagram by its index into the diagram table and shows its title for editing. Throws
+    /// Shows the title of a diagram, by its index into the diagram table, for editing. Throws
     /// RuntimeError 9 when there is no such diagram.
     void incarca_titlu(int diagram);
 

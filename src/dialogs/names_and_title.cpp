@@ -9,7 +9,7 @@ void renameSensors(Station &station, const Settings &settings, std::size_t diagr
                    const QStringList &names)
 {
     Diagrama &record = station.diagramAt(diagram);
-    // The sensor table holds the second diagram's behind the first one's.
+    // In the sensor table the second diagram's sensors follow the first one's.
     const std::size_t firstEntry = diagram * channels::kPerDiagram;
     const auto count = static_cast<std::size_t>(names.size());
     if (firstEntry + count > station.sensors.size())

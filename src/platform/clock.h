@@ -19,12 +19,12 @@ public:
     QDateTime now() const override;
 };
 
-/// A wall-clock moment in the form that Clock gives.
+/// A wall-clock moment in the form that Clock::now() returns.
 QDateTime wallTime(QDate date, QTime time);
 
-/// The moment that a database keeps as days since zeroDateTime(), to the millisecond; the fraction
-/// is the time of day also of earlier days: -1.25 is 1899-12-29 06:00. zeroDateTime() itself for
-/// one that no calendar has, and for no number.
+/// Converts days since zeroDateTime(), the form of the databases, to the millisecond. The fraction
+/// is the time of day before day zero, too: -1.25 is 1899-12-29 06:00. Returns zeroDateTime() for
+/// days outside the years 100 to 9999, and for NaN.
 QDateTime momentFromDays(double days);
 
 /// Day zero of date-times in the databases, 1899-12-30 00:00: the moment that means "never".

@@ -24,7 +24,7 @@ RuntimeError saveError(const QSaveFile &file)
 
 void write(QSaveFile &file, QByteArrayView bytes)
 {
-    // A full disk first takes less than it was given, and only then says why.
+    // A full disk first accepts part of the bytes, and only the next write reports why.
     while (!bytes.isEmpty()) {
         const qint64 written = file.write(bytes.data(), bytes.size());
         if (written <= 0)
@@ -33,7 +33,7 @@ void write(QSaveFile &file, QByteArrayView bytes)
     }
 }
 
-/// Nothing once the new file has taken the old one's place, the error of a refused rename.
+/// nullopt once the new file has replaced the old one; else the error of a refused rename.
 std::optional<RuntimeError> tryReplace(const QString &path,
                                        const std::function<void(QSaveFile &)> &fill)
 {

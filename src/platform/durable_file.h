@@ -6,8 +6,8 @@
 
 class QFileDevice;
 
-/// Files that are replaced as a whole or not at all: written under a temporary name, synced,
-/// renamed, and the rename made lasting, before the call returns.
+/// Atomic, durable replacement of files: written under a temporary name, synced, renamed, and the
+/// rename synced, before the call returns.
 ///
 /// All throw RuntimeError 53 (no such file), 61 (disk full), 75 (any other failure of the file, a
 /// missing permission among them) or 76 (no such folder); the target is then as it was.

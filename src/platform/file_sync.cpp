@@ -74,7 +74,7 @@ void syncName(const QString &path)
     const QByteArray folder = QFile::encodeName(QFileInfo(path).absolutePath());
     const int descriptor = ::open(folder.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     if (descriptor < 0)
-        return; // a folder that may be written but not read: its file system decides
+        return; // a folder that may be written but not read
     ::fsync(descriptor);
     ::close(descriptor);
 }

@@ -4,12 +4,12 @@
 
 class QFileDevice;
 
-/// What the toolkit leaves out when it replaces a file.
+/// The syncs that QSaveFile leaves out.
 
-/// Brings the content of an open file to the disk. Throws RuntimeError 61 (disk full) or 75.
+/// Syncs the content of an open file. Throws RuntimeError 61 (disk full) or 75.
 void syncContent(const QFileDevice &file);
 
-/// Makes a new name of a file last, as far as its file system can.
+/// Syncs the new name of a file, best effort.
 void syncName(const QString &path);
 
 /// Whether that is the system's text for a full disk or a used-up quota.

@@ -2,8 +2,8 @@
 
 #include <QString>
 
-/// Which port and how it is set. The defaults are those of a serial control whose properties
-/// untouched: first serial port, 9600 baud, no parity, 8 data bits, 1 stop bit, no handshake.
+/// A port and its line settings. The defaults are those of an untouched serial control: first
+/// serial port, 9600 baud, no parity, 8 data bits, 1 stop bit, no handshake.
 struct LineSettings {
     enum class Parity { None, Even, Odd, Mark, Space };
     enum class StopBits { One, OneAndHalf, Two };

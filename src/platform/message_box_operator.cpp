@@ -22,8 +22,8 @@ QMessageBox::Icon boxIcon(Operator::Icon icon)
     return QMessageBox::NoIcon;
 }
 
-/// While the operator works in another program no window is active; a box that belonged to none
-/// could lie behind those that it blocks.
+/// While the operator works in another program no window is active. A box without a parent could
+/// open behind the windows that it blocks.
 QWidget *owner()
 {
     if (QWidget *active = QApplication::activeWindow())
@@ -37,7 +37,7 @@ QWidget *owner()
     return main == windows.cend() ? nullptr : *main;
 }
 
-/// The box sizes itself by its layout and takes no minimum width from outside.
+/// The box takes its size from its layout and ignores a minimum width.
 void widenToCaption(QMessageBox &box)
 {
     if (auto *grid = qobject_cast<QGridLayout *>(box.layout()))

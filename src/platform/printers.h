@@ -38,10 +38,9 @@ public:
     virtual QStringList names() const = 0;
     /// Device text of the default printer.
     virtual QString defaultDevice() const = 0;
-    /// Makes that printer the default one again and tells running programs, where choosing a
-    /// printer for one job can change the default at all.
+    /// Makes that printer the default again and notifies running programs. Does nothing on systems
+    /// where choosing a printer for one job leaves the default alone.
     virtual void setDefaultDevice(const QString &device) = 0;
-    /// Lets the operator choose a printer; nothing when there is none to choose, or the dialog was
-    /// cancelled.
+    /// Lets the operator choose a printer; null when there is none, or the dialog was cancelled.
     virtual std::unique_ptr<PrintJob> choose() = 0;
 };

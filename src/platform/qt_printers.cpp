@@ -72,10 +72,10 @@ public:
     void end() override { check(m_painter.end() && wasTaken()); }
 
 private:
-    /// It goes to a printer, not into a file.
+    /// True when it is printed, not written to a file.
     bool isQueued() const { return m_printer->outputFormat() == QPrinter::NativeFormat; }
 
-    /// The toolkit would take the default printer for one that has gone.
+    /// The toolkit would silently replace a printer that is gone by the default one.
     bool isThere() const
     {
         return !isQueued() ||
@@ -105,7 +105,7 @@ private:
     }
 
     std::unique_ptr<QPrinter> m_printer;
-    QPainter m_painter; // ends before its printer goes
+    QPainter m_painter; // destroyed before its printer
 };
 
 } // namespace
@@ -146,7 +146,7 @@ void QtPrinters::setDefaultDevice(const QString &device)
 {
     if (device.isEmpty() || device == defaultDevice())
         return; // nothing to restore: every program that listens would reload its printers
-    constexpr UINT kPatience = 1000; // ms; a window that hangs must not hang this program too
+    constexpr UINT kPatience = 1000; // ms; another program's hung window must not block this one
     WriteProfileStringW(L"windows", L"device", reinterpret_cast<const wchar_t *>(device.utf16()));
     SendMessageTimeoutW(HWND_BROADCAST, WM_SETTINGCHANGE, 0, reinterpret_cast<LPARAM>(L"windows"),
                         SMTO_ABORTIFHUNG, kPatience, nullptr);

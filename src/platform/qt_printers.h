@@ -18,5 +18,5 @@ public:
     std::unique_ptr<PrintJob> choose() override;
 };
 
-/// A document on a printer, or in the file that the printer was told to write.
+/// A document on a printer, or in the printer's output file.
 std::unique_ptr<PrintJob> printJobOn(std::unique_ptr<QPrinter> printer);

@@ -64,7 +64,7 @@ RuntimeError openError(const QSerialPort &port)
 /// Returns when the last byte has left the port: closing it puts its old line settings back.
 void drain(int port)
 {
-    // tcdrain() has no limit for what the system queues, only for what the chip holds.
+    // tcdrain() has a timeout for the chip's buffer only, none for the system's queue.
     const QDeadlineTimer limit(kDrainLimitMs);
     for (int queued = 0; ::ioctl(port, TIOCOUTQ, &queued) == 0 && queued > 0;) {
         if (limit.hasExpired()) {
@@ -152,7 +152,7 @@ void QtSerialLine::discardInput()
 
 void QtSerialLine::onError()
 {
-    // A port whose other side has gone floods the event loop with errors as long as it is open.
+    // A port whose other side is gone floods the event loop with errors while it is open.
     if (!m_port->isOpen() || m_port->error() == QSerialPort::NoError ||
         m_port->error() == QSerialPort::TimeoutError)
         return;

@@ -11,7 +11,7 @@ class SerialLine : public QObject
 public:
     using QObject::QObject;
 
-    /// No longer when the other side or the port itself has gone: the line closes itself then.
+    /// False once the other side or the port itself is gone: the line then closes itself.
     virtual bool isOpen() const = 0;
     /// Opens the line. Bytes that arrived before may wait in it: see discardInput(). Throws
     /// RuntimeError 8002 (no such port), 8005 (in use, or no permission), 8006 (not a serial port).
@@ -24,7 +24,7 @@ public:
     /// Received bytes that wait to be read; 0 when the line is closed.
     virtual qint64 bytesAvailable() const = 0;
     virtual QByteArray readAll() = 0;
-    /// Throws away what has arrived, also what the system still holds. The line is open.
+    /// Discards what has arrived, the system's buffer included. Precondition: isOpen().
     virtual void discardInput() = 0;
 
 signals:

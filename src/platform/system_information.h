@@ -2,8 +2,8 @@
 
 #include <QString>
 
-/// The program that shows what the computer is made of: the system's own tool on Windows, the
-/// first of the usual desktops' tools that is installed elsewhere. Empty when there is none.
+/// The program that shows the computer's hardware and system: on Windows the system's own tool,
+/// elsewhere the first installed one of the usual desktops. Empty when there is none.
 QString systemInformationTool();
 
 /// Starts it; false when it could not be started, or the path is empty.

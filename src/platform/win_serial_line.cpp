@@ -61,7 +61,7 @@ RuntimeError openError(DWORD number)
 
 } // namespace
 
-/// An open port, set as asked for; closed by its end.
+/// An open, configured port; its destructor closes it.
 class WinSerialLine::Port
 {
 public:
@@ -82,7 +82,7 @@ public:
     Port(const Port &) = delete;
     Port &operator=(const Port &) = delete;
 
-    /// False also when the time limit cut the bytes, which the system calls a success.
+    /// False also when the timeout truncated the write, which the system reports as a success.
     bool write(const QByteArray &bytes)
     {
         const DWORD size = static_cast<DWORD>(bytes.size());
@@ -108,7 +108,7 @@ public:
         FlushFileBuffers(m_handle);
     }
 
-    /// Appends what has arrived; false when the port has gone.
+    /// Appends what has arrived; false when the port is gone.
     bool read(QByteArray &received)
     {
         DWORD errors = 0;
@@ -150,11 +150,11 @@ private:
         dcb.fErrorChar = FALSE;
         dcb.fNull = FALSE;
         dcb.fAbortOnError = FALSE;
-        // As a serial control sets them whose properties nobody touched; RTS is never switched.
+        // As an untouched serial control sets them; RTS is never switched.
         dcb.fDtrControl = DTR_CONTROL_ENABLE;
         dcb.fRtsControl = RTS_CONTROL_DISABLE;
         COMMTIMEOUTS timeouts{};
-        timeouts.ReadIntervalTimeout = MAXDWORD; // reading takes what waits and returns
+        timeouts.ReadIntervalTimeout = MAXDWORD; // reads return at once with what has arrived
         timeouts.WriteTotalTimeoutConstant = kWriteLimitMs;
         return SetCommState(m_handle, &dcb) && SetCommTimeouts(m_handle, &timeouts);
     }
@@ -205,8 +205,8 @@ void WinSerialLine::write(const QByteArray &bytes)
         throw RuntimeError(RuntimeError::PortNotOpen);
     if (m_port->write(bytes))
         return;
-    // Whoever writes does not expect the line to close under its hands. By the time this is heard
-    // the line may be open again, through another port.
+    // Queued: a caller of write() must not find the line closed. By the time this runs the line may
+    // be open again, through another port.
     QMetaObject::invokeMethod(
         this,
         [this, port = std::weak_ptr<Port>(m_port)] {

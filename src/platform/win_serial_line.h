@@ -6,9 +6,8 @@
 #include <QTimer>
 #include <memory>
 
-/// The real line on Windows, through the system's own calls: Qt's serial module is not among the
-/// libraries the Windows program is built with. While it is open it looks every 10 ms for what has
-/// arrived. It is named "ControlPlc".
+/// The real line on Windows, through the system's own calls: the Windows program is built without
+/// Qt's serial module. While it is open it polls the port every 10 ms. It is named "ControlPlc".
 class WinSerialLine final : public SerialLine
 {
     Q_OBJECT

@@ -10,7 +10,7 @@
 namespace
 {
 
-/// What a sub window remembers of fitIntoArea().
+/// What fitIntoArea() keeps with a sub window.
 constexpr const char *kWantedPlace = "wantedPlace";
 constexpr const char *kFittedPlace = "fittedPlace";
 
@@ -31,15 +31,15 @@ const QWidget *areaAround(const QWidget &frame)
     return frame.isWindow() ? nullptr : frame.parentWidget();
 }
 
-/// The place nearest to `corner` where all of the frame is seen, or its beginning when it is larger
-/// than the area.
+/// The place nearest to `corner` where the whole frame is visible, or its top left part when it is
+/// larger than the area.
 QPoint insideOf(const QWidget &area, const QWidget &frame, QPoint corner)
 {
     return {std::clamp(corner.x(), 0, std::max(0, area.width() - frame.width())),
             std::clamp(corner.y(), 0, std::max(0, area.height() - frame.height()))};
 }
 
-/// True when enough of the title bar is seen to move the frame by it.
+/// True when enough of the title bar is visible to drag the frame by it.
 bool canBeMoved(const QWidget &frame, const QWidget &area)
 {
     const QRect bar(frame.pos(), QSize(frame.width(), titleBarHeight(frame)));
@@ -48,7 +48,7 @@ bool canBeMoved(const QWidget &frame, const QWidget &area)
            seen.height() * 2 >= bar.height();
 }
 
-/// Where a frame was before it was fitted, or is when it was moved or sized since.
+/// The place of a frame before it was fitted, or its present one if it was moved or sized since.
 QRect wantedPlace(const QWidget &frame)
 {
     const bool isFitted = frame.property(kFittedPlace).toRect() == frame.geometry();

@@ -28,7 +28,7 @@ class WindowPlace
 public:
     /// A minimised frame leaves the place as it was, a maximised one all but its being maximised.
     void save(QWidget &form);
-    /// As large and where it was, as far as its area has room; nothing before the first save.
+    /// Restores size and place as far as the area has room; does nothing before the first save().
     void restore(QWidget &form) const;
 
 private:
@@ -42,8 +42,8 @@ private:
 void keepInSight(QWidget &form);
 
 /// Shrinks a sub window to its area and moves all of it inside. Once there is room again it returns
-/// to its former size and place, unless the operator has moved it meanwhile. A
-/// maximised or minimised one is left alone.
+/// to its former size and place, unless the operator has moved it meanwhile. A maximised or
+/// minimised one is left alone.
 void fitIntoArea(QWidget &form);
 
 /// Width in pixels that a form's frame needs to show the caption whole.
@@ -52,6 +52,6 @@ int captionWidth(const QWidget &form);
 /// Makes the form at least that wide.
 void fitCaption(QWidget &form);
 
-/// Moves the form's frame to the middle of a screen of the given size in twips, as far as what the
-/// frame stands in can show it there.
+/// Moves the form's frame to the middle of a screen of the given size in twips, as far as it stays
+/// visible in its area.
 void centreOnScreen(QWidget &form, QSize screenTwips);

@@ -4,9 +4,9 @@
 
 class Operator;
 
-/// What this program is: title, version, description, the libraries it uses with their licences,
-/// and a button for the system's information tool; where there is none, or it does not start, a
-/// message tells what the toolkit knows. Modeless; destroyed when closed.
+/// The About box: title, version, description, the libraries with their licences, and a button for
+/// the system's information tool. If that is missing or does not start, a message shows what the
+/// toolkit knows of the system. Modeless; destroyed when closed.
 class AboutBox : public QDialog
 {
     Q_OBJECT

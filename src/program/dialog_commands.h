@@ -13,8 +13,9 @@ class MDIForm1;
 class Operator;
 class QDialog;
 
-/// Opens the configuration dialogs: options and calibration as locked dialogs, names and title
-/// modal. A dialog is destroyed when it closes; a locked one then gives menus and windows back.
+/// Opens the configuration dialogs: options, history limits and calibration as locked dialogs,
+/// names and title modal. A dialog is destroyed when it closes; closing a locked one unlocks menus
+/// and windows.
 class DialogCommands final : public QObject
 {
     Q_OBJECT

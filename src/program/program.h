@@ -76,7 +76,7 @@ private:
     std::vector<MenuItem> menu();
     void connectRooms();
     void openOptions(int diagram, OptionTab tab);
-    /// Brings the window up; `open` makes and loads it when it is not there.
+    /// Brings the window up; `open` creates and loads it if necessary.
     template <typename Form>
     void show(QPointer<Form> &form, void (Program::*open)());
     /// Puts a new window into the main window, `form` points to it until it is closed.

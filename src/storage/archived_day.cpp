@@ -13,7 +13,7 @@
 namespace
 {
 
-/// A locked archive is an answer too; the window must not stand still for it.
+/// The window must not block for a locked archive.
 constexpr std::chrono::milliseconds kLockTimeout{500};
 
 template <typename Number>
@@ -78,7 +78,7 @@ void reorder(std::vector<Element> &elements, const std::vector<std::size_t> &ord
     elements = std::move(ordered);
 }
 
-/// Pages that were emptied and used again need not lie in the order of the samples.
+/// Reused pages need not be in the order of the samples.
 void sortById(ArchivedDay &day, const std::vector<std::int32_t> &ids)
 {
     if (ids.size() != day.size() || std::is_sorted(ids.begin(), ids.end()))

@@ -34,10 +34,10 @@ void MeasurementStore::archiveAndEmpty(const QString &nume, const QString &archi
     const QString storage = m_station.storagePath(nume);
     if (!isStorageFile(nume))
         throw RuntimeError(RuntimeError::FileNotFound);
-    // Opening finishes what a stopped program left undone, and the transaction keeps others from
-    // writing between the copy and the emptying. A file that cannot be opened is copied all the
-    // same: its bytes may be all that is left of the day. Not so while another program writes to
-    // it: the copy would be half of a statement, and might replace a sound archive of the day.
+    // Opening finishes an interrupted statement, and the transaction keeps others from writing
+    // between the copy and the emptying. A file that cannot be opened is still copied: its bytes
+    // may be all that is left of the day. A file that another program writes to is not: the copy
+    // could hold half of a statement and replace a sound archive of the day.
     std::optional<jet::Database> database;
     std::optional<jet::Transaction> transaction;
     std::exception_ptr notOpened;

@@ -4,8 +4,8 @@
 #include <functional>
 #include <optional>
 
-/// A failure as the operator reads of it: the number and description of a database error or of the
-/// runtime.
+/// A failure as it is shown to the operator: the number and description of a database error or a
+/// runtime error.
 struct Failure {
     int number;
     QString description;
@@ -14,7 +14,7 @@ struct Failure {
     QString text() const { return QStringLiteral("%1 %2").arg(number).arg(description); }
 };
 
-/// The exception that is being handled. One without a number of its own is thrown on.
+/// The exception being handled, as a failure. Rethrows an exception that has no number.
 Failure currentFailure();
 
 /// Runs `action`. Returns the failure that ended it, or nothing; any other exception passes

@@ -27,7 +27,7 @@ QTableView *makeGrid(QWidget *parent, QAbstractItemModel *model)
     grid->setModel(model);
     grid->setEditTriggers(QAbstractItemView::NoEditTriggers);
     grid->setWordWrap(false);
-    // Rows of one height need no look at each of them: the grid opens at once whatever its length.
+    // Rows of one height need not be measured: the grid opens at once, however long it is.
     grid->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
     grid->verticalHeader()->setDefaultSectionSize(grid->fontMetrics().height() + 6);
     grid->verticalHeader()->hide();

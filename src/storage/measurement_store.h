@@ -19,7 +19,8 @@ class MeasurementStore : public QObject, public SampleStore
 {
     Q_OBJECT
 public:
-    /// How the station opens its files: the window does not wait longer for another program.
+    /// How the station opens its files: the timeout limits how long another program can block the
+    /// windows.
     static jet::OpenOptions openOptions() { return {.lockTimeout = std::chrono::seconds(1)}; }
 
     /// All must outlive this object. `options`: how storage files are opened; simulations of whole
@@ -51,7 +52,7 @@ public:
 signals:
     /// A record with that Id is safely in the file.
     void recordStored(int id);
-    /// The database browser holds the file open and has to close now, within this signal.
+    /// The database browser has the file open and must close it within this signal.
     void browserMustClose();
     /// The browser that was closed for the archive may come back.
     void browserMayReopen();

@@ -19,8 +19,8 @@ namespace
 
 using namespace std::chrono_literals;
 
-// The grid is drawn by the thread that takes the samples: it waits for a busy file only a moment,
-// and then leaves it alone for a while.
+// The thread that draws the grid also takes the samples: it waits only briefly for a busy file and
+// retries after a pause.
 constexpr auto kBusyWait = 200ms;
 constexpr auto kBusyPause = 1s;
 constexpr int kCachedRows = 1024; // a few screens in both directions
@@ -47,7 +47,7 @@ bool isAlignedRight(jet::ColumnType type)
 
 } // namespace
 
-/// The open file and what has been found of it so far.
+/// The open file and the records found so far.
 struct RecordsetModel::Recordset {
     Recordset(const QString &path, const jet::OpenOptions &options)
         : database(jet::Database::open(nativePath(path), options)),
@@ -61,7 +61,7 @@ struct RecordsetModel::Recordset {
     jet::Table table;
     jet::TableDesign design;
     int count;
-    jet::Cursor walk; ///< finds where the records are, in their order, as far as was asked for
+    jet::Cursor walk; ///< finds the places of the records, in their order, as far as needed
     std::vector<jet::RowPointer> found;
     QCache<int, jet::Row> rows{kCachedRows};
 };
@@ -85,7 +85,7 @@ void RecordsetModel::open(const QString &path)
     auto recordset = std::make_unique<Recordset>(path, options);
     beginResetModel();
     m_recordset = std::move(recordset);
-    m_failed = m_told = false;
+    m_failed = m_reported = false;
     endResetModel();
 }
 
@@ -117,8 +117,7 @@ const jet::Row *RecordsetModel::fetch(int row) const
     if (m_failed)
         return nullptr;
     try {
-        // The way to the end of a day is long. The station's own samples do not wait for it: they
-        // are stored by the thread that draws the grid.
+        // Reading on to the end of a day takes long, but delays no sample: this thread stores them.
         const jet::Snapshot snapshot(set.database);
         const auto wanted = static_cast<std::size_t>(row);
         while (set.found.size() <= wanted && set.walk.next())
@@ -126,7 +125,7 @@ const jet::Row *RecordsetModel::fetch(int row) const
         if (set.found.size() <= wanted)
             return nullptr; // deleted by another program meanwhile
         set.rows.insert(row, new jet::Row(set.table.record(set.found[wanted])));
-        m_told = false;
+        m_reported = false;
         return set.rows.object(row);
     } catch (const jet::Error &error) {
         if (error.code() == jet::ErrorCode::RecordDeleted)
@@ -141,11 +140,11 @@ void RecordsetModel::fail(const jet::Error &error) const
     m_failed = true;
     if (error.code() == jet::ErrorCode::InUse)
         m_retry->start();
-    if (!std::exchange(m_told, true))
+    if (!std::exchange(m_reported, true))
         emit failed(currentFailure().text());
 }
 
-/// The grid asks for its rows anew; those that a busy file kept empty fill.
+/// The grid fetches its rows again: those that a busy file left empty are filled.
 void RecordsetModel::lookAgain()
 {
     m_failed = false;

@@ -26,7 +26,7 @@ public:
 
     /// Throws jet::Error; the model is then empty.
     void open(const QString &path);
-    /// Lets the file go and empties the grid.
+    /// Closes the file and empties the grid.
     void close();
 
     int rowCount(const QModelIndex &parent = {}) const override;
@@ -51,7 +51,7 @@ private:
 
     const Station &m_station;
     mutable std::unique_ptr<Recordset> m_recordset;
-    QTimer *m_retry;               ///< runs while the file is busy
-    mutable bool m_failed = false; ///< nothing is read
-    mutable bool m_told = false;   ///< of the failure that lasts
+    QTimer *m_retry;                 ///< runs while the file is busy
+    mutable bool m_failed = false;   ///< nothing is read until the next try
+    mutable bool m_reported = false; ///< the present failure has been signalled
 };

@@ -6,6 +6,6 @@
 
 std::filesystem::path nativePath(const QString &path);
 
-/// Makes a storage file with an empty table Tabel: it appears complete or not at all. `now` is
-/// noted in its system tables. Throws jet::Error, 3204 when the file exists.
+/// Creates a storage file with an empty table Tabel: it appears complete or not at all. `now` is
+/// the creation date in its system tables. Throws jet::Error, 3204 when the file exists.
 void createStorageFile(const QString &path, const QDateTime &now);

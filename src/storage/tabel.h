@@ -5,13 +5,13 @@
 
 #include <QDateTime>
 
-/// How table Tabel of a storage file is made, and what its parts are called. Its columns are found
-/// by these names, so that a table designed differently in a database program works too.
+/// The design of table Tabel and the names of its parts. Columns are found by these names, so that
+/// a table designed differently in a database program works too.
 namespace tabel
 {
 
 inline const jet::Text kName = u"Tabel";
-/// The table that a repair builds before it takes the other one's place.
+/// The table that a repair builds to replace Tabel.
 inline const jet::Text kScratchName = u"Tabel2";
 inline const jet::Text kPrimaryIndex = u"IndexPrimar";
 
@@ -19,7 +19,7 @@ inline const jet::Text kId = u"Id";
 inline const jet::Text kAlarma = u"Alarma";
 inline const jet::Text kData = u"Data";
 inline const jet::Text kOra = u"Ora";
-/// What Alarma holds for a sample in alarm; otherwise the column is not assigned.
+/// Value of Alarma for a sample in alarm; otherwise the column is not assigned.
 inline const jet::Text kYes = u"Yes";
 
 /// Column of a channel, which counts from 1.

@@ -9,5 +9,5 @@
 /// no record, 3262 when another program has the file open.
 void rebuildTabel(jet::Database &database, jet::DateTime now);
 
-/// Drops the first table named Tabel2 that an unfinished repair of another program left behind.
+/// Drops table Tabel2, which an unfinished repair of another program may have left behind.
 void dropScratchTable(jet::Database &database);

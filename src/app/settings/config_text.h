@@ -8,9 +8,8 @@
 /// The grammar of the settings file, on its bytes.
 ///
 /// A file is read in two ways. As fields: a field ends at a comma or at the end of a line, leading
-/// blanks are skipped, a field that begins with a double quote runs to the closing quote, when its
-/// line has one. As lines: a whole line belongs to a key when it begins with it, whatever the
-/// letter case.
+/// blanks are skipped, a field that begins with a double quote ends at the closing quote if its
+/// line has one. As lines: a line belongs to a key when it begins with it, in any letter case.
 ///
 /// Each piece is UTF-8 when it is valid UTF-8, otherwise Windows code page 1252, the form of old
 /// installations.

@@ -13,7 +13,7 @@ struct Diagrama {
     QStringList Nume; ///< display names of the diagram's sensors
     QString Titlu;    ///< shown above the diagram
     quint8 sensorCount = 0;
-    ChartGrid *chart = nullptr;        ///< not owned: LiveDiagrams keeps it, window or not
+    ChartGrid *chart = nullptr;        ///< not owned: outlives the window that draws it
     double limita_minima = 0;          ///< lower end of the value axis, degrees Celsius
     double limita_maxima = 0;          ///< upper end of the value axis, degrees Celsius
     double alarma_minim = 0;           ///< a reading at or below it is an alarm

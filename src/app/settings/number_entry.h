@@ -4,7 +4,7 @@
 #include <functional>
 #include <vector>
 
-/// Tells the operator why what was typed is refused.
+/// Reports to the operator why an entry is refused.
 using ShowError = std::function<void(const QString &message)>;
 
 /// One number box of a settings tab and the setting behind it.

@@ -13,8 +13,8 @@ struct SettingsEntries {
     QStringList values;
 };
 
-/// Reads and writes config/config.ini, the one place where settings outlive the program. The file
-/// is never created here: it is installed with every key present, and only those can be changed.
+/// Reads and writes config/config.ini. The file is installed with every key; only the values of
+/// these keys can be changed, and the file is never created here.
 ///
 /// The file is opened and closed within each call. A file that cannot be opened, read or replaced
 /// throws RuntimeError 53, 61, 75 or 76; it is then unchanged.

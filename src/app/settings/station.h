@@ -16,7 +16,7 @@
 /// that changes it emits a signal of its own.
 struct Station {
     QString appFolder; ///< the folder that holds the program, without a slash at its end
-    QLocale locale;    ///< how numbers and dates look on the screen
+    QLocale locale;    ///< of numbers and dates on the screen
 
     std::vector<Diagrama> Diagrame; ///< the live diagrams, sorted by name
     std::vector<Sensor> sensors;    ///< in the order of the diagrams' series
