@@ -15,7 +15,7 @@ Exchange::Exchange(Station &station, SerialLine &line, Scheduler &scheduler, Ope
                    QObject *parent)
     : QObject(parent), m_station(station), m_line(line), m_operator(op),
       m_timerEroare(scheduler.createTimer(QStringLiteral("TimerEroare"), [this] { onTimeout(); })),
-      m_nextLook(scheduler.createTimer(QStringLiteral("NextLook"), [this] { lookAgain(); }))
+      m_recheck(scheduler.createTimer(QStringLiteral("ReplyRecheck"), [this] { recheck(); }))
 {
     connect(&line, &SerialLine::readyRead, this, &Exchange::onReadyRead);
 }
@@ -40,7 +40,7 @@ void Exchange::interogare_aparat(const QString &)
 void Exchange::onReadyRead()
 {
     if (m_state == State::Waiting)
-        lookForReply();
+        checkForReply();
 }
 
 void Exchange::onTimeout()
@@ -48,18 +48,18 @@ void Exchange::onTimeout()
     m_station.TimeoutComunicare = true;
     // A long operation, such as an archive made by hand, may have blocked the event loop: a reply
     // that came in time is seen before the wait is given up.
-    m_nextLook->start(kAfterPendingEvents);
+    m_recheck->start(kAfterPendingEvents);
 }
 
-void Exchange::lookAgain()
+void Exchange::recheck()
 {
     if (m_state == State::Waiting)
-        lookForReply();
+        checkForReply();
     else if (m_state == State::Draining)
         drain();
 }
 
-void Exchange::lookForReply()
+void Exchange::checkForReply()
 {
     // More bytes than a reply has: the recorder sent something else.
     if (m_line.bytesAvailable() == trm10c::kReplySize)
@@ -71,7 +71,7 @@ void Exchange::lookForReply()
 void Exchange::takeReply()
 {
     m_timerEroare->stop();
-    m_nextLook->stop();
+    m_recheck->stop();
     m_station.TimeoutComunicare = false;
     if (!m_station.monitorActive) {
         finish(true);
@@ -93,7 +93,7 @@ void Exchange::drain()
     if (m_line.bytesAvailable() > 0) {
         // Nobody reads what follows the reply: left in the buffer it would keep the line draining.
         m_line.discardInput();
-        m_nextLook->start(kAfterPendingEvents);
+        m_recheck->start(kAfterPendingEvents);
         return;
     }
     if (m_line.isOpen()) // a line lost after the whole reply has nothing more to give
@@ -105,7 +105,7 @@ void Exchange::drain()
 void Exchange::giveUp()
 {
     m_timerEroare->stop();
-    m_nextLook->stop();
+    m_recheck->stop();
     m_state = State::Telling;
     m_line.close();
     m_operator.tell(texts::acquisition::communicationError(), Operator::Icon::Critical);
@@ -115,7 +115,7 @@ void Exchange::giveUp()
 void Exchange::abandon()
 {
     m_timerEroare->stop();
-    m_nextLook->stop();
+    m_recheck->stop();
     m_state = State::Idle; // closing may still bring what has arrived
     m_line.close();
 }

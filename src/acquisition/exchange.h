@@ -43,8 +43,8 @@ private:
 
     void onReadyRead();
     void onTimeout();
-    void lookAgain();
-    void lookForReply();
+    void recheck();
+    void checkForReply();
     void takeReply();
     void drain();
     void giveUp();
@@ -55,6 +55,6 @@ private:
     SerialLine &m_line;
     Operator &m_operator;
     std::unique_ptr<Timer> m_timerEroare;
-    std::unique_ptr<Timer> m_nextLook;
+    std::unique_ptr<Timer> m_recheck;
     State m_state = State::Idle;
 };

@@ -10,7 +10,7 @@ namespace
 
 // At 9600 baud a reply of 186 bytes takes 194 ms. Waiting for the driver's events instead wakes the
 // program for every byte, on some drivers without any.
-constexpr int kLookEveryMs = 10;
+constexpr int kPollIntervalMs = 10;
 // A dead line must not hold the window while a command is written.
 constexpr DWORD kWriteLimitMs = 200;
 
@@ -169,9 +169,9 @@ WinSerialLine::WinSerialLine(const LineSettings &settings, QObject *parent)
     // Only with this prefix does the system know ports above COM9.
     if (!m_portName.startsWith(QLatin1String(R"(\\)")))
         m_portName.prepend(QLatin1String(R"(\\.\)"));
-    m_look.setInterval(kLookEveryMs);
-    m_look.setTimerType(Qt::PreciseTimer);
-    connect(&m_look, &QTimer::timeout, this, &WinSerialLine::collect);
+    m_poll.setInterval(kPollIntervalMs);
+    m_poll.setTimerType(Qt::PreciseTimer);
+    connect(&m_poll, &QTimer::timeout, this, &WinSerialLine::collect);
 }
 
 WinSerialLine::~WinSerialLine() = default;
@@ -186,7 +186,7 @@ void WinSerialLine::open()
     if (m_port)
         throw RuntimeError(RuntimeError::PortAlreadyOpen);
     m_port = std::make_shared<Port>(m_portName, m_settings);
-    m_look.start();
+    m_poll.start();
 }
 
 void WinSerialLine::close()
@@ -194,7 +194,7 @@ void WinSerialLine::close()
     if (!m_port)
         return;
     m_port->flush();
-    m_look.stop();
+    m_poll.stop();
     m_port.reset();
     m_received.clear();
 }
@@ -244,7 +244,7 @@ void WinSerialLine::collect()
 
 void WinSerialLine::lose()
 {
-    m_look.stop();
+    m_poll.stop();
     m_port.reset();
     m_received.clear();
 }

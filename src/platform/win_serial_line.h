@@ -34,5 +34,5 @@ private:
     QString m_portName;
     std::shared_ptr<Port> m_port; ///< null when the line is closed; nobody else keeps it
     QByteArray m_received;
-    QTimer m_look;
+    QTimer m_poll;
 };

@@ -71,7 +71,7 @@ RecordsetModel::RecordsetModel(const Station &station, QObject *parent)
 {
     m_retry->setSingleShot(true);
     m_retry->setInterval(kBusyPause);
-    connect(m_retry, &QTimer::timeout, this, &RecordsetModel::lookAgain);
+    connect(m_retry, &QTimer::timeout, this, &RecordsetModel::retry);
 }
 
 RecordsetModel::~RecordsetModel() = default;
@@ -145,7 +145,7 @@ void RecordsetModel::fail(const jet::Error &error) const
 }
 
 /// The grid fetches its rows again: those that a busy file left empty are filled.
-void RecordsetModel::lookAgain()
+void RecordsetModel::retry()
 {
     m_failed = false;
     if (rowCount() > 0)

@@ -39,7 +39,7 @@ signals:
     void failed(const QString &failure) const;
 
 private slots:
-    void lookAgain();
+    void retry();
 
 private:
     struct Recordset;

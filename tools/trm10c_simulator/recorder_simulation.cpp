@@ -2,17 +2,17 @@
 #include "platform/scheduler.h"
 #include "platform/serial_line.h"
 
-static constexpr std::chrono::milliseconds kLookEvery{1000};
+static constexpr std::chrono::milliseconds kPollInterval{1000};
 
 RecorderSimulation::RecorderSimulation(const RecorderSettings &settings, SerialLine &line,
                                        const Clock &clock, Scheduler &scheduler, QObject *parent)
     : QObject(parent), m_line(line), m_clock(clock), m_start(clock.now()), m_recorder(settings),
-      m_look(scheduler.createTimer(QStringLiteral("RecorderLook"), [this] { lookAtLine(); })),
+      m_poll(scheduler.createTimer(QStringLiteral("RecorderPoll"), [this] { pollLine(); })),
       m_pieceTimer(
           scheduler.createTimer(QStringLiteral("RecorderAnswer"), [this] { sendNextPiece(); }))
 {
     connect(&m_line, &SerialLine::readyRead, this, &RecorderSimulation::onReadable);
-    m_look->start(kLookEvery);
+    m_poll->start(kPollInterval);
 }
 
 RecorderSimulation::~RecorderSimulation() = default;
@@ -33,11 +33,11 @@ void RecorderSimulation::onReadable()
         startNextPiece();
 }
 
-void RecorderSimulation::lookAtLine()
+void RecorderSimulation::pollLine()
 {
     // A port whose adapter has been pulled closes the line and says nothing.
     if (m_line.isOpen())
-        m_look->start(kLookEvery);
+        m_poll->start(kPollInterval);
     else
         vanish();
 }
@@ -60,7 +60,7 @@ void RecorderSimulation::sendNextPiece()
 
 void RecorderSimulation::vanish()
 {
-    m_look->stop();
+    m_poll->stop();
     m_pieceTimer->stop();
     m_pieces.clear();
     m_line.close();

@@ -29,7 +29,7 @@ signals:
 
 private:
     void onReadable();
-    void lookAtLine();
+    void pollLine();
     void sendNextPiece();
     void startNextPiece();
     void vanish();
@@ -38,7 +38,7 @@ private:
     const Clock &m_clock;
     const QDateTime m_start;
     SimulatedRecorder m_recorder;
-    std::unique_ptr<Timer> m_look;
+    std::unique_ptr<Timer> m_poll;
     std::unique_ptr<Timer> m_pieceTimer;
     QList<SimulatedRecorder::Piece> m_pieces; ///< still to be sent
 };

@@ -179,9 +179,9 @@ void Pager::begin()
     lockWriter();
     try {
         renewLockFile();
-        lookAtFile(); // nobody else can change it now
+        refresh(); // nobody else can change it now
     } catch (...) {
-        m_mustLook = true;
+        m_mustRefresh = true;
         unlockWriter();
         throw;
     }
@@ -202,9 +202,9 @@ void Pager::beginRead()
     if (!isReading()) {
         lockPages(LockMode::Shared, "another program is writing to it");
         try {
-            lookAtFile();
+            refresh();
         } catch (...) {
-            m_mustLook = true; // the change has not been read yet
+            m_mustRefresh = true; // the change has not been read yet
             m_file->unlock(LockPart::Pages);
             throw;
         }
@@ -222,7 +222,7 @@ void Pager::endRead()
 
 bool Pager::isUnchanged()
 {
-    return isReading() || (!m_mustLook && storedCounter() == m_counter);
+    return isReading() || (!m_mustRefresh && storedCounter() == m_counter);
 }
 
 void Pager::beginGlance()

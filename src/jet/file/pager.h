@@ -146,7 +146,7 @@ private:
     void releasePages();
     void weaken(LockPart part) noexcept;
     ChangeCounter storedCounter();
-    void lookAtFile();
+    void refresh();
     void recover();
     void loadOverlay();
     void finishJournal();
@@ -187,7 +187,7 @@ private:
     bool m_isGlancing = false; ///< reading without a lock
     bool m_inTransaction = false;
     bool m_holdsWriter = false;
-    bool m_mustLook = true; ///< the cache may be outdated
+    bool m_mustRefresh = true; ///< the cache may be outdated
 
     PageCache m_cache;
     PageNo m_readUpTo = 0; ///< the last page that was read from the file

@@ -26,7 +26,7 @@ void Pager::commit()
         applyChanges();
     } catch (...) {
         rollback();
-        m_mustLook = true;
+        m_mustRefresh = true;
         throw;
     }
     m_counter = counterOf(*m_changes.at(kHeaderPage).after);

@@ -28,13 +28,13 @@ ChangeCounter Pager::storedCounter()
 }
 
 /// Called with the pages locked for reading, or by the writer.
-void Pager::lookAtFile()
+void Pager::refresh()
 {
     const ChangeCounter counter = storedCounter();
-    if (counter == m_counter && !m_mustLook)
+    if (counter == m_counter && !m_mustRefresh)
         return;
     m_counter = counter;
-    m_mustLook = false;
+    m_mustRefresh = false;
     forgetPages();
     if (m_use == Use::Shared && m_journal.hasStatement()) {
         if (m_options.readOnly)
