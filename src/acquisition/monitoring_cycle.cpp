@@ -2,9 +2,9 @@
 #include "acquisition/diagram_feed.h"
 #include "acquisition/exchange.h"
 #include "acquisition/sample.h"
-#include "app/sample_store.h"
 #include "app/settings/schedule.h"
 #include "platform/scheduler.h"
+#include "storage/sample_store.h"
 
 #include <algorithm>
 

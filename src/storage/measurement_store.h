@@ -1,7 +1,7 @@
 #pragma once
 
-#include "app/sample_store.h"
 #include "jet/database.h"
+#include "storage/sample_store.h"
 
 #include <QObject>
 #include <functional>
