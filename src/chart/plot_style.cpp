@@ -56,6 +56,11 @@ bool isMultiple(double number, double step)
     return std::abs(steps - std::round(steps)) < 1e-6;
 }
 
+QColor windowInk(const QWidget &widget)
+{
+    return widget.palette().color(QPalette::Active, QPalette::WindowText);
+}
+
 } // namespace
 
 QPen columnPen(const ChartGrid &grid, int column, bool dense)
@@ -128,11 +133,6 @@ void applyStyle(QCustomPlot &plot)
     plot.yAxis->setNumberFormat(QStringLiteral("g"));
     plot.legend->setBorderPen(Qt::NoPen);
     plot.legend->setVisible(true);
-}
-
-QColor windowInk(const QWidget &widget)
-{
-    return widget.palette().color(QPalette::Active, QPalette::WindowText);
 }
 
 QColor windowColour(const QWidget &widget)

@@ -29,8 +29,7 @@ void applyScale(QCustomPlot &plot, const PlotScale &scale);
 /// Colours and lines that never change.
 void applyStyle(QCustomPlot &plot);
 
-/// A window's own colours while it is active: a chart behind a locked dialog keeps its look.
-QColor windowInk(const QWidget &widget);
+/// The background of an active window: a chart behind a locked dialog keeps its colours.
 QColor windowColour(const QWidget &widget);
 
 /// What lies around the plot area, white or the window's own colour, and letters to be read on it.

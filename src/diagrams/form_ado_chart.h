@@ -38,9 +38,6 @@ public:
     /// last generation. A minimised window is laid out when it is restored.
     void followMainWindow(QSize mainInner);
 
-    /// Sets the charts to these widths, in twips, and lays out everything.
-    void aranjare_totala_formado(double latime1, double latime2);
-
 public slots:
     /// Draws the day whose date is in Text1; does nothing when that is no date.
     void Command1_Click();
@@ -76,6 +73,8 @@ private:
     void showStartOfDay();
     void arrangeWithKeptWidths();
 
+    /// Sets the charts to these widths, in twips, and lays out everything.
+    void aranjare_totala_formado(double latime1, double latime2);
     void aranjare();
     void aranjare_frame12_chart1();
     void aranjare_frame12_chart2();

@@ -34,19 +34,19 @@ void openFolder(const ImageExport &with)
     }
 }
 
-} // namespace
-
-QString imagePath(const Station &station, const Diagrama &record, const Clock &clock)
+QString imagePath(const ImageExport &with, const Diagrama &record)
 {
-    return station.imageFolder() + record.name + QLatin1Char('_') +
-           data_pentru_fisier(clock, true, true) + QStringLiteral(".bmp");
+    return with.station.imageFolder() + record.name + QLatin1Char('_') +
+           data_pentru_fisier(with.clock, true, true) + QStringLiteral(".bmp");
 }
+
+} // namespace
 
 void saveDiagramImages(const ImageExport &with)
 {
     const std::optional<Failure> failure = attempt([&] {
         for (const Diagrama &record : with.station.Diagrame)
-            replaceFile(imagePath(with.station, record, with.clock), bitmap(with.capture(record)));
+            replaceFile(imagePath(with, record), bitmap(with.capture(record)));
     });
     // A picture that cannot be saved is no reason to end the monitoring of a load.
     if (failure)

@@ -12,9 +12,6 @@ struct Station;
 /// Takes a picture of a diagram as it is on the screen. May throw RuntimeError.
 using DiagramCapture = std::function<QImage(const Diagrama &)>;
 
-/// File of a diagram's picture: img/ + name + "_" + date and time to the minute + ".bmp".
-QString imagePath(const Station &station, const Diagrama &record, const Clock &clock);
-
 /// What saving the diagrams' pictures needs; all of it outlives the call.
 struct ImageExport {
     const Station &station;
@@ -24,7 +21,8 @@ struct ImageExport {
     Operator &op;
 };
 
-/// Saves one Windows bitmap per diagram of the diagram table, then opens their folder minimised.
+/// Saves one Windows bitmap per diagram of the diagram table, img/ + name + "_" + date and time to
+/// the minute + ".bmp", then opens their folder minimised.
 /// Each file appears complete or not at all; one of the same minute is replaced. A picture that
 /// cannot be saved is reported, and the folder is not opened. If the folder cannot be opened, the
 /// message says that the pictures are in it.

@@ -1,7 +1,8 @@
 #include "app/settings/schedule.h"
 #include "platform/runtime_error.h"
 
-QDateTime addInterval(const QDateTime &moment, qint16 count, qint16 unit)
+/// `unit` as Diagrama::masura_interval.
+static QDateTime addInterval(const QDateTime &moment, qint16 count, qint16 unit)
 {
     switch (unit) {
     case 0:
