@@ -2,7 +2,7 @@
 #include "acquisition/texts.h"
 #include "app/settings/calibration.h"
 #include "app/settings/settings.h"
-#include "app/settings/texts.h"
+#include "app/texts.h"
 #include "platform/dialog_buttons.h"
 #include "platform/operator.h"
 #include "platform/twips.h"
@@ -31,7 +31,7 @@ FormCalibrare::FormCalibrare(Station &station, Settings &settings, Operator &op,
     column->addLayout(rows(), 1);
     column->addLayout(dialogButtons(
         *this, {QStringLiteral("cmdOk"), texts::acquisition::saveButton()},
-        {QStringLiteral("cmdCancel"), texts::settings::cancelButton()}, [this] { cmdOk_Click(); }));
+        {QStringLiteral("cmdCancel"), texts::app::cancelButton()}, [this] { cmdOk_Click(); }));
     showOffsets();
     if (!m_boxes.empty())
         m_boxes.front()->selectAll();

@@ -1,7 +1,7 @@
 #include "acquisition/form_eroare.h"
 #include "acquisition/texts.h"
 #include "app/settings/station.h"
-#include "app/settings/texts.h"
+#include "app/texts.h"
 #include "platform/runtime_error.h"
 #include "platform/twips.h"
 #include "platform/window_frame.h"
@@ -38,7 +38,7 @@ QPixmap warningIcon(const QString &path)
 
 FormEroare::FormEroare(const Station &station, QSize screenTwips, QWidget *parent)
     : QWidget(parent), m_screen(screenTwips), m_message(new QLabel),
-      m_ok(new QPushButton(texts::settings::okButton()))
+      m_ok(new QPushButton(texts::app::okButton()))
 {
     setObjectName(QStringLiteral("FormEroare"));
     auto *picture = new QLabel;

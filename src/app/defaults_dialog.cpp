@@ -1,5 +1,5 @@
 #include "app/defaults_dialog.h"
-#include "app/settings/texts.h"
+#include "app/texts.h"
 #include "platform/dialog_buttons.h"
 
 #include <QEvent>
@@ -15,16 +15,15 @@ QLayout *DefaultsDialog::buttonRow()
         row->addWidget(button);
         return button;
     };
-    add(QStringLiteral("cmdSaveDef"), texts::settings::saveDefaultsButton(),
+    add(QStringLiteral("cmdSaveDef"), texts::app::saveDefaultsButton(),
         &DefaultsDialog::cmdSaveDef_Click);
-    add(QStringLiteral("cmdRestDef"), texts::settings::restoreDefaultsButton(),
+    add(QStringLiteral("cmdRestDef"), texts::app::restoreDefaultsButton(),
         &DefaultsDialog::cmdRestDef_Click);
     row->addStretch();
-    add(QStringLiteral("cmdOK"), texts::settings::okButton(), &DefaultsDialog::cmdOK_Click)
+    add(QStringLiteral("cmdOK"), texts::app::okButton(), &DefaultsDialog::cmdOK_Click)
         ->setDefault(true);
-    add(QStringLiteral("cmdCancel"), texts::settings::cancelButton(), &DefaultsDialog::reject);
-    add(QStringLiteral("cmdApply"), texts::settings::applyButton(),
-        &DefaultsDialog::cmdApply_Click);
+    add(QStringLiteral("cmdCancel"), texts::app::cancelButton(), &DefaultsDialog::reject);
+    add(QStringLiteral("cmdApply"), texts::app::applyButton(), &DefaultsDialog::cmdApply_Click);
     return row;
 }
 

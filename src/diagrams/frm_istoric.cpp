@@ -1,5 +1,5 @@
 #include "diagrams/frm_istoric.h"
-#include "app/settings/texts.h"
+#include "app/texts.h"
 #include "diagrams/texts.h"
 #include "platform/window_frame.h"
 
@@ -35,8 +35,8 @@ QGroupBox *FrmIstoric::limitsOf(int diagram, QLineEdit *&upper, QLineEdit *&lowe
     upper->setObjectName(QStringLiteral("LimSupText") + suffix);
     lower = new QLineEdit;
     lower->setObjectName(QStringLiteral("LimInfText") + suffix);
-    form->addRow(texts::settings::upperLimit(), upper);
-    form->addRow(texts::settings::lowerLimit(), lower);
+    form->addRow(texts::app::upperLimit(), upper);
+    form->addRow(texts::app::lowerLimit(), lower);
     return frame;
 }
 

@@ -2,7 +2,7 @@
 #include "app/settings/chart_settings.h"
 #include "app/settings/keys.h"
 #include "app/settings/settings.h"
-#include "app/settings/texts.h"
+#include "app/texts.h"
 #include "platform/numeric_text.h"
 
 #include <array>
@@ -73,7 +73,7 @@ bool HistoryLimits::valideaza_tab(HistoryLimitBoxes &boxes)
     for (const Limit &limit : limitsOf(m_station))
         entries.push_back({boxes.*limit.box, limit.value});
     if (!takeNumbers(entries)) {
-        m_showError(texts::settings::checkFields());
+        m_showError(texts::app::checkFields());
         return false;
     }
     applyLimits(m_station);

@@ -2,7 +2,7 @@
 #include "app/settings/chart_settings.h"
 #include "app/settings/schedule.h"
 #include "app/settings/settings.h"
-#include "app/settings/texts.h"
+#include "app/texts.h"
 #include "dialogs/texts.h"
 #include "platform/numeric_text.h"
 #include "storage/storage_names.h"
@@ -78,7 +78,7 @@ bool DiagramOptions::valideaza_tab(OptionTab tab, OptionBoxes &boxes)
 bool DiagramOptions::takeTab(OptionTab tab, const std::vector<NumberEntry> &entries)
 {
     if (!takeNumbers(entries)) {
-        m_showError(texts::settings::checkFields());
+        m_showError(texts::app::checkFields());
         return false;
     }
     aplica_tab(record(), tab);

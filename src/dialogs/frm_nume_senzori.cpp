@@ -1,6 +1,6 @@
 #include "dialogs/frm_nume_senzori.h"
 #include "app/settings/station.h"
-#include "app/settings/texts.h"
+#include "app/texts.h"
 #include "dialogs/names_and_title.h"
 #include "dialogs/texts.h"
 #include "platform/dialog_buttons.h"
@@ -44,8 +44,8 @@ void frmNumeSenzori::aranjare_senzori_form()
         grid->addWidget(m_labels[i], static_cast<int>(i), 0);
         grid->addWidget(m_boxes[i], static_cast<int>(i), 1);
     }
-    grid->addLayout(dialogButtons(*this, {QStringLiteral("OKButton"), texts::settings::okButton()},
-                                  {QStringLiteral("CancelButton"), texts::settings::cancelButton()},
+    grid->addLayout(dialogButtons(*this, {QStringLiteral("OKButton"), texts::app::okButton()},
+                                  {QStringLiteral("CancelButton"), texts::app::cancelButton()},
                                   [this] { OKButton_Click(); }),
                     grid->rowCount(), 0, 1, 2);
 }

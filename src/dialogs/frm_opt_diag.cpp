@@ -1,6 +1,6 @@
 #include "dialogs/frm_opt_diag.h"
 #include "app/settings/station.h"
-#include "app/settings/texts.h"
+#include "app/texts.h"
 #include "dialogs/texts.h"
 #include "platform/window_frame.h"
 
@@ -113,8 +113,8 @@ QWidget *frmOptDiag::limitsPanel()
 {
     auto *frame = new QGroupBox(texts::dialogs::graphLimitsTab());
     auto *grid = new QGridLayout(frame);
-    m_limSup = addBox(*grid, 0, QStringLiteral("LimSupText"), texts::settings::upperLimit());
-    m_limInf = addBox(*grid, 1, QStringLiteral("LimInfText"), texts::settings::lowerLimit());
+    m_limSup = addBox(*grid, 0, QStringLiteral("LimSupText"), texts::app::upperLimit());
+    m_limInf = addBox(*grid, 1, QStringLiteral("LimInfText"), texts::app::lowerLimit());
     return panelOf({frame});
 }
 
@@ -153,7 +153,7 @@ QWidget *frmOptDiag::scanPanel(int diagram, const QString &storageFolder)
 
 void frmOptDiag::addStorageNames(QGridLayout &grid, int firstRow)
 {
-    for (int i = 0; i < 4; ++i) {
+    for (int i = 0; i < static_cast<int>(m_names.size()); ++i) {
         auto *box = new QLineEdit;
         box->setObjectName(QStringLiteral("NumeMdb%1Text").arg(i + 1));
         box->setMinimumWidth(box->fontMetrics().averageCharWidth() * kNameCharacters);

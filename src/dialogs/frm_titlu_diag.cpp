@@ -1,6 +1,6 @@
 #include "dialogs/frm_titlu_diag.h"
 #include "app/settings/station.h"
-#include "app/settings/texts.h"
+#include "app/texts.h"
 #include "dialogs/names_and_title.h"
 #include "dialogs/texts.h"
 #include "platform/dialog_buttons.h"
@@ -22,10 +22,9 @@ frmTitluDiag::frmTitluDiag(Station &station, Settings &settings, QWidget *parent
     m_title->setMinimumWidth(m_title->fontMetrics().averageCharWidth() * kTitleCharacters);
     auto *column = new QVBoxLayout(this);
     column->addWidget(m_title);
-    column->addLayout(
-        dialogButtons(*this, {QStringLiteral("OKButton"), texts::settings::okButton()},
-                      {QStringLiteral("CancelButton"), texts::settings::cancelButton()},
-                      [this] { OKButton_Click(); }));
+    column->addLayout(dialogButtons(*this, {QStringLiteral("OKButton"), texts::app::okButton()},
+                                    {QStringLiteral("CancelButton"), texts::app::cancelButton()},
+                                    [this] { OKButton_Click(); }));
 }
 
 void frmTitluDiag::incarca_titlu(int diagram)

@@ -1,7 +1,7 @@
 #include "app/settings/settings.h"
 #include "app/settings/config_text.h"
 #include "app/settings/keys.h"
-#include "app/settings/texts.h"
+#include "app/texts.h"
 #include "platform/durable_file.h"
 #include "platform/numeric_text.h"
 #include "platform/operator.h"
@@ -28,7 +28,7 @@ QStringList Settings::citeste_config(const QStringList &keys) const
     for (const QString &key : keys) {
         const std::optional<QString> value = valueOfKey(file, key);
         if (!value) {
-            m_operator.tell(texts::settings::configError(), Operator::Icon::Critical);
+            m_operator.tell(texts::app::configError(), Operator::Icon::Critical);
             break;
         }
         values += *value;
@@ -58,7 +58,7 @@ QStringList Settings::scrie_config(const QStringList &keys, QStringList values) 
     if (const std::optional<QByteArray> content = withKeysReplaced(file, keys, lines))
         replaceFile(m_station.configPath(), *content);
     else
-        m_operator.tell(texts::settings::configError(), Operator::Icon::Critical);
+        m_operator.tell(texts::app::configError(), Operator::Icon::Critical);
     return values;
 }
 
