@@ -1,4 +1,5 @@
-// The main menu: every item once, with its name, its caption and its command.
+// The main menu: every item once, with its name, its caption and its command, and which of them
+// need the diagrams.
 
 #include "diagrams/texts.h"
 #include "program/program.h"
@@ -46,4 +47,10 @@ std::vector<MenuItem> Program::menu()
         {InSubmenu, "DocProg", "&Documentatie", run(&Program::openHelp)},
         {InSubmenu, "DespreProg", "Despre &program", run(&Program::showAboutBox)},
     };
+}
+
+void Program::activare_meniuri_diagrame(bool enabled)
+{
+    for (const char *item : {"MeniuPres", "MeniuPrint", "MeniuTemp", "SalvareImg"})
+        m_window.setItemEnabled(QString::fromLatin1(item), enabled);
 }

@@ -141,12 +141,6 @@ void Program::openDiagrams()
     layOut(m_form1); // behind a message of the load the main window may have changed its size
 }
 
-void Program::activare_meniuri_diagrame(bool enabled)
-{
-    for (const char *item : {"MeniuPres", "MeniuPrint", "MeniuTemp", "SalvareImg"})
-        m_window.setItemEnabled(QString::fromLatin1(item), enabled);
-}
-
 void Program::adauga_citiri(const std::vector<Sensor> &sensors)
 {
     m_diagrams.adauga_citiri(sensors);
