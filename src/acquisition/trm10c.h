@@ -8,16 +8,18 @@
 
 /// The messages exchanged with a TOHO TRM-10C recorder, as bytes.
 ///
-/// One reading: the four read commands, each in a write of its own, then one reply of 186 bytes,
-/// then the closing command. The reply, offsets from its start:
-///   0 22 characters, not read | 22 six slots of 27 characters | 184 CR LF
+/// One reading: the read commands, each in a write of its own, then one reply, then the closing
+/// command. The reply, offsets from its start:
+///   0 22 characters, not read | 22 a slot of 27 characters per channel, then CR LF
 /// A slot ends with the channel's value in 10 characters; the rest of it is not read.
 namespace trm10c
 {
-inline constexpr qsizetype kReplySize = 186;
 inline constexpr std::size_t kChannels = channels::kCount;
+inline constexpr qsizetype kHeaderSize = 22;
+inline constexpr qsizetype kSlotSize = 27;
+inline constexpr qsizetype kReplySize = kHeaderSize + qsizetype(kChannels) * kSlotSize + 2;
 
-using Values = std::array<double, kChannels>; // degrees Celsius, channels 01 to 06
+using Values = std::array<double, kChannels>; // degrees Celsius, channel 01 first
 
 /// The commands that ask for all channels, in the order sent. Only some begin with ESC, as the
 /// recorder requires.
