@@ -9,8 +9,8 @@ void renameSensors(Station &station, const Settings &settings, std::size_t diagr
                    const QStringList &names)
 {
     Diagrama &record = station.diagramAt(diagram);
-    // In the sensor table the second diagram's sensors follow the first one's.
-    const std::size_t firstEntry = diagram * channels::kPerDiagram;
+    const auto firstEntry =
+        static_cast<std::size_t>(channels::channelOf(static_cast<int>(diagram), 1)) - 1;
     const auto count = static_cast<std::size_t>(names.size());
     if (firstEntry + count > station.sensors.size())
         throw RuntimeError(RuntimeError::SubscriptOutOfRange);
