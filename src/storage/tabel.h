@@ -6,7 +6,9 @@
 #include <QDateTime>
 
 /// The design of table Tabel and the names of its parts. Columns are found by these names, so that
-/// a table designed differently in a database program works too.
+/// a table designed differently in a database program works too. A channel without a column is not
+/// stored; without one of the other columns a sample that has a value for it is refused (3265).
+/// Drawing an archive needs every column but Id and Alarma.
 namespace tabel
 {
 
