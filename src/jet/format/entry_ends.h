@@ -7,11 +7,7 @@
 namespace jet
 {
 
-/// The bitmap of an index page: bit k = an entry ends at byte k of the entry area.
-inline constexpr std::size_t kEndsOffset = 27;
-inline constexpr std::size_t kEndsSize = kEntryArea - kEndsOffset;
-
-/// A copy of the bitmap in words, so that part of it can be shifted.
+/// A copy of an index page's bitmap in words, so that part of it can be shifted.
 class EntryEnds
 {
 public:

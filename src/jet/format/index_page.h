@@ -22,8 +22,10 @@ namespace jet
 
 inline constexpr std::size_t kEntryArea = 480;
 inline constexpr std::size_t kEntryAreaSize = kPageSize - kEntryArea;
-/// Bits of the bitmap: slightly more than the area has bytes.
-inline constexpr std::size_t kBitmapBits = (kEntryArea - 27) * 8;
+/// The bitmap; it has slightly more bits than the area has bytes.
+inline constexpr std::size_t kEndsOffset = 27;
+inline constexpr std::size_t kEndsSize = kEntryArea - kEndsOffset;
+inline constexpr std::size_t kBitmapBits = kEndsSize * 8;
 inline constexpr std::size_t kRowIdSize = 4;
 inline constexpr std::size_t kChildSize = 4;
 /// A page of longer entries could not be split.
