@@ -12,8 +12,8 @@
 #include <array>
 #include <vector>
 
-/// The state that all rooms share: one object, owned by the program and passed by reference. Code
-/// that changes it emits a signal of its own.
+/// The state that all rooms share: one object, owned by the program and passed by reference. It
+/// notifies nobody: code that changes what a window shows emits a signal of its own.
 struct Station {
     QString appFolder; ///< the folder that holds the program, without a slash at its end
     QLocale locale;    ///< of numbers and dates on the screen
