@@ -155,7 +155,7 @@ bool MDIForm1::eventFilter(QObject *watched, QEvent *event)
     // The main window's own resize event comes before the area has its new size.
     if (watched == m_area->viewport() && event->type() == QEvent::Resize)
         QMetaObject::invokeMethod(this, &MDIForm1::followArea, Qt::QueuedConnection);
-    // The bar may have been left with Escape. Queued: a chosen command brings its own window up.
+    // The bar may have been left with Escape. Queued: a chosen command first opens its window.
     if (watched == menuBar() && event->type() == QEvent::KeyRelease)
         QMetaObject::invokeMethod(this, &MDIForm1::leaveMenuBar, Qt::QueuedConnection);
     return QMainWindow::eventFilter(watched, event);
