@@ -39,45 +39,36 @@ Diagrama &DiagramOptions::record() const
     return m_station.diagramAt(m_diagram);
 }
 
+std::vector<NumberEntry> DiagramOptions::limitEntries(OptionTab tab, OptionBoxes &boxes) const
+{
+    const bool isGraph = tab == OptionTab::GraphLimits;
+    const std::vector<LimitSetting> limits = limitsOf(record(), tab);
+    return {{isGraph ? boxes.LimInf : boxes.AlarmInf, limits.at(0).value},
+            {isGraph ? boxes.LimSup : boxes.AlarmSup, limits.at(1).value}};
+}
+
 void DiagramOptions::afiseaza_tab(OptionTab tab, OptionBoxes &boxes) const
 {
-    // A comma that was typed comes back as a point: the boxes keep to the settings file's form.
-    switch (tab) {
-    case OptionTab::GraphLimits:
-        boxes.LimInf = fileNumberText(record().limita_minima);
-        boxes.LimSup = fileNumberText(record().limita_maxima);
-        return;
-    case OptionTab::Alarms:
-        boxes.AlarmInf = fileNumberText(record().alarma_minim);
-        boxes.AlarmSup = fileNumberText(record().alarma_maxim);
-        return;
-    case OptionTab::ScanOptions:
+    if (tab == OptionTab::ScanOptions) {
         const Diagrama &first = m_station.diagramAt(0);
         boxes.Scan = QString::number(first.interval_scanare);
         boxes.MasuraTimp = first.masura_interval;
         boxes.NumeMdb = m_station.NumeFisier;
         return;
     }
+    // A comma that was typed comes back as a point: the boxes keep to the settings file's form.
+    for (const NumberEntry &entry : limitEntries(tab, boxes))
+        entry.text = fileNumberText(entry.setting);
 }
 
 bool DiagramOptions::valideaza_tab(OptionTab tab, OptionBoxes &boxes)
 {
-    switch (tab) {
-    case OptionTab::GraphLimits:
-        return takeTab(
-            tab, {{boxes.LimInf, record().limita_minima}, {boxes.LimSup, record().limita_maxima}});
-    case OptionTab::Alarms:
-        return takeTab(tab, {{boxes.AlarmInf, record().alarma_minim},
-                             {boxes.AlarmSup, record().alarma_maxim}});
-    case OptionTab::ScanOptions:
-        break;
-    }
-    return takeScanOptions(boxes);
+    return tab == OptionTab::ScanOptions ? takeScanOptions(boxes) : takeLimits(tab, boxes);
 }
 
-bool DiagramOptions::takeTab(OptionTab tab, const std::vector<NumberEntry> &entries)
+bool DiagramOptions::takeLimits(OptionTab tab, OptionBoxes &boxes)
 {
-    if (!takeNumbers(entries)) {
+    if (!takeNumbers(limitEntries(tab, boxes))) {
         m_showError(texts::app::checkFields());
         return false;
     }
@@ -143,18 +134,11 @@ void DiagramOptions::restoreDefaults(OptionTab tab, OptionBoxes &boxes)
 
 void DiagramOptions::takeSavedTab(OptionTab tab, const QStringList &values)
 {
-    switch (tab) {
-    case OptionTab::GraphLimits:
-        record().limita_minima = leadingNumber(values.at(0));
-        record().limita_maxima = leadingNumber(values.at(1));
-        return;
-    case OptionTab::Alarms:
-        record().alarma_minim = leadingNumber(values.at(0));
-        record().alarma_maxim = leadingNumber(values.at(1));
-        return;
-    case OptionTab::ScanOptions:
+    if (tab == OptionTab::ScanOptions)
         return takeSavedScanOptions(values);
-    }
+    auto value = values.cbegin();
+    for (const LimitSetting &limit : limitsOf(record(), tab))
+        limit.value = leadingNumber(*value++);
 }
 
 void DiagramOptions::takeSavedScanOptions(const QStringList &values)

@@ -58,7 +58,9 @@ public:
     void restoreDefaults(OptionTab tab, OptionBoxes &boxes);
 
 private:
-    bool takeTab(OptionTab tab, const std::vector<NumberEntry> &entries);
+    /// The boxes of a tab of limits with the settings behind them.
+    std::vector<NumberEntry> limitEntries(OptionTab tab, OptionBoxes &boxes) const;
+    bool takeLimits(OptionTab tab, OptionBoxes &boxes);
     bool takeScanOptions(OptionBoxes &boxes);
     void takeSavedTab(OptionTab tab, const QStringList &values);
     void takeSavedScanOptions(const QStringList &values);

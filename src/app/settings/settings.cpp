@@ -67,26 +67,43 @@ std::optional<QString> Settings::optionalValue(const QString &key) const
     return valueOfKey(readFile(), key);
 }
 
+std::vector<LimitSetting> limitsOf(Diagrama &record, OptionTab tab)
+{
+    switch (tab) {
+    case OptionTab::GraphLimits:
+        return {{keys::lowerLimit(record.name), record.limita_minima},
+                {keys::upperLimit(record.name), record.limita_maxima}};
+    case OptionTab::Alarms:
+        return {{keys::lowerAlarm(record.name), record.alarma_minim},
+                {keys::upperAlarm(record.name), record.alarma_maxim}};
+    case OptionTab::ScanOptions:
+        break;
+    }
+    return {};
+}
+
 void Settings::incarca_setari_diagrama(Diagrama &record)
 {
-    QStringList settingKeys{keys::lowerLimit(record.name),   keys::upperLimit(record.name),
-                            keys::lowerAlarm(record.name),   keys::upperAlarm(record.name),
-                            keys::scanInterval(record.name), keys::scanUnit(record.name)};
-    const qsizetype firstName = settingKeys.size();
+    std::vector<LimitSetting> limits = limitsOf(record, OptionTab::GraphLimits);
+    for (const LimitSetting &alarm : limitsOf(record, OptionTab::Alarms))
+        limits.push_back(alarm);
+    QStringList settingKeys;
+    for (const LimitSetting &limit : limits)
+        settingKeys += limit.key;
+    settingKeys << keys::scanInterval(record.name) << keys::scanUnit(record.name);
     for (std::size_t i = 0; i < m_station.NumeFisier.size(); ++i)
         settingKeys += keys::storageName(static_cast<int>(i) + 1);
     settingKeys += keys::title(record.name);
 
     const QStringList values = valuesOf(settingKeys);
-    record.limita_minima = numberFromText(values.at(0));
-    record.limita_maxima = numberFromText(values.at(1));
-    record.alarma_minim = numberFromText(values.at(2));
-    record.alarma_maxim = numberFromText(values.at(3));
-    record.interval_scanare = int16FromText(values.at(4));
-    record.masura_interval = int16FromText(values.at(5));
-    std::copy_n(values.begin() + firstName, m_station.NumeFisier.size(),
-                m_station.NumeFisier.begin());
-    record.Titlu = values.last();
+    auto value = values.cbegin();
+    for (const LimitSetting &limit : limits)
+        limit.value = numberFromText(*value++);
+    record.interval_scanare = int16FromText(*value++);
+    record.masura_interval = int16FromText(*value++);
+    for (QString &name : m_station.NumeFisier)
+        name = *value++;
+    record.Titlu = *value;
 }
 
 void Settings::incarca_nume_senzori(Diagrama &record) const
@@ -98,19 +115,16 @@ void Settings::incarca_nume_senzori(Diagrama &record) const
     record.Nume = valuesOf(nameKeys);
 }
 
-SettingsEntries Settings::chei_tab(const Diagrama &record, OptionTab tab) const
+SettingsEntries Settings::chei_tab(Diagrama &record, OptionTab tab) const
 {
-    switch (tab) {
-    case OptionTab::GraphLimits:
-        return {{keys::lowerLimit(record.name), keys::upperLimit(record.name)},
-                {fileNumberText(record.limita_minima), fileNumberText(record.limita_maxima)}};
-    case OptionTab::Alarms:
-        return {{keys::lowerAlarm(record.name), keys::upperAlarm(record.name)},
-                {fileNumberText(record.alarma_minim), fileNumberText(record.alarma_maxim)}};
-    case OptionTab::ScanOptions:
+    if (tab == OptionTab::ScanOptions)
         return scanEntries();
+    SettingsEntries entries;
+    for (const LimitSetting &limit : limitsOf(record, tab)) {
+        entries.keys += limit.key;
+        entries.values += fileNumberText(limit.value);
     }
-    return {};
+    return entries;
 }
 
 SettingsEntries Settings::scanEntries() const

@@ -13,6 +13,15 @@ struct SettingsEntries {
     QStringList values;
 };
 
+/// A limit of a diagram: its key in the settings file and its value in memory.
+struct LimitSetting {
+    QString key;
+    double &value;
+};
+
+/// The limits on one options tab, the lower one first; the scan options have none.
+std::vector<LimitSetting> limitsOf(Diagrama &record, OptionTab tab);
+
 /// Reads and writes config/config.ini. The file is installed with every key; only the values of
 /// these keys can be changed, and the file is never created here.
 ///
@@ -46,7 +55,7 @@ public:
 
     /// The keys of one options tab, with the values in memory. The tab of the scan options covers
     /// both diagrams and the storage names, whichever diagram asks.
-    SettingsEntries chei_tab(const Diagrama &record, OptionTab tab) const;
+    SettingsEntries chei_tab(Diagrama &record, OptionTab tab) const;
 
 private:
     QByteArray readFile() const;
