@@ -29,7 +29,7 @@ void write(QSaveFile &file, QByteArrayView bytes)
         const qint64 written = file.write(bytes.data(), bytes.size());
         if (written <= 0)
             throw saveError(file);
-        bytes = bytes.sliced(written);
+        bytes = bytes.sliced(static_cast<qsizetype>(written));
     }
 }
 

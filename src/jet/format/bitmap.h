@@ -82,7 +82,7 @@ inline std::size_t countBits(ByteView bits)
         word -= word >> 1 & 0x5555555555555555;
         word = (word & 0x3333333333333333) + (word >> 2 & 0x3333333333333333);
         word = (word + (word >> 4)) & 0x0F0F0F0F0F0F0F0F;
-        count += word * 0x0101010101010101 >> 56;
+        count += static_cast<std::size_t>(word * 0x0101010101010101 >> 56);
     }
     for (; byte < bits.size(); ++byte)
         count += static_cast<std::size_t>(std::popcount(bits[byte]));
